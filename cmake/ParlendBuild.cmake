@@ -1,0 +1,40 @@
+# Language level, warnings, hardening and sanitizers: the same for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+include(CheckPIESupported)
+check_pie_supported()
+
+# "=" comes first so that a log line names "stub/stubutil", whatever directory was built from.
+set(PARLEND_PREFIX_MAP -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/src/= -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=)
+
+add_library(parlend_options INTERFACE)
+target_compile_options(parlend_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror
+  -fstack-protector-strong -fno-omit-frame-pointer ${PARLEND_PREFIX_MAP})
+target_compile_options(parlend_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+target_compile_definitions(parlend_options INTERFACE _GLIBCXX_ASSERTIONS _FILE_OFFSET_BITS=64)
+target_link_options(parlend_options INTERFACE -Wl,-z,relro,-z,now)
+find_package(Threads REQUIRED)
+target_link_libraries(parlend_options INTERFACE Threads::Threads)
+
+if(PARLEND_SANITIZE)
+  add_compile_options(-fsanitize=${PARLEND_SANITIZE} -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${PARLEND_SANITIZE})
+endif()
+
+# A header-only library of the build machine, made visible without its whole include directory:
+# a cross compiler must not see the build machine's C headers.
+function(parlend_header_library target entry)
+  find_path(${target}_DIR NAMES ${entry} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH NO_DEFAULT_PATH REQUIRED)
+  set(link ${CMAKE_BINARY_DIR}/headers/${target})
+  file(MAKE_DIRECTORY ${link})
+  if(NOT EXISTS ${link}/${entry})
+    file(CREATE_LINK ${${target}_DIR}/${entry} ${link}/${entry} SYMBOLIC)
+  endif()
+  add_library(${target} INTERFACE)
+  target_include_directories(${target} SYSTEM INTERFACE ${link})
+endfunction()

@@ -1,0 +1,26 @@
+# GoogleTest is built from Debian's sources, so that it is there for every compiler and sanitizer.
+set(INSTALL_GTEST OFF)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+foreach(target gtest gmock gtest_main gmock_main)
+  target_compile_options(${target} PRIVATE -w)
+endforeach()
+include(GoogleTest)
+
+# parlend_test(NAME SOURCES file... LIBS library... [TIMEOUT seconds] [SERIAL])
+# One test program; each TEST in it is a ctest entry named NAME.Suite.Case. SERIAL: the whole program is one
+# entry (for fixtures that are expensive to set up).
+function(parlend_test name)
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE parlend_options GTest::gmock ${ARG_LIBS} GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  if(ARG_SERIAL)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  else()
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  endif()
+endfunction()

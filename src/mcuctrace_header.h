@@ -1,0 +1,123 @@
+// The first line of a trace file: where its data ends. Not for several threads at once.
+#pragma once
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <charconv>
+#include <csignal>
+#include <cstddef>
+#include <cstring>
+#include <mutex>
+#include <optional>
+
+namespace ORVE_MCUC {
+
+// Runs accesses to a file's mapped page that may be gone: whoever empties a log, or a disk without room,
+// turns the next access into SIGBUS. The handler then puts an empty page of memory in its place, so that the
+// access ends, and the caller learns that it touched nothing. Any other SIGBUS goes where it went before.
+class MappedPageGuard {
+ public:
+  // access() must touch no page of files but this one. False: the page was gone.
+  template <class Access>
+  static bool touch(void* page, std::size_t size, Access access) {
+    s_size = size;
+    s_page.store(page, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    access();
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    return s_page.exchange(nullptr, std::memory_order_relaxed) != nullptr;
+  }
+
+  // Once before the first touch.
+  static void install() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+      struct sigaction action {};
+      action.sa_sigaction = &onBusError;
+      action.sa_flags = SA_SIGINFO;
+      sigaction(SIGBUS, &action, &s_previous);
+    });
+  }
+
+ private:
+  static void onBusError(int, siginfo_t* info, void*) {
+    auto* page = static_cast<char*>(s_page.load(std::memory_order_relaxed));
+    const auto* address = static_cast<const char*>(info->si_addr);
+    const bool ours = page != nullptr && address >= page && address < page + s_size;
+    const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED;
+    if (ours && mmap(page, s_size, PROT_READ | PROT_WRITE, flags, -1, 0) != MAP_FAILED) {
+      s_page.store(nullptr, std::memory_order_relaxed);
+    } else {
+      sigaction(SIGBUS, &s_previous, nullptr);  // the access is repeated, and its fault goes there
+    }
+  }
+
+  inline static std::atomic<void*> s_page{nullptr};
+  inline static std::size_t s_size = 0;
+  inline static struct sigaction s_previous {};
+};
+
+// Held in a shared mapping, so that a line costs one write and not two.
+class TraceFileHeader {
+ public:
+  static constexpr std::size_t kSize = 32;
+
+  explicit TraceFileHeader(int file) : file_(file) {}
+  ~TraceFileHeader() { unmap(); }
+  TraceFileHeader(const TraceFileHeader&) = delete;
+  TraceFileHeader& operator=(const TraceFileHeader&) = delete;
+
+  // Nothing when the file has no header, or none that is a number.
+  std::optional<std::size_t> read() {
+    Text text{};
+    if (!touch([&] { std::memcpy(text.data(), page_, kSize); }) && pread(file_, text.data(), kSize, 0) < 0)
+      return {};
+    std::size_t end = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), end);
+    if (parsed.ec != std::errc()) return {};
+    return end;
+  }
+
+  // False when there is no room for it.
+  bool write(std::size_t end) {
+    Text text;
+    text.fill(' ');
+    text.back() = '\n';
+    std::to_chars(text.data(), text.data() + text.size() - 1, end);
+    if (touch([&] { std::memcpy(page_, text.data(), kSize); })) return true;
+    const bool written = pwrite(file_, text.data(), kSize, 0) == static_cast<ssize_t>(kSize);
+    if (written) map();
+    return written;
+  }
+
+ private:
+  using Text = std::array<char, kSize>;
+
+  template <class Access>
+  bool touch(Access access) {
+    if (page_ == nullptr) return false;
+    if (MappedPageGuard::touch(page_, kSize, access)) return true;
+    unmap();
+    return false;
+  }
+
+  // The file must hold the header by now.
+  void map() {
+    MappedPageGuard::install();
+    void* page = mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_SHARED, file_, 0);
+    page_ = page == MAP_FAILED ? nullptr : static_cast<char*>(page);
+  }
+
+  void unmap() {
+    if (page_ != nullptr) munmap(page_, kSize);
+    page_ = nullptr;
+  }
+
+  int file_;
+  char* page_ = nullptr;
+};
+
+}  // namespace ORVE_MCUC

@@ -131,19 +131,19 @@ void CTrace::load(CTraceFile* handle) {
   const Guard guard(traceMutex());
   if (handle == nullptr && m_hTrace != nullptr) return;
   board_shell((std::string("mkdir -p ") + get_trace_dir()).c_str());
+  const time_t second = boardNow().tv_sec;
+  turnToDay(second);
   const bool current = handle == m_hTrace;
-  const std::string path = current ? onBoard(nextPath()) : "";
+  const std::string path = current ? onBoard(nextPath(second)) : "";
   if (handle != nullptr) _Close_Trace_Dev(handle);
   if (current) m_hTrace = path.empty() ? nullptr : _Open_Trace_Dev(path, kMaxFileSize, m_bShared);
   read_config();
 }
 
-std::string CTrace::nextPath() {
+std::string CTrace::nextPath(time_t second) {
   const std::string directory = std::string(get_trace_dir()) + '/';
   const std::string process = std::to_string(m_processid);
   if (m_lpszPrivateInfo != nullptr) return directory + m_lpszPrivateInfo + (m_bShared ? "" : '.' + process);
-  const time_t second = boardNow().tv_sec;
-  turnToDay(second);
   const tm& local = m_stamp.local(second);
   const std::string date =
       twoDigits(local.tm_mon + 1) + twoDigits(local.tm_mday) + fourDigits(local.tm_year + 1900);

@@ -13,6 +13,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -66,7 +67,7 @@ class CTrace {
   // The same for length characters that stand at kStampRoom in the buffer: nothing is copied.
   void write(int level, LineBuffer& line, std::size_t length);
 
-  // Closes the given file, which may be none, and opens the next one.
+  // Closes the given file, which may be none while there is none, and opens the next one.
   void load(CTraceFile* handle);
   // Gives every open file the size limit.
   void read_config();
@@ -77,7 +78,8 @@ class CTrace {
   static const std::string& get_process_name();
 
  private:
-  std::string nextPath();
+  std::string nextPath(time_t second);
+  // True when that second lies in another day than the current file: its files are counted from 0.
   bool turnToDay(time_t second);
 
   const char* m_lpszModule;

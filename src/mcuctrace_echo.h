@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <string>
 #include <string_view>
 
 namespace ORVE_MCUC {
@@ -17,11 +18,15 @@ namespace ORVE_MCUC {
 // Never waits for a reader and is never ended by one that left: what standard output does not take at once is
 // left out. Neither its file status flags, which other processes share, nor the handling of signals is
 // changed.
-class StandardOutputEcho {
+class LineEcho {
  public:
-  StandardOutputEcho() { choose(); }
-  StandardOutputEcho(const StandardOutputEcho&) = delete;
-  StandardOutputEcho& operator=(const StandardOutputEcho&) = delete;
+  // The descriptor stays the caller's and must stay open.
+  explicit LineEcho(int output = STDOUT_FILENO) : descriptor_(output) { choose(output); }
+  ~LineEcho() {
+    if (own_) close(descriptor_);
+  }
+  LineEcho(const LineEcho&) = delete;
+  LineEcho& operator=(const LineEcho&) = delete;
 
   void write(std::string_view line) const {
     switch (way_) {
@@ -42,26 +47,28 @@ class StandardOutputEcho {
  private:
   enum class Way { kNone, kWrite, kSend, kAskFirst };
 
-  void choose() {
+  void choose(int output) {
     struct stat status {};
-    if (fstat(STDOUT_FILENO, &status) != 0) return;
+    if (fstat(output, &status) != 0) return;
     if (S_ISREG(status.st_mode)) {
       way_ = Way::kWrite;
     } else if (S_ISSOCK(status.st_mode)) {
       way_ = Way::kSend;
     } else if (!(S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3))) {  // /dev/null
-      openOwn(S_ISFIFO(status.st_mode));
+      openOwn(output, S_ISFIFO(status.st_mode));
     }
   }
 
   // An open file description of our own can be non-blocking without making it so for others. Of a pipe it
   // also holds the reading end, which is never read: as long as a pipe has a reader, writing to it raises no
   // SIGPIPE.
-  void openOwn(bool pipe) {
+  void openOwn(int output, bool pipe) {
     const int flags = (pipe ? O_RDWR : O_WRONLY) | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int own = open("/proc/self/fd/1", flags);
-    way_ = own >= 0 ? Way::kWrite : Way::kAskFirst;
-    if (own >= 0) descriptor_ = own;
+    const std::string path = "/proc/self/fd/" + std::to_string(output);
+    const int opened = open(path.c_str(), flags);
+    own_ = opened >= 0;
+    way_ = own_ ? Way::kWrite : Way::kAskFirst;
+    if (own_) descriptor_ = opened;
   }
 
   void put(std::string_view line) const {
@@ -83,7 +90,8 @@ class StandardOutputEcho {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
   }
 
-  int descriptor_ = STDOUT_FILENO;
+  int descriptor_;
+  bool own_ = false;
   Way way_ = Way::kNone;
 };
 

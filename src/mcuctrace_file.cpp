@@ -18,8 +18,8 @@ using Guard = CMutexGuardT<CMutexThreadRecursive>;
 // The end of the data is tested before a line is added, so it can lie past the limit by one line.
 constexpr std::size_t kLongestLine = 1024;
 
-const StandardOutputEcho& echo() {
-  static const StandardOutputEcho output;
+const LineEcho& echo() {
+  static const LineEcho output;
   return output;
 }
 
@@ -114,7 +114,9 @@ std::size_t CTraceFile::dataEnd() {
 CTraceFile* CTraceFileMgr::open(const std::string& path, std::size_t maxSize, bool shared) {
   const Guard guard(traceMutex());
   for (CTraceFile* file = m_pHead.get(); file != nullptr; file = file->m_pNext.get()) {
-    if (file->fileName() == path) return file;
+    if (file->fileName() != path) continue;
+    ++file->m_users;
+    return file;
   }
   auto file = std::make_unique<CTraceFile>(path, maxSize, shared);
   if (!file->isOpen()) return nullptr;
@@ -127,7 +129,7 @@ void CTraceFileMgr::close(const CTraceFile* file) {
   const Guard guard(traceMutex());
   auto* link = &m_pHead;
   while (*link != nullptr && link->get() != file) link = &(*link)->m_pNext;
-  if (*link != nullptr) *link = std::move((*link)->m_pNext);
+  if (*link != nullptr && --(*link)->m_users == 0) *link = std::move((*link)->m_pNext);
 }
 
 void CTraceFileMgr::refresh(std::size_t maxSize) {

@@ -35,6 +35,7 @@ class CTraceFile {
   void write(std::string_view line);
 
   std::unique_ptr<CTraceFile> m_pNext;
+  int m_users = 1;
 
  private:
   void writeShared(std::string_view line);
@@ -53,9 +54,10 @@ class CTraceFile {
 // All open trace files.
 class CTraceFileMgr {
  public:
-  // The file of that path, opened if it is not yet; nullptr when it cannot be opened.
+  // The file of that path, opened if it is not yet; nullptr when it cannot be opened. Closed as often as
+  // opened.
   CTraceFile* open(const std::string& path, std::size_t maxSize, bool shared);
-  // Closes the file; the handle is invalid afterwards.
+  // The handle is invalid afterwards.
   void close(const CTraceFile* file);
   void refresh(std::size_t maxSize);
 

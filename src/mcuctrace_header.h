@@ -28,7 +28,9 @@ class MappedPageGuard {
     std::atomic_signal_fence(std::memory_order_seq_cst);
     access();
     std::atomic_signal_fence(std::memory_order_seq_cst);
-    return s_page.exchange(nullptr, std::memory_order_relaxed) != nullptr;
+    const bool touched = s_page.load(std::memory_order_relaxed) != nullptr;
+    s_page.store(nullptr, std::memory_order_relaxed);
+    return touched;
   }
 
   // Once before the first touch.

@@ -163,7 +163,7 @@ Frame Peer::exchange(Frame request) {
                                     std::to_string(timeout_.count()) + " ms");
 }
 
-Frame Peer::carriedOut(Frame request) {
+Frame Peer::request(Frame request) {
   Frame reply = exchange(std::move(request));
   if (reply.ack == 0) return reply;
   throw Error(Failure::Acknowledge, "refused with acknowledge code " + std::to_string(reply.ack) + " at " +
@@ -176,7 +176,7 @@ Bytes Peer::read(uint32_t address, std::size_t length, Frame to) {
   to.code = kRead;
   to.address = address;
   to.length = static_cast<uint16_t>(length);
-  Frame reply = carriedOut(std::move(to));
+  Frame reply = request(std::move(to));
   if (reply.data.size() < length)
     throw Error(Failure::ShortReply, "short reply at " + hexAddress(address) + ": " +
                                          std::to_string(reply.data.size()) + " of " + std::to_string(length) +
@@ -191,7 +191,7 @@ void Peer::write(uint32_t address, Bytes data, Frame to) {
   to.address = address;
   to.length = static_cast<uint16_t>(data.size());
   to.data = std::move(data);
-  carriedOut(std::move(to));
+  request(std::move(to));
 }
 
 std::optional<Frame> Peer::nextPush(milliseconds wait) {

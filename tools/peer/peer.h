@@ -48,8 +48,10 @@ class Peer {
   // kept for nextPush. The frame's label and the head's label count become the request's number.
   // Throws Error: TimeOut, NoDaemon, ShortReply (the reply is not a frame).
   Frame exchange(Frame request);
-  // As exchange; throws Error (Acknowledge) when refused, (ShortReply) when data bytes are missing, (Usage)
-  // when the data cannot fit into a frame. `to` carries the addressing of other devices, if any.
+  // As exchange; throws Error (Acknowledge) when the daemon refuses.
+  Frame request(Frame request);
+  // As request; throws Error (ShortReply) when data bytes are missing, (Usage) when the data cannot fit into
+  // a frame. `to` carries the addressing of other devices, if any.
   Bytes read(uint32_t address, std::size_t length, Frame to = {});
   void write(uint32_t address, Bytes data, Frame to = {});
 
@@ -68,7 +70,6 @@ class Peer {
   void connectTo(const std::string& socketPath);
   void introduce(uint32_t serviceCode);
   bool await(short events, milliseconds wait) const;
-  Frame carriedOut(Frame request);
 
   int socket_ = -1;
   milliseconds timeout_;

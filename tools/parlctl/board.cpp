@@ -1,0 +1,222 @@
+// board: the simulated board's directory; none of its verbs needs a running daemon.
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "commands.h"
+
+namespace parlctl {
+
+namespace {
+
+using peer::Error;
+using peer::Failure;
+using peer::Medium;
+namespace fs = std::filesystem;
+
+constexpr const char* kDefaultConf = R"(# What is plugged into this board.
+card_bit = 1
+fpga_autoload = yes
+fpga_status = up
+copper_ports = 0-3
+fiber1_ports =
+fiber2_ports =
+fiber_module = 0x00
+cards_per_port = 16
+card_width = 128
+card_height = 128
+card_brightness = 0xFF
+# sensor = PORT BOARD SENSOR LUX
+input = 0x10 dvi
+input = 0x01 hdmi14
+journal = writes
+)";
+
+struct BoardArguments {
+  std::string directory;
+  std::string ports;
+  std::string state;
+  std::string fault;
+  std::string count;
+  bool fiber1 = false;
+  bool fiber2 = false;
+};
+
+fs::path confPath(const fs::path& board) {
+  return board / "board.conf";
+}
+
+void init(const Options& options, const BoardArguments& arguments) {
+  const fs::path board = arguments.directory.empty() ? options.boardDirectory : arguments.directory;
+  const bool existed = fs::exists(confPath(board));
+  if (!existed) {
+    std::error_code error;
+    fs::create_directories(board, error);
+    std::ofstream conf(confPath(board));
+    conf << kDefaultConf << std::flush;
+    if (!conf) throw Error(Failure::Board, "cannot write " + confPath(board).string());
+  }
+  print(options, {{"board", board.string()}, {"created", !existed}},
+        board.string() + (existed ? " is a board already; nothing changed"
+                                  : ": a board with the defaults; edit " + confPath(board).string()));
+}
+
+std::vector<std::string> pluggedIn(const fs::path& board) {
+  std::ifstream conf(confPath(board));
+  if (!conf) throw Error(Failure::Board, "no board at " + board.string() + " (parlctl board init makes one)");
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(conf, line);) {
+    line.erase(std::min(line.find('#'), line.size()));
+    line.erase(line.find_last_not_of(" \t\r") + 1);
+    if (!line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+std::vector<unsigned> linkedPorts(const peer::Board& board, Medium medium) {
+  std::vector<unsigned> ports;
+  for (unsigned port = 0; port < peer::kPorts; ++port)
+    if (board.link(port, medium)) ports.push_back(port);
+  return ports;
+}
+
+// The identity the daemon's message service gave; 0: nobody serves the board.
+uint32_t daemonIdentity(const Options& options) {
+  try {
+    return options.connect(peer::toolServiceCode()).taskId();
+  } catch (const Error&) {
+    return 0;
+  }
+}
+
+Json hardware(const peer::Board& board) {
+  Json faults = Json::object();
+  for (unsigned i = 0; i < peer::kFaultNames.size(); ++i)
+    if (const uint32_t count = board.fault(i); count != 0) faults[std::string(peer::kFaultNames[i])] = count;
+  return {{"links",
+           {{"copper", linkedPorts(board, Medium::Copper)},
+            {"fiber1", linkedPorts(board, Medium::Fiber1)},
+            {"fiber2", linkedPorts(board, Medium::Fiber2)}}},
+          {"faults", faults},
+          {"clock_offset", board.clockOffset()}};
+}
+
+// "copper 0 1 2 3, fiber1 -"; numbers and lists alike.
+std::string words(const Json& values) {
+  std::string text;
+  for (const auto& [key, value] : values.items()) {
+    text += (text.empty() ? "" : ", ") + key;
+    if (!value.is_array())
+      text += ' ' + (value == peer::kAlways ? "always" : value.dump());
+    else if (value.empty())
+      text += " -";
+    else
+      for (const Json& item : value) text += ' ' + item.dump();
+  }
+  return text.empty() ? "none" : text;
+}
+
+std::string description(const Json& shown) {
+  std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
+                     (shown["daemon"].get<bool>() ? "answers" : "does not answer");
+  if (shown["powered"].get<bool>())
+    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " + words(shown["faults"]) + "\nclock    " +
+            shown["clock_offset"].dump() + " s from this machine's";
+  else
+    text += "\npower    never switched on";
+  text += "\nplugged in";
+  for (const Json& line : shown["plugged_in"]) text += "\n  " + line.get<std::string>();
+  return text;
+}
+
+void showBoard(const Options& options) {
+  const peer::Board board = options.board();
+  Json shown{{"board", board.directory().string()},
+             {"daemon", daemonIdentity(options) != 0},
+             {"powered", board.hasHardware()},
+             {"plugged_in", pluggedIn(board.directory())}};
+  if (board.hasHardware()) shown.update(hardware(board));
+  print(options, shown, description(shown));
+}
+
+// "0-3,7" as a list.
+std::vector<unsigned> portList(const std::string& text) {
+  constexpr uint32_t kLast = peer::kPorts - 1;
+  std::vector<unsigned> ports;
+  std::istringstream parts(text);
+  for (std::string part; std::getline(parts, part, ',');) {
+    const std::size_t dash = part.find('-');
+    const uint32_t first = number(part.substr(0, dash), kLast);
+    const uint32_t last = dash == std::string::npos ? first : number(part.substr(dash + 1), kLast);
+    if (last < first) throw Error(Failure::Usage, "the ports run backwards: '" + part + "'");
+    for (uint32_t port = first; port <= last; ++port) ports.push_back(port);
+  }
+  return ports;
+}
+
+void link(const Options& options, const BoardArguments& arguments) {
+  const Medium medium = arguments.fiber1   ? Medium::Fiber1
+                        : arguments.fiber2 ? Medium::Fiber2
+                                           : Medium::Copper;
+  const auto ports = portList(arguments.ports);
+  const peer::Board board = options.board();
+  for (const unsigned port : ports) board.setLink(port, medium, arguments.state == "on");
+  const Json links = hardware(board)["links"];
+  print(options, {{"links", links}}, "links    " + words(links));
+}
+
+void fault(const Options& options, const BoardArguments& arguments) {
+  const auto index = peer::faultIndex(arguments.fault);
+  const uint32_t count = arguments.count == "always" ? peer::kAlways : number(arguments.count);
+  const peer::Board board = options.board();
+  board.setFault(*index, count);
+  const Json faults = hardware(board)["faults"];
+  print(options, {{"faults", faults}}, "faults   " + words(faults));
+}
+
+void addLink(CLI::App& board, const Options& options) {
+  auto arguments = std::make_shared<BoardArguments>();
+  CLI::App* verb = board.add_subcommand("link", "Plug and unplug the links of output ports");
+  verb->add_option("ports", arguments->ports, "Numbers and ranges from 0 to 15, separated by commas")
+      ->required();
+  verb->add_option("state", arguments->state, "on or off")->required()->check(CLI::IsMember({"on", "off"}));
+  CLI::App* medium = verb->add_option_group("medium");
+  medium->add_flag("--copper")->description("An Ethernet link (the default)");
+  medium->add_flag("--fiber1", arguments->fiber1, "Through fiber path 1");
+  medium->add_flag("--fiber2", arguments->fiber2, "Through fiber path 2");
+  medium->require_option(0, 1);
+  verb->footer("Example: parlctl board link 0-3,7 --fiber1 on");
+  verb->callback([&options, arguments] { link(options, *arguments); });
+}
+
+void addFault(CLI::App& board, const Options& options) {
+  auto arguments = std::make_shared<BoardArguments>();
+  CLI::App* verb = board.add_subcommand("fault", "Let the next calls of a kind fail");
+  verb->add_option("kind", arguments->fault, "What fails")
+      ->required()
+      ->check(CLI::IsMember(std::vector<std::string>(peer::kFaultNames.begin(), peer::kFaultNames.end())));
+  verb->add_option("count", arguments->count, "How many calls; 0: none, always: all of them")->required();
+  verb->footer("Example: parlctl board fault flash-read 3");
+  verb->callback([&options, arguments] { fault(options, *arguments); });
+}
+
+}  // namespace
+
+void addBoard(CLI::App& app, const Options& options) {
+  CLI::App* board = app.add_subcommand("board", "Look at the simulated board and change what is plugged in");
+  board->require_subcommand(1);
+
+  auto arguments = std::make_shared<BoardArguments>();
+  CLI::App* verb = board->add_subcommand("init", "Create a board directory with the defaults");
+  verb->add_option("directory", arguments->directory, "Where; without it, the board of --board");
+  verb->callback([&options, arguments] { init(options, *arguments); });
+
+  verb =
+      board->add_subcommand("show", "What is plugged in, linked and failing, and whether the daemon answers");
+  verb->callback([&options] { showBoard(options); });
+
+  addLink(*board, options);
+  addFault(*board, options);
+}
+
+}  // namespace parlctl

@@ -1,0 +1,91 @@
+// Packets on their way to the receiving thread, and holding back peers that send faster than it works.
+#include <malloc.h>
+
+#include <algorithm>
+#include <chrono>
+
+#include "apipc_loop.h"
+
+namespace simboard {
+namespace {
+
+constexpr uint32_t kHeaviest = weightOf(kMaxPacket);
+static_assert(kEnoughRoom >= kHeaviest * PacketBatch::kCapacity);
+
+constexpr uint32_t kFlood = 4 << 20;
+
+}  // namespace
+
+void MessageService::readFrom(Peer& peer, const Receiver& receiver) {
+  if (peer.closed()) return remove(peer);
+  const unsigned int wanted = packetsThatFit(peer);
+  if (wanted == 0) return stopReading(peer);
+  const int count = batch_.receive(peer.fd(), wanted);
+  if (count < 0) return remove(peer);
+  for (int i = 0; i < count; ++i) {
+    if (batch_.length(i) == 0) return remove(peer);
+    takePacket(peer, i, receiver);
+  }
+  if (static_cast<unsigned int>(count) < wanted) batch_.releaseAfterBurst();
+}
+
+void MessageService::takePacket(Peer& peer, int index, const Receiver& receiver) {
+  const std::size_t length = batch_.length(index);
+  const auto bytes = batch_.bytes(index);
+  if (const auto fault = packetFault(bytes, length, peer.task)) {
+    return drops_.add(peer.task, *fault, std::chrono::steady_clock::now());
+  }
+  offered_ = makeMessage(peer.share(), bytes);
+  if (!offered_) return drops_.add(peer.task, "no memory", std::chrono::steady_clock::now());
+  receiver.callback(&peer, receiver.context, offered_, static_cast<int>(length));
+  if (Message* const refused = std::exchange(offered_, nullptr)) freeMessage(refused);
+}
+
+bool MessageService::enqueue(Message* message) {
+  if (!message || message != offered_) return false;
+  offered_ = nullptr;
+  const uint32_t weight = weightOf(message->length);
+  message->share->add(weight);
+  load_.add(weight);
+  queue_.push(message);
+  return true;
+}
+
+void MessageService::release(Message* message) {
+  highestLoad_ = std::max(highestLoad_, load_.bytes());
+  const uint32_t weight = weightOf(message->length);
+  const bool shareFreed = message->share->remove(weight);
+  const bool loadFreed = load_.remove(weight);
+  freeMessage(message);
+  if ((shareFreed || loadFreed) && anyStopped_.load()) signal();
+  if (highestLoad_ > kFlood && load_.bytes() == 0) {
+    highestLoad_ = 0;
+    ::malloc_trim(0);
+  }
+}
+
+unsigned int MessageService::packetsThatFit(const Peer& peer) const {
+  const uint32_t packets = std::min(peer.share()->room(), load_.room()) / kHeaviest;
+  return std::min<uint32_t>(packets, PacketBatch::kCapacity);
+}
+
+bool MessageService::mayResume(const Peer& peer) const {
+  return peer.share()->comfortable() && load_.comfortable();
+}
+
+// It is no longer watched at all: a peer that hangs up meanwhile would wake the thread again and again. The
+// receiving thread may have made room before it could see that somebody needs it, so the look at the room
+// comes last.
+void MessageService::stopReading(Peer& peer) {
+  unwatch(peer.fd());
+  peer.stopped = true;
+  anyStopped_.store(true);
+  if (mayResume(peer)) resumeReading(peer);
+}
+
+void MessageService::resumeReading(Peer& peer) {
+  peer.stopped = false;
+  if (!watch(peer.fd(), &peer)) remove(peer);
+}
+
+}  // namespace simboard

@@ -1,0 +1,44 @@
+// Sending, looking up, and the end of the service: from any thread.
+#include <sys/socket.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "apipc_loop.h"
+
+namespace simboard {
+namespace {
+
+constexpr uint32_t kNamedInHead = 0x070400;  // service code: the receiver is the head's ui_id
+
+}  // namespace
+
+bool MessageService::send(uint32_t task, std::span<const unsigned char> packet) {
+  if (packet.size() < kHeadSize || packet.size() > kMaxPacket) return false;
+  const bool namedInHead = task == ((self_ & 0xFF000000) | kNamedInHead);
+  const uint32_t receiver = namedInHead ? readLe32(packet) : task;
+  const auto peer = peers_.find(receiver);
+  if (!peer) return false;
+  const SendResult result = peer->send(packet);
+  if (result == SendResult::TooSlow) {
+    peer->shutDown();
+    signal();
+    std::fprintf(stderr, "apipc: 0x%08" PRIx32 " does not read what it is sent: connection closed\n",
+                 receiver);
+  }
+  return result == SendResult::Sent;
+}
+
+bool MessageService::connected(uint32_t task) const {
+  const auto peer = peers_.find(task);
+  return peer && !peer->hungUp();
+}
+
+void MessageService::close() {
+  closed_.store(true);
+  ::shutdown(listener_.get(), SHUT_RDWR);
+  peers_.shutDownAll();
+  signal();
+}
+
+}  // namespace simboard

@@ -13,8 +13,6 @@
 #include <stdexcept>
 #include <system_error>
 
-extern char** environ;
-
 namespace bench {
 namespace {
 
@@ -34,15 +32,20 @@ std::string readAll(int fd) {
   return text;
 }
 
-pid_t spawn(const std::vector<std::string>& command, std::vector<std::string> environment, int resultFd,
+// The words as exec wants them.
+std::vector<char*> pointers(std::vector<std::string>& words) {
+  std::vector<char*> all;
+  all.reserve(words.size() + 1);
+  for (std::string& word : words) all.push_back(word.data());
+  all.push_back(nullptr);
+  return all;
+}
+
+pid_t spawn(std::vector<std::string> command, std::vector<std::string> environment, int resultFd,
             const std::string& standardOutput) {
-  std::vector<char*> argv;
-  for (const std::string& word : command) argv.push_back(const_cast<char*>(word.c_str()));
-  argv.push_back(nullptr);
-  std::vector<char*> env;
-  for (std::string& word : environment) env.push_back(word.data());
-  for (char** word = environ; *word; ++word) env.push_back(*word);
-  env.push_back(nullptr);
+  for (char** word = environ; *word; ++word) environment.emplace_back(*word);
+  std::vector<char*> argv = pointers(command);
+  std::vector<char*> env = pointers(environment);
 
   posix_spawn_file_actions_t actions{};
   posix_spawn_file_actions_init(&actions);

@@ -19,6 +19,7 @@ template <class AnyPeer>
 double rate(std::vector<std::unique_ptr<AnyPeer>>& peers, int count) {
   std::atomic<bool> failed{false};
   std::vector<std::jthread> threads;
+  threads.reserve(peers.size());
   const double start = nowUs();
   for (auto& peer : peers) {
     threads.emplace_back([&failed, &peer, count] {

@@ -46,6 +46,7 @@ void measureRoundTrip(const Programs& programs, const Effort& effort, Table& tab
   table.add(against(name, kUnit, daemon, "bare packets", results[3], Goal::RatioAtMost, 1.75));
   table.add(modbus ? against(name, kUnit, daemon, "libmodbus", results[4], Goal::RatioAtMost, 0.85)
                    : notInstalled(name, kUnit, daemon, "libmodbus"));
+  table.add(against(name + " (one futex hop)", kUnit, results[2], "bare packets", results[3], Goal::None, 0));
   table.add(against(name, kUnit, daemon, "daemon with -disable", results[1], Goal::RatioAtMost, 1.02));
 }
 

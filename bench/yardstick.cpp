@@ -14,8 +14,9 @@ namespace {
 int listenAt(const char* path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (std::strlen(path) >= sizeof address.sun_path) return -1;
-  std::strcpy(address.sun_path, path);
+  const std::size_t length = std::strlen(path);
+  if (length >= sizeof address.sun_path) return -1;
+  std::memcpy(address.sun_path, path, length + 1);
   std::remove(path);
   const int fd = socket(AF_UNIX, SOCK_SEQPACKET, 0);
   if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return -1;

@@ -1,0 +1,142 @@
+#include "stub/mcucmessagestruct.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "mcuctrace.h"
+#include "proto/results.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr uint16_t kChecksumSeed = 0x5555;
+
+// Sum of bytes, modulo 65536. Eight bytes at a time: each word is added as four 16-bit lanes, which take 128 words
+// before one could overflow.
+uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
+  constexpr uint64_t kEvenBytes = 0x00FF00FF00FF00FF;
+  constexpr std::size_t kWordsPerRound = 128;
+  uint32_t sum = 0;
+  while (count >= sizeof(uint64_t)) {
+    const std::size_t words = std::min(count / sizeof(uint64_t), kWordsPerRound);
+    uint64_t lanes = 0;
+    for (std::size_t i = 0; i < words; ++i) {
+      uint64_t word;
+      std::memcpy(&word, bytes + i * sizeof word, sizeof word);
+      lanes += (word & kEvenBytes) + (word >> 8 & kEvenBytes);
+    }
+    for (int lane = 0; lane < 64; lane += 16) sum += static_cast<uint16_t>(lanes >> lane);
+    bytes += words * sizeof(uint64_t);
+    count -= words * sizeof(uint64_t);
+  }
+  while (count-- > 0) sum += *bytes++;
+  return static_cast<uint16_t>(sum);
+}
+
+uint16_t wordAt(const unsigned char* bytes) { return TOLM_MAKEWD(bytes[1], bytes[0]); }
+
+}  // namespace
+
+MCUCMsg::MCUCMsg(uint16_t header, uint8_t ack, uint8_t labels, uint8_t source, uint8_t destination,
+                 uint8_t deviceType, uint8_t port, uint16_t board, uint8_t code, uint32_t registerAddress)
+    : m_usHeader(header),
+      m_ucAck(ack),
+      m_ucLabels(labels),
+      m_ucSourceAddress(source),
+      m_ucDestinationAddrerss(destination),
+      m_ucDeviceType(deviceType),
+      m_ucPortAddress(port),
+      m_usBoardAddress(board),
+      m_ucCode(code),
+      m_uiRegisterUnitAddress(registerAddress) {}
+
+int MCUCMsg::Encode(unsigned char*, unsigned int) { return kErrThread; }
+
+int MCUCMsg::Decode(unsigned char*, int&) { return kErrThread; }
+
+void MCUCMsg::CaculCheckout(const unsigned char* buffer, int start, int count, unsigned short* out) {
+  const uint16_t sum = count > 0 ? byteSum(buffer + start, static_cast<std::size_t>(count)) : uint16_t{0};
+  *out = static_cast<uint16_t>(kChecksumSeed + sum);
+}
+
+bool MCUCMsg::Checkout(const unsigned char* frame, int length) {
+  if (length < 4) return false;
+  unsigned short computed = 0;
+  CaculCheckout(frame, 2, length - 4, &computed);
+  const uint16_t received = wordAt(frame + length - 2);
+  PARLEND_TRACE(kInfo) << "revise = " << computed << ", iDataLen = " << length << ", usCheckout=" << received;
+  PARLEND_TRACE(kInfo) << "Finish Checkout the DataBlock.";
+  return computed == received;
+}
+
+int MCUCMsg::DecodeHeader(const unsigned char* frame, int length) {
+  if (frame == nullptr || length < kFrameMinimum) {
+    PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = " << length
+                          << "pData = " << static_cast<const void*>(frame);
+    return -1;
+  }
+  m_usHeader = wordAt(frame);
+  m_ucAck = frame[2];
+  m_ucLabels = frame[3];
+  m_ucSourceAddress = frame[4];
+  m_ucDestinationAddrerss = frame[5];
+  m_ucDeviceType = frame[6];
+  m_ucPortAddress = frame[7];
+  m_usBoardAddress = wordAt(frame + 8);
+  m_ucCode = frame[10];
+  m_ucReserved = frame[11];
+  m_uiRegisterUnitAddress = TOLM_MAKEDW(frame[15], frame[14], frame[13], frame[12]);
+  m_usValidDataLength = wordAt(frame + 16);
+  m_usCheckout = wordAt(frame + length - 2);
+  return 0;
+}
+
+int MCUCMsg::EncodeHeader(unsigned char* buffer, int size) {
+  if (buffer == nullptr || size < kFrameHeadLength) {
+    PARLEND_TRACE(kError) << "=== EncodeHeader ===pData = " << static_cast<const void*>(buffer);
+    return -1;
+  }
+  TOLM_RENCWD(buffer, m_usHeader);
+  buffer[2] = m_ucAck;
+  buffer[3] = m_ucLabels;
+  buffer[4] = m_ucSourceAddress;
+  buffer[5] = m_ucDestinationAddrerss;
+  buffer[6] = m_ucDeviceType;
+  buffer[7] = m_ucPortAddress;
+  TOLM_ENCWD(buffer + 8, m_usBoardAddress);
+  buffer[10] = m_ucCode;
+  buffer[11] = m_ucReserved;
+  TOLM_ENCDW(buffer + 12, m_uiRegisterUnitAddress);
+  TOLM_ENCWD(buffer + 16, m_usValidDataLength);
+  return 0;
+}
+
+int ThirdProtoMCUCMsg::Decode(const unsigned char* frame, int length) {
+  if (const int failed = DecodeHeader(frame, length)) return failed;
+  if (m_ucCode == kCodeWrite) {
+    if (length < kFrameMinimum + m_usValidDataLength) {
+      PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = " << length
+                            << "pData = " << static_cast<const void*>(frame);
+      return -1;
+    }
+    const unsigned char* data = frame + kFrameHeadLength;
+    m_data.insert(m_data.end(), data, data + m_usValidDataLength);
+  }
+  PARLEND_TRACE(kInfo) << "Finish Decode the DataBlock.";
+  return 0;
+}
+
+int ThirdProtoMCUCMsg::Encode(unsigned char* buffer, unsigned int size) {
+  const bool carriesData = m_ucCode != kCodeWrite || m_ucReserved == kReplyCarriesData;
+  const std::size_t dataLength = carriesData ? m_data.size() : 0;
+  if (dataLength > 0xFFFF || dataLength + kFrameMinimum > size) return -1;
+  m_usValidDataLength = static_cast<uint16_t>(dataLength);
+  if (const int failed = EncodeHeader(buffer, static_cast<int>(size))) return failed;
+  std::copy_n(m_data.begin(), dataLength, buffer + kFrameHeadLength);
+  const int total = kFrameHeadLength + static_cast<int>(dataLength);
+  CaculCheckout(buffer, 2, total - 2, &m_usCheckout);
+  TOLM_ENCWD(buffer + total, m_usCheckout);
+  return total + 2;
+}
+
+}  // namespace ORVE_MCUC

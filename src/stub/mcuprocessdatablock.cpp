@@ -1,0 +1,22 @@
+#include "stub/mcuprocessdatablock.h"
+
+#include <cstring>
+
+namespace ORVE_MCUC {
+
+char* MCUProcessDataBlock::allocate(int length) {
+  if (length < 0 || length > PROCESS_DATA_BLOCK_LENGTH) return nullptr;
+  m_data = std::make_unique<char[]>(static_cast<std::size_t>(length));
+  m_dataLen = length;
+  return m_data.get();
+}
+
+bool MCUProcessDataBlock::setData(const char* data, int length) {
+  if (data == nullptr && length > 0) return false;
+  char* room = allocate(length);
+  if (room == nullptr) return false;
+  if (length > 0) std::memcpy(room, data, static_cast<std::size_t>(length));
+  return true;
+}
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,139 @@
+// parlctl as a shell sees it: exit status, output, and what it does to a running daemon.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "daemon_process.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+class ParlctlTest : public testing::Test {
+ protected:
+  Outcome run(const std::string& arguments) const {
+    const std::string command =
+        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> piece{};
+    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
+      output.append(piece.data(), got);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+  }
+  DaemonProcess daemon;
+};
+
+TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
+  for (const char* wrong : {"",
+                            "reg",
+                            "reg read",
+                            "reg read 1x",
+                            "reg read 010",
+                            "reg read 0x100000000",
+                            "reg read 0:65517",
+                            "reg read 5:",
+                            "reg write 5",
+                            "reg write 5=",
+                            "reg write 5=0",
+                            "reg write 5=zz",
+                            "reg read 0 --port 256",
+                            "--timeout 0 reg read 0",
+                            "watch --as nobody",
+                            "watch --count 0",
+                            "board link 16 on",
+                            "board link 3-1 on",
+                            "board link , on",
+                            "board link 1 maybe",
+                            "board link 1 on --copper --fiber1",
+                            "board fault nothing 1",
+                            "board fault card-read x",
+                            "board show",
+                            "frobnicate"}) {
+    const Outcome outcome = run(wrong);
+    EXPECT_EQ(outcome.status, 2) << wrong << ": " << outcome.output;
+    EXPECT_NE(outcome.output, "") << wrong;
+  }
+  EXPECT_EQ(run("--help").status, 0);
+  EXPECT_EQ(run("reg read --help").status, 0);
+}
+
+TEST_F(ParlctlTest, ABoardIsCreatedOnceAndShownWithoutADaemon) {
+  EXPECT_EQ(run("board init").status, 0);
+  EXPECT_THAT(run("board init").output, HasSubstr("nothing changed"));
+  const json shown = json::parse(run("board show --json").output);
+  EXPECT_EQ(shown["daemon"], false);
+  EXPECT_THAT(shown["plugged_in"].get<std::vector<std::string>>(), testing::Contains("copper_ports = 0-3"));
+  EXPECT_EQ(run("reg read 0").status, 3);
+  EXPECT_EQ(run("watch").status, 3);
+  daemon.start();  // the daemon takes the file as it stands
+}
+
+class RunningParlctlTest : public ParlctlTest {
+ protected:
+  void SetUp() override { daemon.start(); }
+};
+
+TEST_F(RunningParlctlTest, RegistersAreWrittenAndReadBack) {
+  EXPECT_EQ(run("reg write 0xF0C0FFE0=48656c6C6f 0xF0C0FFE6=01").status, 0);
+  EXPECT_EQ(daemon.board().fpga(0x00C0FFE0, 7), peer::fromHex("48656c6c6f0001"));
+  const Outcome text = run("reg read 0xF0C0FFE0:17 0x02300000");
+  EXPECT_EQ(text.status, 0);
+  EXPECT_THAT(text.output,
+              HasSubstr("0xF0C0FFE0  FPGA bus + 0xC0FFE0: 17 bytes read\n  0xF0C0FFE0  48 65 6c 6c 6f "));
+  EXPECT_THAT(text.output, HasSubstr("|Hello..........."));
+  EXPECT_THAT(text.output, HasSubstr("0x02300000  backup info: 1 byte read\n"));
+  EXPECT_EQ(json::parse(run("reg read 0xF0C0FFE0:5 --json").output)["data"], "48656c6c6f");
+}
+
+TEST_F(RunningParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
+  EXPECT_EQ(run("reg read 0x02300000:513").status, 4);
+  EXPECT_EQ(run("reg write 0x18000000=" + std::string(512, '0')).status, 4);
+  EXPECT_EQ(run("reg read 0x02250000:4").status, 5);
+  EXPECT_EQ(run("reg read 0x02100000:400").status, 5);
+  daemon.board().setFault(peer::faultIndex("message-send").value(), 1);
+  EXPECT_EQ(run("--timeout 300 reg read 0x02300000").status, 3);
+  EXPECT_EQ(run("reg read 0x02300000").status, 0);
+}
+
+TEST_F(RunningParlctlTest, WatchPrintsPushesUnderTheIdentityItIsGiven) {
+  const std::string trigger = "(sleep 0.3; " + std::string(PARLCTL) + " --board " +
+                              daemon.board().directory().string() + " reg read 0x0500FFFF >/dev/null) & ";
+  peer::Peer asker = daemon.connect();
+  FILE* watching = popen((trigger + "exec " + PARLCTL + " --board " + daemon.board().directory().string() +
+                          " --json watch --as vsp --count 1 --for 20")
+                             .c_str(),
+                         "r");
+  std::array<char, 256> line{};
+  const bool got = fgets(line.data(), line.size(), watching) != nullptr;
+  EXPECT_EQ(pclose(watching), 0);
+  ASSERT_TRUE(got);
+  const json push = json::parse(line.data());
+  EXPECT_EQ(push["address"], "0x02810000");
+  EXPECT_EQ(push["data"], "c8");
+  peer::Peer lsd = daemon.connect(peer::kLsd);
+  EXPECT_EQ(run("watch --as lsd").status, 3);  // taken
+}
+
+TEST_F(RunningParlctlTest, LinksAndFaultsOfTheBoardAreChanged) {
+  const json links = json::parse(run("--json board link 5,8-9 on").output);
+  EXPECT_EQ(links["links"]["copper"], json({0, 1, 2, 3, 5, 8, 9}));
+  EXPECT_EQ(run("board link 0-3 off").status, 0);
+  EXPECT_EQ(run("board link 12 --fiber2 on").status, 0);
+  EXPECT_EQ(run("board fault env-open always").status, 0);
+  const Outcome shown = run("board show");
+  EXPECT_THAT(shown.output, HasSubstr("answers"));
+  EXPECT_THAT(shown.output, HasSubstr("copper 5 8 9, fiber1 -, fiber2 12"));
+  EXPECT_THAT(shown.output, HasSubstr("env-open always"));
+}
+
+}  // namespace

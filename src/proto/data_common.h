@@ -1,0 +1,127 @@
+// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the operations
+// that several rooms share. One object for the process, reached from every thread; images and flags are relaxed
+// atomics, so that they behave as plain bytes.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <span>
+
+#include "mcucdatablock.h"
+#include "mcucmutex.h"
+
+namespace ORVE_MCUC {
+
+class Data_Global {
+ public:
+  static Data_Global* getInstance();
+  static void deleteInstance();
+
+  // Boot: environment's serial number to flash, basic hardware page to memory and back.
+  void SNTransfer();
+  void ReadHardwareInfo();
+
+  // The serial number as 8 bytes; left as it is unless the environment holds one that is not blank.
+  void GetEnvSNPara(uint8_t* out);
+  // The model ID as 2 bytes, low byte first; left as it is when the environment holds none.
+  void GetEnvModelIDPara(uint8_t* out);
+  // Factory network settings: environment and interface. 0, -1 when the store does not open, else the result of
+  // setting the address.
+  int SetIPVersion();
+
+  // count hexadecimal characters to count / 2 bytes, high nibble first; any other character counts as 0.
+  static int ASCII2Hex(const char* src, int count, uint8_t* dst);
+
+  // Port records of the feature image: ports 0..15, the Y offset for ports 0..9 only; other ports change nothing.
+  void PortWidthUpdate(unsigned int port, uint16_t value);
+  void PortHeightUpdate(unsigned int port, uint16_t value);
+  void PortOffsetXUpdate(unsigned int port, uint16_t value);
+  void PortOffsetYUpdate(unsigned int port, uint16_t value);
+  void PortMorSUpdate(unsigned int port, uint8_t value);
+
+  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, or the driver's result
+  // with dest unchanged; -1 for another type.
+  int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
+  // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
+  int Read_ScreenSize_FromFlash(uint32_t* out);
+  int Read_CardSize_FromFlash(uint32_t* out);
+  // Stores the output size and counts the change.
+  void ChangeOutScreenPara(uint32_t width, uint32_t height);
+  // Writes a diagnostic line to a file when the output size in the feature image is zero.
+  void DebugForScreenZero(int point, unsigned int addr, const char* description);
+  // Puts the receiving cards' size into bytes 6..9 of the screen parameters.
+  void refreshCardSizeInScreenPara();
+
+  // Pushes to peers: sent and forgotten.
+  void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
+  void SendRebootMsgtoLSD(std::span<const uint8_t> data);
+  void SendRVCardWHtoLSD();
+  void SendMStoLSD1_4();
+  void SendMStoLSD5_8();
+  void SendMStoLSD9_16();
+  void SendFlag_parlendload();
+  void SendC8toVsp();
+
+  RelaxedByte NormalBackupStatus;
+  RelaxedByte PbufMorSMode;        // 0 master, 1 slave
+  RelaxedByte LinkButError;
+  RelaxedByte LEDConfigStatus;     // what configured the screen last
+  RelaxedByte factoryflag;
+  RelaxedByte RWFPGATestflag;      // 1: the report thread tests FPGA tables
+  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
+  ByteImage<32> TmpCalcScreenPara;
+  CMutexThreadRecursive m_mutex;
+  ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
+  ByteImage<392> ScreenParaReg;         // screen information
+  ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
+  ByteImage<16> SendRedundStatustoLSD_buff;
+  ByteImage<4> SendRedundtoLSD_buff;
+  ByteImage<4> SendNetLinktoLSD_buff;
+  RelaxedByte RebootRF;                 // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
+  RelaxedByte ResetMode;
+  RelaxedByte FpgaOnlineFlag;
+  ByteImage<1> fiberlink_buff;
+  ByteImage<1> fiberRedund_buff;
+  ByteImage<1> fiberCopyStatus_buff;
+  ByteImage<2> FiberToNetStatus_buff;
+  ByteImage<2> Fiber1BelowLinkStatus_buff;
+  ByteImage<2> Fiber2BelowLinkStatus_buff;
+  ByteImage<6> SendOptRedundtoLSD_buff;
+  RelaxedByte LocalAddr;
+  ByteImage<4> ScanRecvBuf;
+  RelaxedByte ScanCardID;
+  RelaxedByte sync_hwtime_flag;
+  ByteImage<2> CfgScreenStatus;
+  RelaxedValue<bool> FpgaParaLoadFinish;
+  static constexpr std::array<uint8_t, 4> IsNewFlashTag{0x39, 0xF6, 0xA5, 0x5A};  // marks a formatted flash
+  RelaxedByte ShortCfgReadRvStatus;
+  RelaxedValue<uint16_t> GigaPhyLinkSta;
+  RelaxedByte OptModuleLinkSta;
+  RelaxedValue<uint16_t> ReceiveCardWidth{128};   // pixels
+  RelaxedValue<uint16_t> ReceiveCardHeight{128};  // pixels
+  RelaxedByte _gCorroentHighSpeed;
+  RelaxedByte LinkStateChanged;
+
+ private:
+  Data_Global() = default;
+  void putLe16At(std::size_t offset, uint16_t value);
+  void pushMasterSlave(uint32_t address, uint32_t fpgaRegister, std::size_t length, const char* logLine);
+};
+
+// The basic hardware page.
+class Data_Preset {
+ public:
+  static Data_Preset* getInstance();
+  static void deleteInstance();
+
+  // Marks the page as saved and saves its first 16 bytes.
+  void SaveBasicParaToFlash();
+
+  std::array<uint8_t, 392> BasicHardWareReg{};
+
+ private:
+  Data_Preset() = default;
+};
+
+}  // namespace ORVE_MCUC

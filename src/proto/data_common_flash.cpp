@@ -1,0 +1,96 @@
+#include <cstdio>
+
+#include "driverutil.h"
+#include "mcuctrace.h"
+#include "platform/board.h"
+#include "proto/data_common.h"
+#include "proto/flashmap.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr std::size_t kPageSize = 256;
+
+// Reads a size record: width u32, height u32. The texts name it in the log lines.
+int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight, uint32_t* out) {
+  std::array<uint8_t, 8> record{};
+  if (DriverUtil::getInstance()->ReadBytesFromFlash(address, record.size(), record.data()) != 0) {
+    PARLEND_TRACE(kError) << failed;
+    return -1;
+  }
+  out[0] = le32(record, 0);
+  out[1] = le32(record, 4);
+  if (out[0] == 0) PARLEND_TRACE(kInfo) << zeroWidth << out[0];
+  if (out[1] == 0) PARLEND_TRACE(kInfo) << zeroHeight << out[1];
+  return out[0] != 0 && out[1] != 0 ? 0 : -1;
+}
+
+}  // namespace
+
+int Data_Global::RestoreDataFromFlash(int type, std::span<uint8_t> dest) {
+  PARLEND_TRACE(kInfo) << "========================== Begin restore data from flash ========================";
+  int result = -1;
+  if (type == 0 || type == 1) {
+    const uint32_t address = type == 0 ? flash::kBasicHardwarePage : flash::kFeature;
+    result = DriverUtil::getInstance()->ReadBytesFromFlash(address, static_cast<unsigned int>(dest.size()),
+                                                           dest.data());
+  }
+  PARLEND_TRACE(kInfo) << "========================== Finish restore data from flash =======================";
+  return result;
+}
+
+int Data_Global::Read_ScreenSize_FromFlash(uint32_t* out) {
+  return readSize(flash::kScreenSize, "=== Read_ScreenSize_FromFlash ===Can not read flash screensize , faild !!! ",
+                  "=======Read FromFlash ScreenSizeW = ", "=======Read FromFlash ScreenSizeH = ", out);
+}
+
+int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
+  return readSize(flash::kCardSize, "=== Read_CardSize_FromFlash ===Can not read flash CardSize , faild !!! ",
+                  "=======Read FromFlash CardSize_W = ", "=======Read FromFlash CardSize_H = ", out);
+}
+
+void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
+  PARLEND_TRACE(kInfo) << "===============================Storage Dvi Wide ADVcalc===================================";
+  DriverUtil& driver = *DriverUtil::getInstance();
+  std::array<uint8_t, 8> record{};
+  putLe32(record, 0, width);
+  putLe32(record, 4, height);
+  driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data());
+  uint8_t counter = 0;
+  driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter);
+  ++counter;
+  driver.WriteDataToFlash(flash::kScreenChangeCounter, 1, &counter);
+}
+
+void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* description) {
+  const auto word = [this](std::size_t at) { return SendParameterReg[at] | SendParameterReg[at + 1] << 8; };
+  const int width = word(0x1EC);
+  const int height = word(0x1EE);
+  if (width != 0 && height != 0) return;
+  char command[512];
+  std::snprintf(command, sizeof command,
+                "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%s\" >> /root/screen_zero.txt", point,
+                addr, width, height, description);
+  board_shell(command);
+  PARLEND_TRACE(kInfo) << "=============================Screen Para is Zero!!!  =============================";
+}
+
+void Data_Global::ReadHardwareInfo() {
+  Data_Preset& preset = *Data_Preset::getInstance();
+  auto& page = preset.BasicHardWareReg;
+  RestoreDataFromFlash(0, std::span(page).first(kPageSize));
+  constexpr std::array<uint8_t, 7> kIdentity{20, 17, 2, 0, 168, 0, 4};
+  std::copy(kIdentity.begin(), kIdentity.end(), page.begin() + 2);
+  page[30] = 0;
+  page[31] = 0x55;
+  preset.SaveBasicParaToFlash();
+}
+
+void Data_Preset::SaveBasicParaToFlash() {
+  constexpr uint8_t kSaved = 0x55;
+  DriverUtil& driver = *DriverUtil::getInstance();
+  driver.WriteDataToFlash(flash::kBasicHardwareSaved, 1, &kSaved);
+  driver.WriteDataToFlash(flash::kBasicHardwarePage, 16, BasicHardWareReg.data());
+}
+
+}  // namespace ORVE_MCUC

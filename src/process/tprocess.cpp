@@ -1,0 +1,112 @@
+#include "process/tprocess.h"
+
+#include "driverutil.h"
+#include "mcucdatablock.h"
+#include "mcuctrace.h"
+#include "platform/board.h"
+#include "proto/data_common.h"
+#include "proto/flashmap.h"
+#include "singleton.h"
+#include "stub/hextext.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr int kKeyLineRoom = 1536;
+constexpr std::size_t kWritableScreenPara = 32;
+constexpr uint8_t kConfiguredByTables = 200;
+
+Singleton<Tprocess>& holder() {
+  static Singleton<Tprocess> instance;
+  return instance;
+}
+
+int logEntry(const char* handler) {
+  PARLEND_TRACE(kInfo) << handler << " enter:";
+  return 0;
+}
+
+void logScreenPara(int index) {
+  PARLEND_TRACE(kInfo) << "====WriteToScreenInfoEcho=== 0210000" << index << " =0x" << CTrace::hex
+                       << Data_Global::getInstance()->ScreenParaReg[static_cast<std::size_t>(index)];
+}
+
+}  // namespace
+
+Tprocess* Tprocess::getInstance() {
+  return holder().get([] { return new Tprocess; });
+}
+void Tprocess::deleteInstance() { holder().destroy(); }
+
+std::optional<PenetrateInfo> unpackPenetrate(const char* payload, int length) {
+  if (length < 0) return std::nullopt;
+  ByteReader reader({reinterpret_cast<const uint8_t*>(payload), static_cast<std::size_t>(length)});
+  const uint32_t address = reader.le32();
+  const uint16_t count = reader.le16();
+  const auto data = reader.bytes(count);
+  if (!reader.ok()) return std::nullopt;
+  return PenetrateInfo{address, count, data};
+}
+
+void logNoData(const HandlerWords& words) {
+  PARLEND_TRACE(kError) << "=== " << words.handler << " ===: data block is null! return.";
+}
+
+void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
+  PARLEND_TRACE(kInfo) << "============================ Begin " << words.handler << " ===========================";
+  if (!tracePasses(kInfo)) return;
+  const HexText<kKeyLineRoom> text(info.data.data(), info.length);
+  PARLEND_TRACE(kInfo) << "Process key: " << words.key << "  Register: " << CTrace::hex << info.Register
+                       << " len: " << info.length << " data:" << text.c_str();
+}
+
+void logFinish(const HandlerWords& words) {
+  PARLEND_TRACE(kInfo) << "============================ Finish " << words.handler << " ===========================";
+}
+
+int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
+  return handlePenetrate({"Sprocess_DoScreenInfoEcho", "DoScreenInfoEchoKey"}, lenth, data,
+                         [](const PenetrateInfo& info) {
+                           auto& image = Data_Global::getInstance()->ScreenParaReg;
+                           const std::size_t at = info.Register & 0xFF;
+                           for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
+                             image[at + i] = info.data[i];
+                           }
+                           logScreenPara(0);
+                           logScreenPara(1);
+                         });
+}
+
+int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
+  logEntry("Sprocess_DoBackupInfo");
+  return handlePenetrate({"Sprocess_DoBackupInfo", "DoBackupInfoKey"}, lenth, data, [](const PenetrateInfo& info) {
+    const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register), info.length,
+                                                           info.data.data());
+    if (ret != 0) PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
+    board_shell("sync");
+  });
+}
+
+int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
+  return handlePenetrate({"Sprocess_DoSoftwareTable", "DoSoftwareTableKey"}, lenth, data,
+                         [](const PenetrateInfo& info) {
+                           if (info.Register < reg::kRoleTable) {
+                             Data_Global::getInstance()->LEDConfigStatus = kConfiguredByTables;
+                           }
+                           const int ret = DriverUtil::getInstance()->WriteDataToFlash(
+                               flash::ofSoftwareTable(info.Register), info.length, info.data.data());
+                           if (ret != 0) {
+                             PARLEND_TRACE(kError)
+                                 << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = " << ret;
+                           }
+                         });
+}
+
+int Tprocess::Sprocess_Correction(int, char*) { return logEntry("Sprocess_Correction"); }
+int Tprocess::Sprocess_SenderTestPatten(int, char*) { return logEntry("Sprocess_SenderTestPatten"); }
+int Tprocess::Sprocess_ActiveReporting(int, char*) { return logEntry("Sprocess_ActiveReporting"); }
+int Tprocess::Sprocess_SendtoScanCard(int, char*) { return logEntry("Sprocess_SendtoScanCard"); }
+int Tprocess::Sprocess_SendtoMultiCard(int, char*) { return logEntry("Sprocess_SendtoMultiCard"); }
+int Tprocess::Sprocess_SendtoDistribute(int, char*) { return logEntry("Sprocess_SendtoDistribute"); }
+
+}  // namespace ORVE_MCUC

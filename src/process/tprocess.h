@@ -1,0 +1,61 @@
+// The handlers of deferred work. Each is given an item's payload and its length, on the work thread.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace ORVE_MCUC {
+
+class Tprocess {
+ public:
+  static Tprocess* getInstance();
+  static void deleteInstance();
+
+  static int Sprocess_DoScreenInfoEcho(int lenth, char* data);
+  static int Sprocess_DoBackupInfo(int lenth, char* data);
+  static int Sprocess_DoSoftwareTable(int lenth, char* data);
+  static int Sprocess_SenderRGBGamma(int lenth, char* data);
+
+  // Keys that nothing queues: they are logged.
+  static int Sprocess_Correction(int lenth, char* data);
+  static int Sprocess_SenderTestPatten(int lenth, char* data);
+  static int Sprocess_ActiveReporting(int lenth, char* data);
+  static int Sprocess_SendtoScanCard(int lenth, char* data);
+  static int Sprocess_SendtoMultiCard(int lenth, char* data);
+  static int Sprocess_SendtoDistribute(int lenth, char* data);
+};
+
+// A queued write as its handler sees it.
+struct PenetrateInfo {
+  uint32_t Register;
+  uint16_t length;
+  std::span<const uint8_t> data;  // length bytes
+};
+
+// Unpacks a payload; nothing when it is shorter than it says.
+std::optional<PenetrateInfo> unpackPenetrate(const char* payload, int length);
+
+// Banners, key line and unpacking around the work of a handler, which takes a PenetrateInfo. Returns 0.
+struct HandlerWords {
+  const char* handler;  // "Sprocess_DoBackupInfo"
+  const char* key;      // "DoBackupInfoKey"
+};
+void logBegin(const HandlerWords& words, const PenetrateInfo& info);
+void logFinish(const HandlerWords& words);
+void logNoData(const HandlerWords& words);
+
+template <class Work>
+int handlePenetrate(const HandlerWords& words, int length, const char* payload, Work work) {
+  const auto info = payload != nullptr ? unpackPenetrate(payload, length) : std::nullopt;
+  if (!info) {
+    logNoData(words);
+    return 0;
+  }
+  logBegin(words, *info);
+  work(*info);
+  logFinish(words);
+  return 0;
+}
+
+}  // namespace ORVE_MCUC

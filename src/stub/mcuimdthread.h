@@ -1,0 +1,68 @@
+// The message channel: receives requests, sends replies and notifications, and runs the 200 ms tick. Three threads;
+// SendMsg and ReplyMsgNew may be called from any.
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/apipc.h"
+#include "stub/mcucmessagestruct.h"
+
+namespace ORVE_MCUC {
+
+class McuIMDThread {
+ public:
+  McuIMDThread();
+  McuIMDThread(const McuIMDThread&) = delete;
+  McuIMDThread& operator=(const McuIMDThread&) = delete;
+  ~McuIMDThread() { Release(); }
+
+  // Starts the three threads: 0, or kErrThread with the later ones not started.
+  int Init();
+  // Asks all three threads to end.
+  int Release();
+
+  // Replies to a request from its own record: 0, kErrEncode or kErrSend.
+  int ReplyMsgNew(IMD_proto3rd* request);
+  // Sends an unsolicited message to the task in its processID: the same codes.
+  int SendMsgNew(IMD_proto3rd* message);
+  int SendMsg(IMD_proto3rd message);
+
+  // Thread bodies.
+  void ApipcMsg();
+  void RecvMsg();
+  void FlagMsg();
+
+  // Takes messages one at a time until something is wrong with one: kErrNoMessage.
+  int ipc_event_deal_th();
+  // Checks, decodes and carries out one frame of label->size bytes: 0, -1 or kErrNoMessage.
+  int dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label, const unsigned char* frame);
+
+  // 0 when the device has loaded the FPGA.
+  int CheckFPGAOnline();
+  // One step of the flag and status thread's periodic work.
+  void tick();
+
+ private:
+  // One of the channel's threads.
+  struct Worker {
+    pthread_t id{};
+    pthread_t handle{};
+    std::atomic<bool> exit{false};
+  };
+  int CreateThread(Worker& worker, void* (*entry)(void*));
+  int takeMessage();
+  void rememberPeer(uint32_t uiid);
+
+  Worker m_apipc;
+  Worker m_recv;
+  Worker m_flag;
+  std::atomic<bool> m_ready{false};      // the message service has been initialised
+  std::vector<uint32_t> m_vectorUIIDs;   // peers seen so far; receive thread only
+};
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,159 @@
+// From the message service to the register request: wait thread, receive thread, one frame.
+#include <algorithm>
+#include <cstring>
+
+#include "mcuctrace.h"
+#include "mcucutil.h"
+#include "proto/data_common.h"
+#include "proto/results.h"
+#include "stub/hextext.h"
+#include "stub/mcuimdthread.h"
+#include "stub/stubutil.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr int kPauseAfterErrorMs = 5;
+constexpr int kWaitForMessageMs = 1000;
+constexpr uint8_t kSourceOfTools = 0xFE;
+
+// The service's callback, on the wait thread: it only queues.
+int ipc_event_deal(__apsess_st*, void*, apipc_msg_t message, int) {
+  PARLEND_TRACE(kInfo) << "Apipc ipc_event_deal begin...";
+  if (message == nullptr) {
+    PARLEND_TRACE(kError) << "=== ipc_event_deal ===Apipc, the data is null, return.";
+    return kErrNoMessage;
+  }
+  const int queued = apipc_enq(&message);
+  if (queued >= 0) return queued;
+  PARLEND_TRACE(kError) << "=== ipc_event_deal ===Apipc, Data into queue invalid, return.";
+  return kErrNoMessage;
+}
+
+// A factory reset is running, or done with its reboot pending: nothing is answered.
+bool resetting() {
+  const uint8_t state = Data_Global::getInstance()->RebootRF;
+  return state == 1 || state == 2;
+}
+
+// A message with its contents, given back to the service on every way out.
+class AttachedMessage {
+ public:
+  explicit AttachedMessage(apipc_msg_t message) : message_(message), contents_(apipc_que_attach(message)) {}
+  ~AttachedMessage() { apipc_que_detach(message_, contents_); }
+  AttachedMessage(const AttachedMessage&) = delete;
+  AttachedMessage& operator=(const AttachedMessage&) = delete;
+  const unsigned char* contents() const { return static_cast<const unsigned char*>(contents_); }
+
+ private:
+  apipc_msg_t message_;
+  void* contents_;
+};
+
+}  // namespace
+
+void McuIMDThread::ApipcMsg() {
+  PARLEND_TRACE(kDebug) << "ApipcMsg process thread begin:";
+  while (!m_apipc.exit.load()) {
+    PARLEND_TRACE(kInfo) << "Apipc: begin wait message...";
+    apipc_loop_wait(this, &ipc_event_deal);
+    PARLEND_TRACE(kInfo) << "Apipc: finish wait message.";
+  }
+  PARLEND_TRACE(kDebug) << "ApipcMsg process thread exit.";
+}
+
+void McuIMDThread::RecvMsg() {
+  PARLEND_TRACE(kDebug) << "RecvMeg process thread begin:";
+  while (!m_recv.exit.load()) {
+    ipc_event_deal_th();
+    Delay(kPauseAfterErrorMs);
+  }
+  PARLEND_TRACE(kDebug) << "RecvMeg process thread exit.";
+}
+
+int McuIMDThread::ipc_event_deal_th() {
+  PARLEND_TRACE(kInfo) << "Apipc ipc_event_deal_th begin...";
+  while (!m_recv.exit.load(std::memory_order_relaxed)) {
+    if (const int failed = takeMessage()) return failed;
+  }
+  return kErrNoMessage;
+}
+
+// Waits for a message and handles it to the end. 0 also when there was none.
+int McuIMDThread::takeMessage() {
+  apipc_msg_t message = nullptr;
+  if (apipc_deq(&message) < 0) {
+    apipc_que_wait(kWaitForMessageMs);
+    return 0;
+  }
+  if (message == nullptr) {
+    PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, msg is invalid, return.";
+    return kErrNoMessage;
+  }
+  const AttachedMessage attached(message);
+  if (resetting()) {
+    PARLEND_TRACE(kError) << "....... Device Reset To Factory ing...... , return.";
+    return kErrNoMessage;
+  }
+  const unsigned char* contents = attached.contents();
+  if (contents == nullptr) {
+    PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, boday is invalid, return.";
+    return kErrNoMessage;
+  }
+  Fipc_msg_head head;
+  Fimd_label label;
+  std::memcpy(&head, contents, sizeof head);
+  std::memcpy(&label, contents + sizeof head, sizeof label);
+  PARLEND_TRACE(kInfo) << "Apipc, Get a new Packet: ihead_t uiid = " << CTrace::hex << head.ui_id
+                       << ", label count = " << head.lbl_cnt << ", size = " << head.size
+                       << ", large label = " << label.large << ", small label = " << label.small;
+  if (label.large != kThirdProtocolLabel) return 0;
+  if (label.small <= 1) dealDataBlockNew(&head, &label, contents + kTransportHeadLength);
+  if (label.small == 3) PARLEND_TRACE(kInfo) << "Apipc, data interrupt...";
+  return 0;
+}
+
+int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label, const unsigned char* frame) {
+  PARLEND_TRACE(kInfo) << "============================= Begin Deal DataBlock ==============================";
+  if (frame == nullptr) {
+    PARLEND_TRACE(kError) << "=== dealDataBlock ===Deal DataBlock: data block is null! return.";
+    return kErrNoMessage;
+  }
+  const int length = static_cast<int>(label->size);
+  if (tracePasses(kInfo)) {
+    const HexText<DATA_BLOCK_LENGTH> text(frame, length);
+    PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length << " the Data = " << text.c_str();
+  }
+  IMD_proto3rd request;
+  uint8_t ack = kAckDone;
+  if (!MCUCMsg::Checkout(frame, length)) {
+    PARLEND_TRACE(kError) << "=== dealDataBlock ===Deal DataBlock: Checkout Result is false! ";
+    ack = kAckChecksum;
+  }
+  if (const int failed = request.proto.Decode(frame, length)) {
+    PARLEND_TRACE(kError) << "=== dealDataBlock ===Decode DataBlock Failed! Decode result = " << failed;
+    return failed;
+  }
+  request.proto.m_ucAck = ack;
+  request.ipcHeader = {head->ui_id,  head->lbl_cnt, head->size, head->result,
+                       head->detail, label->small,  label->large, 0};
+  StubUtil::getInstance()->onDataRecvFromIMDNew(&request);
+  rememberPeer(head->ui_id);
+  if (request.proto.m_ucCode == kCodeWrite) {
+    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = " << "begin";
+    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = " << "finish";
+  }
+  if (head->ui_id != m_vectorUIIDs.front() && request.proto.m_ucSourceAddress == kSourceOfTools) {
+    PARLEND_TRACE(kInfo) << "\t********DevComLinkState == 1 *********";
+  }
+  PARLEND_TRACE(kInfo) << "============================= Finish Deal DataBlock =============================";
+  return 0;
+}
+
+void McuIMDThread::rememberPeer(uint32_t uiid) {
+  if (std::find(m_vectorUIIDs.begin(), m_vectorUIIDs.end(), uiid) != m_vectorUIIDs.end()) return;
+  m_vectorUIIDs.push_back(uiid);
+  PARLEND_TRACE(kInfo) << "recv new uiid = " << uiid << " size = " << static_cast<int>(m_vectorUIIDs.size());
+}
+
+}  // namespace ORVE_MCUC

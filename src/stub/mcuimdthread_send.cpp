@@ -1,0 +1,94 @@
+// Replies and notifications: the same steps, with words of their own.
+#include <cstring>
+
+#include "mcuctrace.h"
+#include "proto/results.h"
+#include "stub/hextext.h"
+#include "stub/mcuimdthread.h"
+#include "stub/taskid.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+struct Words {
+  const char* begin;
+  const char* finish;
+  const char* failed;
+  const char* sent;
+  const char* longData;
+  const char* shortData;
+};
+
+constexpr Words kReply{
+    "=============================== Begin reply Message =============================",
+    "=============================== Finish reply Message ============================",
+    "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
+    "ReplyMsg: reply message successfully. ret = ",
+    " ReplyMsg: the data = ",
+    "ReplyMsg: length <200. the data = "};
+constexpr Words kNotification{
+    "================================ Begin Send Message =============================",
+    "================================ Finish Send Message ============================",
+    "===  ===SendMsg: reply message Failed! ret = ",
+    "SendMsg: reply message successfully. ret = ",
+    "SendMsg: the data = ",
+    "SendMsg: length <200. the data = "};
+
+constexpr std::size_t kPieceLength = 200;
+constexpr int kSendTextRoom = 131072;
+
+void logSent(const Words& words, const unsigned char* bytes, int total) {
+  PARLEND_TRACE(kInfo) << words.sent << 0 << " datalength = " << total;
+  const HexText<kSendTextRoom> text(bytes, total);
+  if (text.view().size() < kPieceLength) {
+    PARLEND_TRACE(kInfo) << words.shortData << text.c_str();
+    return;
+  }
+  for (std::string_view rest = text.view(); !rest.empty();) {
+    const std::string_view piece = rest.substr(0, kPieceLength);
+    PARLEND_TRACE(kInfo) << words.longData << piece;
+    rest.remove_prefix(piece.size());
+  }
+}
+
+int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
+  PARLEND_TRACE(kInfo) << words.begin;
+  // Only the bytes that are sent are ever written, so the buffer is not cleared.
+  unsigned char buffer[kTransportHeadLength + DATA_BLOCK_LENGTH];
+  const int length = record.proto.Encode(buffer + kTransportHeadLength, DATA_BLOCK_LENGTH);
+  if (length < kFrameMinimum) {
+    PARLEND_TRACE(kError) << "=== ReplyMsg ===ReplyMsg: Encode failed! return.";
+    return kErrEncode;
+  }
+  record.ipcHeader.result = record.proto.m_ucAck;
+  record.ipcHeader.payloadLength = static_cast<uint32_t>(length);
+  std::memcpy(buffer, &record.ipcHeader, sizeof record.ipcHeader);
+  const int total = kTransportHeadLength + length;
+  PARLEND_TRACE(kInfo) << "ReplyMsg: the ack = " << record.proto.m_ucAck;
+  PARLEND_TRACE(kInfo) << "================================= Begin apipc send ==============================";
+  const int sent = apipc_send(task, buffer, static_cast<unsigned int>(total));
+  PARLEND_TRACE(kInfo) << "================================= Finish apipc send =============================";
+  if (sent != 0) {
+    PARLEND_TRACE(kError) << words.failed << sent;
+    return kErrSend;
+  }
+  if (tracePasses(kInfo)) logSent(words, buffer, total);
+  PARLEND_TRACE(kInfo) << words.finish;
+  return 0;
+}
+
+}  // namespace
+
+int McuIMDThread::ReplyMsgNew(IMD_proto3rd* request) { return sendFrame(*request, taskOf(kServiceSend), kReply); }
+
+int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
+  if (!m_ready.load(std::memory_order_acquire)) {
+    PARLEND_TRACE(kInfo) << "SendMsg: the message channel is not there yet, nothing is sent.";
+    return kErrSend;
+  }
+  return sendFrame(*message, message->processID, kNotification);
+}
+
+int McuIMDThread::SendMsg(IMD_proto3rd message) { return SendMsgNew(&message); }
+
+}  // namespace ORVE_MCUC

@@ -33,8 +33,10 @@ class HostileTest : public SystemTest {
   }
   Bytes mutated() {
     Bytes frame = oddFrame();
-    for (unsigned i = below(4); i < 4; ++i)
-      frame[below(static_cast<unsigned>(frame.size()))] ^= 1U << below(8);
+    for (unsigned i = below(4); i < 4; ++i) {
+      uint8_t& byte = frame[below(static_cast<unsigned>(frame.size()))];
+      byte = static_cast<uint8_t>(byte ^ 1U << below(8));
+    }
     if (below(4) == 0) frame.resize(below(static_cast<unsigned>(frame.size()) + 1));
     return frame;
   }

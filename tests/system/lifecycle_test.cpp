@@ -60,8 +60,9 @@ class LevelTest : public SystemTest, public testing::WithParamInterface<Level> {
 TEST_P(LevelTest, TheArgumentDecidesWhatIsTraced) {
   // The flag file is there from the start and its notice is an Error line, the last of the start-up to come.
   const auto has = [&](const char* text) { return daemon.trace().find(text) != std::string::npos; };
-  if (GetParam().error)
+  if (GetParam().error) {
     EXPECT_TRUE(eventually([&] { return has("receive file /etc/init.d/flag_fpgaload."); }));
+  }
   EXPECT_THAT(read(0x02300000, 4), Carries(zeros(4)));
   EXPECT_THAT(read(0x02250000, 4), CarriesNothing());
   EXPECT_EQ(has(" Error:"), GetParam().error);

@@ -153,14 +153,15 @@ TEST_F(SpacesTest, LengthsOutsideTheLimitsAndOtherCodesAreRefused) {
     uint16_t least, most;
   };
   constexpr Limit kLimits[] = {{0x02100000, 1, 1024},  {0x02300000, 1, 512},  {0x05000000, 1, 32768},
-                               {0x0E000000, 1, 1024},  {0x0F000000, 1, 2048}, {0x12010000, 0, 2048},
+                               {0x0E000000, 1, 1024},  {0x0F000000, 0, 2048}, {0x12010000, 0, 2048},
                                {0x18000000, 256, 4096}};
   for (const Limit& limit : kLimits) {
     SCOPED_TRACE(limit.address);
     EXPECT_EQ(read(limit.address, limit.least).ack, 0);
     EXPECT_EQ(read(limit.address, limit.most).ack, 0);
-    if (limit.least > 0)
+    if (limit.least > 0) {
       EXPECT_THAT(read(limit.address, static_cast<uint16_t>(limit.least - 1)), IsRefused());
+    }
     EXPECT_THAT(read(limit.address, static_cast<uint16_t>(limit.most + 1)), IsRefused());
     EXPECT_THAT(read(limit.address, 65535), IsRefused());
     EXPECT_THAT(ask({.code = 2, .address = limit.address, .length = limit.most}), IsRefused());

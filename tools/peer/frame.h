@@ -44,7 +44,7 @@ struct Frame {
   uint8_t reserved = 0;
   uint32_t address = 0;
   uint16_t length = 0;  // bytes wanted by a read; otherwise the number of data bytes
-  Bytes data;
+  Bytes data{};
 };
 
 uint16_t checksum(std::span<const uint8_t> bytes);

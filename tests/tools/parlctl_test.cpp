@@ -1,8 +1,11 @@
 // parlctl as a shell sees it: exit status, output, and what it does to a running daemon.
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/wait.h>
 
+#include <array>
 #include <cstdio>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "daemon_process.h"
@@ -19,10 +22,12 @@ struct Outcome {
 
 class ParlctlTest : public testing::Test {
  protected:
+  std::string commandLine(const std::string& arguments) const {
+    return std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments +
+           " 2>&1";
+  }
   Outcome run(const std::string& arguments) const {
-    const std::string command =
-        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
+    FILE* pipe = popen(commandLine(arguments).c_str(), "r");
     std::string output;
     std::array<char, 4096> piece{};
     while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
@@ -106,22 +111,18 @@ TEST_F(RunningParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
 }
 
 TEST_F(RunningParlctlTest, WatchPrintsPushesUnderTheIdentityItIsGiven) {
-  const std::string trigger = "(sleep 0.3; " + std::string(PARLCTL) + " --board " +
-                              daemon.board().directory().string() + " reg read 0x0500FFFF >/dev/null) & ";
   peer::Peer asker = daemon.connect();
-  FILE* watching = popen((trigger + "exec " + PARLCTL + " --board " + daemon.board().directory().string() +
-                          " --json watch --as vsp --count 1 --for 20")
-                             .c_str(),
-                         "r");
+  const std::unique_ptr<FILE, int (*)(FILE*)> watching(
+      popen(commandLine("--json watch --as vsp --count 1 --for 20").c_str(), "r"), pclose);
+  pollfd output{.fd = fileno(watching.get()), .events = POLLIN, .revents = 0};
+  EXPECT_TRUE(eventually([&] { return asker.read(0x0500FFFF, 1).empty() || poll(&output, 1, 0) == 1; }));
   std::array<char, 256> line{};
-  const bool got = fgets(line.data(), line.size(), watching) != nullptr;
-  EXPECT_EQ(pclose(watching), 0);
-  ASSERT_TRUE(got);
+  ASSERT_NE(fgets(line.data(), line.size(), watching.get()), nullptr);
   const json push = json::parse(line.data());
   EXPECT_EQ(push["address"], "0x02810000");
   EXPECT_EQ(push["data"], "c8");
-  peer::Peer lsd = daemon.connect(peer::kLsd);
-  EXPECT_EQ(run("watch --as lsd").status, 3);  // taken
+  const peer::Peer lsd = daemon.connect(peer::kLsd);
+  EXPECT_EQ(run("watch --as lsd --for 1").status, 3) << "two peers under one identity";
 }
 
 TEST_F(RunningParlctlTest, LinksAndFaultsOfTheBoardAreChanged) {

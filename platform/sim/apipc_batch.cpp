@@ -8,7 +8,7 @@
 namespace simboard {
 namespace {
 
-constexpr std::size_t kSlot = 17 * 4096;  // whole pages, so that a short packet touches one
+constexpr std::size_t kSlot = 0x11000;  // whole pages, so that a short packet touches one
 constexpr std::size_t kMemory = kSlot * PacketBatch::kCapacity;
 static_assert(kSlot >= kMaxPacket);
 

@@ -35,7 +35,14 @@ int MessageService::wait(void* context, apipc_recv_cb callback) {
     if (sweepDue_) sweep();
     if (nextDeadline() != kNever) handleDeadlines();
   }
+  turnEverybodyOut();
   return -1;
+}
+
+// Somebody may have been let in, or have queued up at the listener, while the service was being closed.
+void MessageService::turnEverybodyOut() {
+  listener_ = FileDescriptor();
+  peers_.shutDownAll();
 }
 
 // While the events of a turn are handled a connection is removed in its own event only: a later one never

@@ -51,6 +51,7 @@ class MessageService {
   // The waiting thread's turn.
   void handleEvent(void* tag, const Receiver& receiver);
   void sweep();
+  void turnEverybodyOut();
   SteadyTime nextDeadline() const;
   int pauseMs() const;
   void handleDeadlines();

@@ -53,7 +53,7 @@ class MessageQueue {
  private:
   std::atomic<Message*> arrived_{nullptr};  // newest first
   std::atomic<uint32_t> sleeping_{0};  // the futex word: 1 while the popping thread sleeps or is about to
-  alignas(64) Message* inOrder_ = nullptr;  // oldest first; the popping thread's own
+  Message* inOrder_ = nullptr;         // oldest first; the popping thread's own
 };
 
 }  // namespace simboard

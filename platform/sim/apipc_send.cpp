@@ -34,10 +34,11 @@ bool MessageService::connected(uint32_t task) const {
   return peer && !peer->hungUp();
 }
 
+// The flag comes last: from then on the listener is the waiting thread's to close.
 void MessageService::close() {
-  closed_.store(true);
   ::shutdown(listener_.get(), SHUT_RDWR);
   peers_.shutDownAll();
+  closed_.store(true);
   signal();
 }
 

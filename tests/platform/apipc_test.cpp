@@ -72,7 +72,7 @@ Bytes packet(uint32_t uiId, std::size_t frame, uint32_t mark = 0) {
 class Client {
  public:
   explicit Client(int receiveMs = 5000) : fd_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
-    const timeval wait{receiveMs / 1000, receiveMs % 1000 * 1000};
+    const timeval wait{receiveMs / 1000, receiveMs % 1000 * 1000L};
     setsockopt(fd_, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
   }
   Client(const Client&) = delete;

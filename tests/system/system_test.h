@@ -30,7 +30,9 @@ class SystemTest : public testing::Test {
   peer::Bytes wire(const std::string& hex) {
     client->send(peer::fromHex(hex), kRawNumber);
     const auto message = client->receive(kPatience);
-    return message ? message->frame : peer::Bytes{};
+    if (!message) return {};
+    EXPECT_EQ(message->head.result, message->frame.at(2));
+    return message->frame;
   }
   // Requests are answered in order: whether the answer to a good one is the next thing that arrives.
   testing::AssertionResult nothingCame() {

@@ -20,45 +20,44 @@ namespace ORVE_MCUC {
 // access ends, and the caller learns that it touched nothing. Any other SIGBUS goes where it went before.
 class MappedPageGuard {
  public:
-  // access() must touch no page of files but this one. False: the page was gone.
-  template <class Access>
-  static bool touch(void* page, std::size_t size, Access access) {
-    s_size = size;
-    s_page.store(page, std::memory_order_relaxed);
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    access();
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    const bool touched = s_page.load(std::memory_order_relaxed) != nullptr;
-    s_page.store(nullptr, std::memory_order_relaxed);
-    return touched;
-  }
-
   // Once before the first touch.
   static void install() {
     static std::once_flag once;
     std::call_once(once, [] {
       struct sigaction action {};
-      action.sa_sigaction = &onBusError;
-      action.sa_flags = SA_SIGINFO;
+      action.sa_handler = &onBusError;
       sigaction(SIGBUS, &action, &s_previous);
     });
   }
 
+  // access() must touch no page of files but this one. False: the page was gone.
+  template <class Access>
+  static bool touch(void* page, std::size_t size, Access access) {
+    s_size = size;
+    s_page = page;
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    access();
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    const bool touched = s_page != nullptr;
+    s_page = nullptr;
+    return touched;
+  }
+
  private:
-  static void onBusError(int, siginfo_t* info, void*) {
-    auto* page = static_cast<char*>(s_page.load(std::memory_order_relaxed));
-    const auto* address = static_cast<const char*>(info->si_addr);
-    const bool ours = page != nullptr && address >= page && address < page + s_size;
+  // Asks for the thread and not for the address: emulators do not always tell the address of this signal.
+  static void onBusError(int) {
     const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED;
-    if (ours && mmap(page, s_size, PROT_READ | PROT_WRITE, flags, -1, 0) != MAP_FAILED) {
-      s_page.store(nullptr, std::memory_order_relaxed);
+    void* page = s_page;
+    if (page != nullptr && mmap(page, s_size, PROT_READ | PROT_WRITE, flags, -1, 0) != MAP_FAILED) {
+      s_page = nullptr;
     } else {
       sigaction(SIGBUS, &s_previous, nullptr);  // the access is repeated, and its fault goes there
     }
   }
 
-  inline static std::atomic<void*> s_page{nullptr};
-  inline static std::size_t s_size = 0;
+  // The page that this thread is touching.
+  inline static thread_local constinit void* volatile s_page = nullptr;
+  inline static thread_local constinit volatile std::size_t s_size = 0;
   inline static struct sigaction s_previous {};
 };
 

@@ -58,7 +58,7 @@ TEST(Recorder, RendersEveryTypeInItsDecimalForm) {
 
 TEST(Recorder, TheHexFlagHoldsForTheNextIntegerAndPassesOverEverythingElse) {
   EXPECT_EQ(recorded(CTrace::hex, 171, " ", 171), "ab 171");
-  EXPECT_EQ(recorded(CTrace::hex, -1, CTrace::hex, static_cast<char>(-1)), "ffffffffffffffff");
+  EXPECT_EQ(recorded(CTrace::hex, -1, CTrace::hex, static_cast<signed char>(-1)), "ffffffffffffffff");
   EXPECT_EQ(recorded(CTrace::hex, 0x1D7U, CTrace::hex, 0x1D7UL, CTrace::hex, 0L), "0x000001d70x1d70x0");
   EXPECT_EQ(recorded(CTrace::hex, "key ", 0.25, " ", 16, 16), "key 0.250000 1016");
   EXPECT_EQ(recorded(CTrace::hex, CTrace::decimal, 16), "16");
@@ -115,7 +115,7 @@ class TraceTest : public testing::Test {
   }
   static std::string content(const fs::path& path) {
     std::error_code missing;
-    const auto size = fs::file_size(path, missing);
+    const auto size = static_cast<std::size_t>(fs::file_size(path, missing));
     std::string all(missing ? 0 : size, '\0');
     std::ifstream(path, std::ios::binary).read(all.data(), static_cast<std::streamsize>(all.size()));
     return all;
@@ -137,7 +137,7 @@ class TraceTest : public testing::Test {
   }
 
   static constexpr time_t kNoon = 1704196830;  // 2 January 2024, 12:00:30
-  static constexpr time_t kDay = 24 * 60 * 60;
+  static constexpr time_t kDay = 86400;
   // The log of the process keeps its file over all tests; on a day of its own no other log gets the same.
   static constexpr time_t kDayOfProcessLog = kNoon + 100 * kDay;
 };
@@ -308,6 +308,7 @@ TEST_F(TraceTest, LinesOfManyThreadsAreAllThereAndWhole) {
   constexpr int kLines = 500;
   CTrace trace("Log");
   std::vector<std::thread> writers;
+  writers.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     writers.emplace_back([&, thread] {
       for (int i = 0; i < kLines; ++i) {

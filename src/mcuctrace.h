@@ -164,6 +164,11 @@ class TraceLine {
   CTrace::CLogRecorder m_recorder;
 };
 
+// Makes a composed line a statement without a value. Binds weaker than <<, so that the whole line belongs to it.
+struct TraceStatement {
+  void operator&(const CTrace::CLogRecorder&) const {}
+};
+
 // A source file's name as it stands in a line: without its ending.
 consteval std::string_view sourceName(std::string_view file) {
   return file.substr(0, file.rfind('.'));
@@ -171,7 +176,8 @@ consteval std::string_view sourceName(std::string_view file) {
 
 }  // namespace ORVE_MCUC
 
-#define PARLEND_TRACE(level)              \
-  if (!::ORVE_MCUC::tracePasses(level)) { \
-  } else                                  \
-    ::ORVE_MCUC::TraceLine((level), ::ORVE_MCUC::sourceName(__FILE__), __LINE__).record()
+#define PARLEND_TRACE(level)          \
+  !::ORVE_MCUC::tracePasses(level)    \
+      ? static_cast<void>(0)          \
+      : ::ORVE_MCUC::TraceStatement() & \
+            ::ORVE_MCUC::TraceLine((level), ::ORVE_MCUC::sourceName(__FILE__), __LINE__).record()

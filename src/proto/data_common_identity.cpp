@@ -48,7 +48,7 @@ std::array<char, kSerialTextLength> fixedText(std::string_view stored) {
 }
 
 void storeInFlash(const SerialNumber& serial) {
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kSerialNumber, serial.size(), serial.data());
+  DriverUtil::getInstance()->WriteDataToFlash(flash::kSerialNumber, static_cast<unsigned int>(serial.size()), serial.data());
 }
 
 void setDefaultText() {

@@ -23,7 +23,9 @@ constexpr Fshl_cmd rootRow(uint32_t base, const char* name, const char* text) {
 }
 
 // An address range that is on the map while no space serves it: requests are refused.
-constexpr Fshl_cmd unservedRow(uint32_t base, const char* name, const char* text) { return {base, name, text}; }
+constexpr Fshl_cmd unservedRow(uint32_t base, const char* name, const char* text) {
+  return {base, name, text, 0, {}, {}, nullptr, nullptr, nullptr, nullptr};
+}
 
 constexpr std::array<Fshl_cmd, 71> kRoot{
     rootRow<Addr_HwBasicInfoRegister>(reg::kHwBasicInfo, "factory", "factory hardware register"),

@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
   openMissingStandardStreams();
   board_start(argc, argv);
   setTraceLevel(levelOf(argc, argv));
+  CTrace::instance();
   PARLEND_TRACE(kInfo) << "================================== Parlend Start ================================";
   PARLEND_TRACE(kInfo) << "Version:" << 1 << "." << 1 << "." << 0 << "." << 0;
   board_shell("mkdir -p /tmp/parlend");

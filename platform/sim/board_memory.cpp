@@ -118,3 +118,16 @@ extern "C" int WriteDataToFlashx(uint32_t address, uint32_t length, const unsign
           (failed ? " failed" : ""));
   return failed ? -1 : 0;
 }
+
+// Writes into the copy of the factory image that the next power-on takes as the flash.
+extern "C" int WriteDataToFactoryTmpFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
+  bool failed = takeFault(Fault::FactoryWrite) || !within(address, length, kFlashSize);
+  const int file = failed ? -1
+                          : open(path("usr/orve/etc/sysconf/kespara_factory_tmp").c_str(),
+                                 O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  failed = file < 0 || pwrite(file, data, length, static_cast<off_t>(address)) != static_cast<ssize_t>(length);
+  if (file >= 0) close(file);
+  journal("factory-write " + hexWord(address) + " " + std::to_string(length) + " " + hexBytes(data, length) +
+          (failed ? " failed" : ""));
+  return failed ? -1 : 0;
+}

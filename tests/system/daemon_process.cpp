@@ -80,6 +80,7 @@ void DaemonProcess::prepare(const std::string& file, const std::string& text) co
 pid_t DaemonProcess::spawn(const std::string& argument, const std::string& output) const {
   std::vector<std::string> words = commandLine(argument);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   setenv("PARLEND_BOARD", board_.directory().c_str(), 1);

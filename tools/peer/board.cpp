@@ -158,17 +158,17 @@ void Board::setLink(unsigned port, Medium medium, bool up) const {
 
 uint32_t Board::fault(unsigned index) const {
   atMost(index, kFaultNames.size(), "fault counter");
-  return static_cast<uint32_t>(fromLittleEndian(get(kControl, kFaultOffset + 4 * index, 4)));
+  return static_cast<uint32_t>(fromLittleEndian(get(kControl, kFaultOffset + uint64_t{4} * index, 4)));
 }
 
 void Board::setFault(unsigned index, uint32_t count) const {
   atMost(index, kFaultNames.size(), "fault counter");
-  put(kControl, kFaultOffset + 4 * index, littleEndian(count, 4));
+  put(kControl, kFaultOffset + uint64_t{4} * index, littleEndian(count, 4));
 }
 
 void Board::setSensor(unsigned index, uint32_t lux) const {
   atMost(index, kSensors, "sensor");
-  put(kControl, kSensorOffset + 4 * index, littleEndian(lux, 4));
+  put(kControl, kSensorOffset + uint64_t{4} * index, littleEndian(lux, 4));
 }
 
 int64_t Board::clockOffset() const {

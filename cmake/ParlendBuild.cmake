@@ -8,8 +8,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 include(CheckPIESupported)
 check_pie_supported()
 
-# "=" comes first so that a log line names "stub/stubutil", whatever directory was built from.
-set(PARLEND_PREFIX_MAP -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/src/= -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=)
+# A log line names "stub/stubutil", whatever directory was built from. The last matching map wins.
+set(PARLEND_PREFIX_MAP -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/src/=)
 
 add_library(parlend_options INTERFACE)
 target_compile_options(parlend_options INTERFACE

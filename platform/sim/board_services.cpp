@@ -80,7 +80,11 @@ extern "C" int board_shell(const char* command) {
   std::istringstream words(command);
   std::string verb, first, second, third;
   words >> verb >> first >> second >> third;
-  if (verb == "mkdir" && first == "-p") return std::filesystem::create_directories(mappedPath(second)), 0;
+  if (verb == "mkdir" && first == "-p") {
+    std::error_code failed;
+    std::filesystem::create_directories(mappedPath(second), failed);
+    return failed ? 1 : 0;
+  }
   if (verb == "sysconfig" && first == "set") return storeValue(second, third);
   if (verb == "sync") return sync(), 0;
   if (verb == "hwclock" || verb == "killall") return 0;

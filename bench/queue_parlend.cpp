@@ -8,6 +8,13 @@
 
 namespace ORVE_MCUC {
 
+Tprocess_ctl::~Tprocess_ctl() = default;
+
+Tprocess_ctl* Tprocess_ctl::getInstance() {
+  static Tprocess_ctl instance;
+  return &instance;
+}
+
 void Tprocess_ctl::onProcessDealwith(MCUProcessDataBlock* block) {
   bench::Item item;
   std::memcpy(&item, block->getData(), sizeof item);

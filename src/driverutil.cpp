@@ -12,7 +12,8 @@ constexpr char FpgaStatusDir[] = "/bin/cat /sys/class/fpga/fpga_conf";
 constexpr int kStatusError = -1;
 constexpr int kStatusDown = 0;
 
-// Transfers a block in pieces and stops at the first negative result. The last piece's result, -1 for no piece.
+// Transfers a block in pieces and stops at the first negative result. The last piece's result, -1 for no
+// piece.
 template <class Transfer>
 int inPieces(unsigned int length, Transfer transfer) {
   int result = -1;
@@ -38,7 +39,8 @@ bool DriverUtil::initialize() {
     PARLEND_TRACE(kError) << "kespara file fail";
     return false;
   }
-  PARLEND_TRACE(kInfo) << "============================= Finish kespara file init ===========================";
+  PARLEND_TRACE(kInfo)
+      << "============================= Finish kespara file init ===========================";
   return true;
 }
 

@@ -25,8 +25,8 @@ class DriverUtil {
   int WriteFPGABusOneWord(unsigned int address, unsigned char value);
   int ReadFPGABusOneWord(unsigned int address, unsigned char* value);
 
-  // The same with two arguments that nothing uses. Blocks go in pieces of 1024 bytes and stop at the first piece
-  // that fails; a length of 0 is a failure. A byte that cannot be read is 0.
+  // The same with two arguments that nothing uses. Blocks go in pieces of 1024 bytes and stop at the first
+  // piece that fails; a length of 0 is a failure. A byte that cannot be read is 0.
   int FPGAC5_WriteOneWord(unsigned char, unsigned char, unsigned int address, unsigned char value);
   int FPGAC5_ReadOneWord(unsigned char, unsigned char, unsigned int address);
   int FPGAC5_WriteDataBlock(unsigned char, unsigned char, unsigned int address, unsigned int length,
@@ -34,17 +34,20 @@ class DriverUtil {
   int FPGAC5_ReadDataBlock(unsigned char, unsigned char, unsigned int address, unsigned int length,
                            unsigned char* buffer);
 
-  // Parameter flash: byte address, byte count. 0, or the driver's result of the third failed try. There is one
-  // flash: the device byte of the longer forms selects nothing.
+  // Parameter flash: byte address, byte count. 0, or the driver's result of the third failed try. There is
+  // one flash: the device byte of the longer forms selects nothing.
   int ReadBytesFromFlash(unsigned int address, unsigned int length, unsigned char* buffer);
-  int ReadBytesFromFlash(unsigned char device, unsigned int address, unsigned int length, unsigned char* buffer);
+  int ReadBytesFromFlash(unsigned char device, unsigned int address, unsigned int length,
+                         unsigned char* buffer);
   int WriteDataToFlash(unsigned int address, unsigned int length, const unsigned char* data);
-  int WriteDataToFlash(unsigned char device, unsigned int address, unsigned int length, const unsigned char* data);
-  int PageProgram(unsigned char device, unsigned int address, unsigned short length, const unsigned char* data);
+  int WriteDataToFlash(unsigned char device, unsigned int address, unsigned int length,
+                       const unsigned char* data);
+  int PageProgram(unsigned char device, unsigned int address, unsigned short length,
+                  const unsigned char* data);
   int WriteDataToFactoryTmpFlash(unsigned int address, unsigned int length, const unsigned char* data);
 
-  // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6 weekday 1..7
-  // (Sunday 1); 0 for any other field.
+  // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6
+  // weekday 1..7 (Sunday 1); 0 for any other field.
   unsigned char ReadTime(unsigned char field);
   // Set the named fields of the local time and keep the others. The weekday follows from the date, so that
   // setting it changes nothing.
@@ -54,8 +57,8 @@ class DriverUtil {
 
   // State of the FPGA as its driver tells it: 0 down, -1 error, 255 no such source, anything else up.
   int ReadFpgaStatus(const char* command);
-  // First line of a command's output, without its line end, into at least 64 bytes. 0 done (result unchanged when
-  // there was no output at all), -1 no argument, not started or an empty line.
+  // First line of a command's output, without its line end, into at least 64 bytes. 0 done (result unchanged
+  // when there was no output at all), -1 no argument, not started or an empty line.
   int run_command_return_string(const char* command, char* result);
   // Removes the last line feed and the last carriage return.
   static void chomp(char* text);

@@ -38,7 +38,8 @@ unsigned char DriverUtil::ReadTime(unsigned char field) {
   const tm now = localNow();
   const int fields[] = {now.tm_year - 100, now.tm_mon + 1, now.tm_mday,    now.tm_hour,
                         now.tm_min,        now.tm_sec,     now.tm_wday + 1};
-  return field < std::size(fields) ? static_cast<unsigned char>(fields[field]) : static_cast<unsigned char>(0);
+  return field < std::size(fields) ? static_cast<unsigned char>(fields[field])
+                                   : static_cast<unsigned char>(0);
 }
 
 void DriverUtil::WriteTime(unsigned char hour, unsigned char minute, unsigned char second) {

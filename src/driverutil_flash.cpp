@@ -40,7 +40,8 @@ int DriverUtil::PageProgram(unsigned char, unsigned int address, unsigned short 
   return WriteDataToFlash(address, length, data);
 }
 
-int DriverUtil::WriteDataToFactoryTmpFlash(unsigned int address, unsigned int length, const unsigned char* data) {
+int DriverUtil::WriteDataToFactoryTmpFlash(unsigned int address, unsigned int length,
+                                           const unsigned char* data) {
   return flashOperation("WriteDataToFactoryTmpFlash", address, length,
                         [&] { return WriteDataToFactoryTmpFlashx(address, length, data); });
 }

@@ -164,7 +164,8 @@ class TraceLine {
   CTrace::CLogRecorder m_recorder;
 };
 
-// Makes a composed line a statement without a value. Binds weaker than <<, so that the whole line belongs to it.
+// Makes a composed line a statement without a value. Binds weaker than <<, so that the whole line belongs to
+// it.
 struct TraceStatement {
   void operator&(const CTrace::CLogRecorder&) const {}
 };
@@ -176,8 +177,8 @@ consteval std::string_view sourceName(std::string_view file) {
 
 }  // namespace ORVE_MCUC
 
-#define PARLEND_TRACE(level)          \
-  !::ORVE_MCUC::tracePasses(level)    \
-      ? static_cast<void>(0)          \
+#define PARLEND_TRACE(level)            \
+  !::ORVE_MCUC::tracePasses(level)      \
+      ? static_cast<void>(0)            \
       : ::ORVE_MCUC::TraceStatement() & \
             ::ORVE_MCUC::TraceLine((level), ::ORVE_MCUC::sourceName(__FILE__), __LINE__).record()

@@ -15,7 +15,8 @@ class Singleton {
   T* get(Make make) {
     if (T* instance = instance_.load(std::memory_order_acquire)) return instance;
     CMutexGuardT<CMutexThreadRecursive> guard(m_lock);
-    if (instance_.load(std::memory_order_relaxed) == nullptr) instance_.store(make(), std::memory_order_release);
+    if (instance_.load(std::memory_order_relaxed) == nullptr)
+      instance_.store(make(), std::memory_order_release);
     return instance_.load(std::memory_order_relaxed);
   }
   void destroy() {

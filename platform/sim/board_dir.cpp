@@ -40,7 +40,8 @@ std::map<std::string, std::string> values;
 }
 
 constexpr char kDefaults[] =
-    "card_bit = 1\nfpga_autoload = yes\nfpga_status = up\ncopper_ports = 0-3\nfiber1_ports =\nfiber2_ports =\n"
+    "card_bit = 1\nfpga_autoload = yes\nfpga_status = up\ncopper_ports = 0-3\nfiber1_ports =\nfiber2_ports "
+    "=\n"
     "fiber_module = 0x00\ncards_per_port = 16\ncard_width = 128\ncard_height = 128\ncard_brightness = 0xFF\n"
     "input = 0x10 dvi\ninput = 0x01 hdmi14\njournal = writes\n";
 
@@ -51,8 +52,9 @@ std::string trimmed(const std::string& text) {
 
 void readConf() {
   static const std::set<std::string> known{
-      "card_bit", "fpga_autoload", "fpga_status", "copper_ports", "fiber1_ports", "fiber2_ports", "fiber_module",
-      "cards_per_port", "card_width", "card_height", "card_brightness", "sensor", "input", "journal"};
+      "card_bit",        "fpga_autoload", "fpga_status",    "copper_ports", "fiber1_ports",
+      "fiber2_ports",    "fiber_module",  "cards_per_port", "card_width",   "card_height",
+      "card_brightness", "sensor",        "input",          "journal"};
   if (!fs::exists(path("board.conf"))) std::ofstream(path("board.conf")) << kDefaults;
   std::ifstream file(path("board.conf"));
   std::string line;
@@ -79,10 +81,15 @@ void* mapped(const char* name, size_t size) {
 
 }  // namespace
 
-std::string path(std::string_view relative) { return root + "/" + std::string(relative); }
-const std::map<std::string, std::string>& conf() { return values; }
+std::string path(std::string_view relative) {
+  return root + "/" + std::string(relative);
+}
+const std::map<std::string, std::string>& conf() {
+  return values;
+}
 unsigned char cardBit() {
-  return static_cast<unsigned char>(std::strtoul(values.count("card_bit") ? values["card_bit"].c_str() : "1", nullptr, 0));
+  return static_cast<unsigned char>(
+      std::strtoul(values.count("card_bit") ? values["card_bit"].c_str() : "1", nullptr, 0));
 }
 
 bool takeFault(Fault kind) {
@@ -160,7 +167,8 @@ extern "C" void board_start(int, char** argv) {
 }
 
 extern "C" int board_path(const char* devicePath, char* out, size_t size) {
-  const std::string whole = path(fs::path("/").append(devicePath).lexically_normal().relative_path().string());
+  const std::string whole =
+      path(fs::path("/").append(devicePath).lexically_normal().relative_path().string());
   if (whole.size() >= size) return -1;
   std::memcpy(out, whole.c_str(), whole.size() + 1);
   return 0;

@@ -48,7 +48,9 @@ std::string mappedPath(const std::string& devicePath) {
 
 }  // namespace
 
-extern "C" int sysconf_openenv() { return takeFault(Fault::EnvOpen) ? -1 : 0; }
+extern "C" int sysconf_openenv() {
+  return takeFault(Fault::EnvOpen) ? -1 : 0;
+}
 extern "C" void sysconf_closeenv() {}
 extern "C" const char* sysconf_getenv(const char* key) {
   thread_local std::string value;
@@ -93,7 +95,8 @@ extern "C" int board_shell(const char* command) {
     const std::string text = command;
     const auto open = text.find('"'), close = text.rfind('"'), to = text.rfind(">> ");
     if (open != close && to != std::string::npos && to > close) {
-      std::ofstream(mappedPath(text.substr(to + 3)), std::ios::app) << text.substr(open + 1, close - open - 1) << '\n';
+      std::ofstream(mappedPath(text.substr(to + 3)), std::ios::app)
+          << text.substr(open + 1, close - open - 1) << '\n';
       return 0;
     }
   }

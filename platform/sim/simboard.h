@@ -13,8 +13,22 @@ std::string path(std::string_view relative);
 
 // Kinds of calls that control.bin can make fail, in the order of its counters.
 enum class Fault {
-  FpgaWrite, FpgaRead, FlashWrite, FlashRead, FactoryWrite, CardWrite, CardRead, MessageSend,
-  EnvOpen, EnvSet, DateText, TimeText, EdidRead, EdidLoad, NetCall, MessageQueue
+  FpgaWrite,
+  FpgaRead,
+  FlashWrite,
+  FlashRead,
+  FactoryWrite,
+  CardWrite,
+  CardRead,
+  MessageSend,
+  EnvOpen,
+  EnvSet,
+  DateText,
+  TimeText,
+  EdidRead,
+  EdidLoad,
+  NetCall,
+  MessageQueue
 };
 // True when this call is to fail; counts it down.
 bool takeFault(Fault kind);

@@ -36,7 +36,9 @@ void logScreenPara(int index) {
 Tprocess* Tprocess::getInstance() {
   return holder().get([] { return new Tprocess; });
 }
-void Tprocess::deleteInstance() { holder().destroy(); }
+void Tprocess::deleteInstance() {
+  holder().destroy();
+}
 
 std::optional<PenetrateInfo> unpackPenetrate(const char* payload, int length) {
   if (length < 0) return std::nullopt;
@@ -53,7 +55,8 @@ void logNoData(const HandlerWords& words) {
 }
 
 void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
-  PARLEND_TRACE(kInfo) << "============================ Begin " << words.handler << " ===========================";
+  PARLEND_TRACE(kInfo) << "============================ Begin " << words.handler
+                       << " ===========================";
   if (!tracePasses(kInfo)) return;
   const HexText<kKeyLineRoom> text(info.data.data(), info.length);
   PARLEND_TRACE(kInfo) << "Process key: " << words.key << "  Register: " << CTrace::hex << info.Register
@@ -61,52 +64,68 @@ void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
 }
 
 void logFinish(const HandlerWords& words) {
-  PARLEND_TRACE(kInfo) << "============================ Finish " << words.handler << " ===========================";
+  PARLEND_TRACE(kInfo) << "============================ Finish " << words.handler
+                       << " ===========================";
 }
 
 int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
-  return handlePenetrate({"Sprocess_DoScreenInfoEcho", "DoScreenInfoEchoKey"}, lenth, data,
-                         [](const PenetrateInfo& info) {
-                           auto& image = Data_Global::getInstance()->ScreenParaReg;
-                           const std::size_t at = info.Register & 0xFF;
-                           for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
-                             image[at + i] = info.data[i];
-                           }
-                           logScreenPara(0);
-                           logScreenPara(1);
-                         });
+  return handlePenetrate(
+      {"Sprocess_DoScreenInfoEcho", "DoScreenInfoEchoKey"}, lenth, data, [](const PenetrateInfo& info) {
+        auto& image = Data_Global::getInstance()->ScreenParaReg;
+        const std::size_t at = info.Register & 0xFF;
+        for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
+          image[at + i] = info.data[i];
+        }
+        logScreenPara(0);
+        logScreenPara(1);
+      });
 }
 
 int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
   logEntry("Sprocess_DoBackupInfo");
-  return handlePenetrate({"Sprocess_DoBackupInfo", "DoBackupInfoKey"}, lenth, data, [](const PenetrateInfo& info) {
-    const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register), info.length,
-                                                           info.data.data());
-    if (ret != 0) PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
-    board_shell("sync");
-  });
+  return handlePenetrate(
+      {"Sprocess_DoBackupInfo", "DoBackupInfoKey"}, lenth, data, [](const PenetrateInfo& info) {
+        const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register),
+                                                               info.length, info.data.data());
+        if (ret != 0)
+          PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = "
+                                << ret;
+        board_shell("sync");
+      });
 }
 
 int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
-  return handlePenetrate({"Sprocess_DoSoftwareTable", "DoSoftwareTableKey"}, lenth, data,
-                         [](const PenetrateInfo& info) {
-                           if (info.Register < reg::kRoleTable) {
-                             Data_Global::getInstance()->LEDConfigStatus = kConfiguredByTables;
-                           }
-                           const int ret = DriverUtil::getInstance()->WriteDataToFlash(
-                               flash::ofSoftwareTable(info.Register), info.length, info.data.data());
-                           if (ret != 0) {
-                             PARLEND_TRACE(kError)
-                                 << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = " << ret;
-                           }
-                         });
+  return handlePenetrate(
+      {"Sprocess_DoSoftwareTable", "DoSoftwareTableKey"}, lenth, data, [](const PenetrateInfo& info) {
+        if (info.Register < reg::kRoleTable) {
+          Data_Global::getInstance()->LEDConfigStatus = kConfiguredByTables;
+        }
+        const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::ofSoftwareTable(info.Register),
+                                                                    info.length, info.data.data());
+        if (ret != 0) {
+          PARLEND_TRACE(kError) << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = "
+                                << ret;
+        }
+      });
 }
 
-int Tprocess::Sprocess_Correction(int, char*) { return logEntry("Sprocess_Correction"); }
-int Tprocess::Sprocess_SenderTestPatten(int, char*) { return logEntry("Sprocess_SenderTestPatten"); }
-int Tprocess::Sprocess_ActiveReporting(int, char*) { return logEntry("Sprocess_ActiveReporting"); }
-int Tprocess::Sprocess_SendtoScanCard(int, char*) { return logEntry("Sprocess_SendtoScanCard"); }
-int Tprocess::Sprocess_SendtoMultiCard(int, char*) { return logEntry("Sprocess_SendtoMultiCard"); }
-int Tprocess::Sprocess_SendtoDistribute(int, char*) { return logEntry("Sprocess_SendtoDistribute"); }
+int Tprocess::Sprocess_Correction(int, char*) {
+  return logEntry("Sprocess_Correction");
+}
+int Tprocess::Sprocess_SenderTestPatten(int, char*) {
+  return logEntry("Sprocess_SenderTestPatten");
+}
+int Tprocess::Sprocess_ActiveReporting(int, char*) {
+  return logEntry("Sprocess_ActiveReporting");
+}
+int Tprocess::Sprocess_SendtoScanCard(int, char*) {
+  return logEntry("Sprocess_SendtoScanCard");
+}
+int Tprocess::Sprocess_SendtoMultiCard(int, char*) {
+  return logEntry("Sprocess_SendtoMultiCard");
+}
+int Tprocess::Sprocess_SendtoDistribute(int, char*) {
+  return logEntry("Sprocess_SendtoDistribute");
+}
 
 }  // namespace ORVE_MCUC

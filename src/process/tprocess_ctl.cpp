@@ -6,10 +6,14 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr Fprocess_cmd row(enum_Process_Key_Table key, int (*handler)(int, char*)) { return {28, 1, key, "", handler}; }
+constexpr Fprocess_cmd row(enum_Process_Key_Table key, int (*handler)(int, char*)) {
+  return {28, 1, key, "", handler};
+}
 
 // A key that has its place while no handler serves it: its items are logged and dropped.
-constexpr Fprocess_cmd unserved(enum_Process_Key_Table key) { return row(key, nullptr); }
+constexpr Fprocess_cmd unserved(enum_Process_Key_Table key) {
+  return row(key, nullptr);
+}
 
 constexpr std::array<Fprocess_cmd, 200> kRows{
     unserved(HwBasicinfoKey),
@@ -51,7 +55,9 @@ Tprocess_ctl* Tprocess_ctl::getInstance() {
   return &instance;
 }
 
-Tprocess_ctl::~Tprocess_ctl() { Tprocess::deleteInstance(); }
+Tprocess_ctl::~Tprocess_ctl() {
+  Tprocess::deleteInstance();
+}
 
 int Tprocess_ctl::initialize() {
   for (uint32_t no = 0; no < process_root.size() && process_root[no].cmd_str != nullptr; ++no) {

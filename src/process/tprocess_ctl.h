@@ -1,5 +1,5 @@
-// The dispatcher of deferred work: looks an item's key up in the key table and calls its handler. Items come from
-// the work thread, one at a time.
+// The dispatcher of deferred work: looks an item's key up in the key table and calls its handler. Items come
+// from the work thread, one at a time.
 #pragma once
 
 #include <array>

@@ -19,8 +19,9 @@ void storeSegment(const GammaTable& table, uint32_t address, std::span<const uin
   const int ret = driver.WriteDataToFlash(table.flash + (address - table.first),
                                           static_cast<unsigned int>(inTable.size()), inTable.data());
   if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== Write_" << table.depth << "_" << table.colour << "GammaInfo ===" << table.depth << "_"
-                          << table.colour << "Gamma info to flash failed. ret = " << ret;
+    PARLEND_TRACE(kError) << "=== Write_" << table.depth << "_" << table.colour
+                          << "GammaInfo ===" << table.depth << "_" << table.colour
+                          << "Gamma info to flash failed. ret = " << ret;
   }
   if (inTable.size() < data.size()) {
     PARLEND_TRACE(kError) << "=== Sprocess_SenderRGBGamma ===segment at " << CTrace::hex << address << " of "
@@ -34,14 +35,15 @@ void storeSegment(const GammaTable& table, uint32_t address, std::span<const uin
 }  // namespace
 
 int Tprocess::Sprocess_SenderRGBGamma(int lenth, char* data) {
-  return handlePenetrate({"Sprocess_SenderRGBGamma", "SenderRGBGammaKey"}, lenth, data, [](const PenetrateInfo& info) {
-    const uint32_t address = info.Register & kGammaRegisterMask;
-    if (const auto* table = findGammaTable(address)) {
-      storeSegment(*table, address, info.data);
-    } else if (const auto* value = findGammaValue(address, info.length)) {
-      DriverUtil::getInstance()->WriteDataToFlash(value->flash, 1, info.data.data());
-    }
-  });
+  return handlePenetrate({"Sprocess_SenderRGBGamma", "SenderRGBGammaKey"}, lenth, data,
+                         [](const PenetrateInfo& info) {
+                           const uint32_t address = info.Register & kGammaRegisterMask;
+                           if (const auto* table = findGammaTable(address)) {
+                             storeSegment(*table, address, info.data);
+                           } else if (const auto* value = findGammaValue(address, info.length)) {
+                             DriverUtil::getInstance()->WriteDataToFlash(value->flash, 1, info.data.data());
+                           }
+                         });
 }
 
 }  // namespace ORVE_MCUC

@@ -23,8 +23,8 @@ bool insidePage(const IMD_proto3rd& request, const char* operation) {
   const uint32_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const uint32_t length = request.proto.m_usValidDataLength;
   if (offset + length <= kPageSize) return true;
-  PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex << offset
-                        << " len = " << length;
+  PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex
+                        << offset << " len = " << length;
   return false;
 }
 

@@ -29,8 +29,8 @@ Place placeOf(uint32_t address, uint32_t length) {
 void logFailedRead(const Place& place, int ret) {
   const char* what = place.colour != nullptr ? place.colour : "";
   const char* kind = place.colour != nullptr ? "Gamma" : "GammaVal";
-  PARLEND_TRACE(kError) << "=== Read_" << place.depth << "_" << what << kind << "Info ===Read " << place.depth << "_"
-                        << what << kind << " Info failed! ret = " << ret;
+  PARLEND_TRACE(kError) << "=== Read_" << place.depth << "_" << what << kind << "Info ===Read " << place.depth
+                        << "_" << what << kind << " Info failed! ret = " << ret;
 }
 
 }  // namespace

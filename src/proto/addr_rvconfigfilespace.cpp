@@ -6,10 +6,10 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kRows{offsetRow(reg::kRVConfigFile, "RVConfig File Space info",
-                                     "RVConfig File Space info register", {0, 2048},
-                                     &Addr_RVConfigFileSpace::DoRVConfigFileSpace),
-                           Fshl_cmd{}};
+constexpr std::array kRows{
+    offsetRow(reg::kRVConfigFile, "RVConfig File Space info", "RVConfig File Space info register", {0, 2048},
+              &Addr_RVConfigFileSpace::DoRVConfigFileSpace),
+    Fshl_cmd{}};
 static_assert(rowsAreSound(kRows));
 
 }  // namespace
@@ -24,7 +24,8 @@ int Addr_RVConfigFileSpace::ReadFromRVConfigFileSpace(IMD_proto3rd* msgIMD) {
   const uint32_t address = msgIMD->proto.m_uiRegisterUnitAddress;
   if (replyFromFlash(*msgIMD, flash::ofConfigFile(address)) == 0) return kDone;
   const char* file = (address & reg::kDeviceNameFileBit) != 0 ? "DevNameFile" : "RVConfigFile";
-  PARLEND_TRACE(kError) << "=== ReadRVConfigFileSpace ===Read from flash failed when reading " << file << " ! ";
+  PARLEND_TRACE(kError) << "=== ReadRVConfigFileSpace ===Read from flash failed when reading " << file
+                        << " ! ";
   return kRefused;
 }
 

@@ -25,7 +25,8 @@ int Addr_ScreenInfoEchoRegister::ReadFromScreenInfoEcho(IMD_proto3rd* msgIMD) {
   data.refreshCardSizeInScreenPara();
   const uint32_t address = msgIMD->proto.m_uiRegisterUnitAddress;
   const std::size_t position = address & 0xFF;
-  const std::size_t length = std::min<std::size_t>(msgIMD->proto.m_usValidDataLength, data.ScreenParaReg.size());
+  const std::size_t length =
+      std::min<std::size_t>(msgIMD->proto.m_usValidDataLength, data.ScreenParaReg.size());
   PARLEND_TRACE(kInfo) << "=======realAddress = 0x" << CTrace::hex << address
                        << ", OpValidLength = " << static_cast<unsigned int>(length);
   // A read past the end of the table is filled up with zeros.

@@ -7,10 +7,10 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kRows{offsetRow(reg::kScreenPatternGen, "ScreenPatternGen info",
-                                     "ScreenPatternGen info register", {0, 2048},
-                                     &Addr_ScreenPatternGenregister::DoScreenPatternGen),
-                           Fshl_cmd{}};
+constexpr std::array kRows{
+    offsetRow(reg::kScreenPatternGen, "ScreenPatternGen info", "ScreenPatternGen info register", {0, 2048},
+              &Addr_ScreenPatternGenregister::DoScreenPatternGen),
+    Fshl_cmd{}};
 static_assert(rowsAreSound(kRows));
 
 constexpr uint32_t kGeneratorRegisters = 64;
@@ -32,10 +32,11 @@ int Addr_ScreenPatternGenregister::ReadScreenPatternGenInfo(IMD_proto3rd* msgIMD
     return kBeyondImage;
   }
   std::array<uint8_t, kGeneratorRegisters> bytes{};
-  const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, fpga::kScreenPatternGen + offset, length,
-                                                                  bytes.data());
+  const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, fpga::kScreenPatternGen + offset,
+                                                                  length, bytes.data());
   if (ret < 0) {
-    PARLEND_TRACE(kError) << "=== ReadScreenPatternGenInfo ===Read ScreenPatternGenInfo failed! ret = " << ret;
+    PARLEND_TRACE(kError) << "=== ReadScreenPatternGenInfo ===Read ScreenPatternGenInfo failed! ret = "
+                          << ret;
     return kFailed;
   }
   const auto read = std::span<const uint8_t>(bytes).first(length);

@@ -3,13 +3,15 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kPluginRows{offsetRow(reg::kPluginCardInfo, "plugin card info", "plugin card info register",
-                                           {1, 512}, &Addr_PluginCardInfoRegister::DoPluginCardInfo),
-                                 Fshl_cmd{}};
+constexpr std::array kPluginRows{
+    offsetRow(reg::kPluginCardInfo, "plugin card info", "plugin card info register", {1, 512},
+              &Addr_PluginCardInfoRegister::DoPluginCardInfo),
+    Fshl_cmd{}};
 static_assert(rowsAreSound(kPluginRows));
-constexpr std::array kRotationRows{offsetRow(reg::kCabinetRotation, "cabinet rotation", "cabinet rotation register",
-                                             {1, 69632}, &Addr_CabinetRotationRegister::DoRotationInfo),
-                                   Fshl_cmd{}};
+constexpr std::array kRotationRows{
+    offsetRow(reg::kCabinetRotation, "cabinet rotation", "cabinet rotation register", {1, 69632},
+              &Addr_CabinetRotationRegister::DoRotationInfo),
+    Fshl_cmd{}};
 static_assert(rowsAreSound(kRotationRows));
 
 }  // namespace
@@ -19,8 +21,12 @@ constinit std::array<Fshl_cmd, 2> Addr_PluginCardInfoRegister::cmd_tblOffset = k
 int Addr_PluginCardInfoRegister::DoPluginCardInfo(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
   return readOrWrite(msgIMD, &ReadFromPluginCardInfo, &WriteToPluginCardInfo);
 }
-int Addr_PluginCardInfoRegister::ReadFromPluginCardInfo(IMD_proto3rd*) { return kDone; }
-int Addr_PluginCardInfoRegister::WriteToPluginCardInfo(IMD_proto3rd*) { return kDone; }
+int Addr_PluginCardInfoRegister::ReadFromPluginCardInfo(IMD_proto3rd*) {
+  return kDone;
+}
+int Addr_PluginCardInfoRegister::WriteToPluginCardInfo(IMD_proto3rd*) {
+  return kDone;
+}
 
 constinit std::array<Fshl_cmd, 2> Addr_CabinetRotationRegister::cmd_tblOffset = kRotationRows;
 
@@ -35,7 +41,11 @@ int Addr_CabinetRotationRegister::Ssh_cmd(IMD_proto3rd* msgIMD, Fshl_cmd* tbl, i
 int Addr_CabinetRotationRegister::DoRotationInfo(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
   return readOrWrite(msgIMD, &ReadFromRotationInfo, &WriteToRotationInfo);
 }
-int Addr_CabinetRotationRegister::ReadFromRotationInfo(IMD_proto3rd*) { return kDone; }
-int Addr_CabinetRotationRegister::WriteToRotationInfo(IMD_proto3rd*) { return kDone; }
+int Addr_CabinetRotationRegister::ReadFromRotationInfo(IMD_proto3rd*) {
+  return kDone;
+}
+int Addr_CabinetRotationRegister::WriteToRotationInfo(IMD_proto3rd*) {
+  return kDone;
+}
 
 }  // namespace ORVE_MCUC

@@ -13,8 +13,8 @@ constexpr std::array kRows{offsetRow(reg::kTestPrint, "testprintf", "testprintf 
 static_assert(rowsAreSound(kRows));
 
 constexpr uint32_t kFpgaMask = 0x0FFFFFFF;
-constexpr uint16_t kReadLimit = 4096;       // a read of as much is refused
-constexpr std::size_t kWriteLimit = 4096;   // a write of more is refused
+constexpr uint16_t kReadLimit = 4096;      // a read of as much is refused
+constexpr std::size_t kWriteLimit = 4096;  // a write of more is refused
 constexpr uint16_t kTestPatternLength = 25;
 
 }  // namespace
@@ -58,7 +58,8 @@ int Addr_TestPrinfRegister::WriteTestPrintfInfomation(IMD_proto3rd* msgIMD) {
     return kBadAccess;
   }
   if (data.size() > kWriteLimit) {
-    PARLEND_TRACE(kError) << "=== WriteTestPrintfInfomation ===length " << data.size() << " is too long, return.";
+    PARLEND_TRACE(kError) << "=== WriteTestPrintfInfomation ===length " << data.size()
+                          << " is too long, return.";
     msgIMD->proto.m_ucAck = kAckRefused;
     return kRefused;
   }

@@ -37,12 +37,16 @@ static_assert(portRecord(12) + kOffsetXAt == 0x159 && portRecord(7) + kOffsetXAt
 Data_Global* Data_Global::getInstance() {
   return globalHolder().get([] { return new Data_Global; });
 }
-void Data_Global::deleteInstance() { globalHolder().destroy(); }
+void Data_Global::deleteInstance() {
+  globalHolder().destroy();
+}
 
 Data_Preset* Data_Preset::getInstance() {
   return presetHolder().get([] { return new Data_Preset; });
 }
-void Data_Preset::deleteInstance() { presetHolder().destroy(); }
+void Data_Preset::deleteInstance() {
+  presetHolder().destroy();
+}
 
 void Data_Global::putLe16At(std::size_t offset, uint16_t value) {
   SendParameterReg[offset] = static_cast<uint8_t>(value);

@@ -1,6 +1,6 @@
-// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the operations
-// that several rooms share. One object for the process, reached from every thread; images and flags are relaxed
-// atomics, so that they behave as plain bytes.
+// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the
+// operations that several rooms share. One object for the process, reached from every thread; images and
+// flags are relaxed atomics, so that they behave as plain bytes.
 #pragma once
 
 #include <array>
@@ -26,22 +26,23 @@ class Data_Global {
   void GetEnvSNPara(uint8_t* out);
   // The model ID as 2 bytes, low byte first; left as it is when the environment holds none.
   void GetEnvModelIDPara(uint8_t* out);
-  // Factory network settings: environment and interface. 0, -1 when the store does not open, else the result of
-  // setting the address.
+  // Factory network settings: environment and interface. 0, -1 when the store does not open, else the result
+  // of setting the address.
   int SetIPVersion();
 
   // count hexadecimal characters to count / 2 bytes, high nibble first; any other character counts as 0.
   static int ASCII2Hex(const char* src, int count, uint8_t* dst);
 
-  // Port records of the feature image: ports 0..15, the Y offset for ports 0..9 only; other ports change nothing.
+  // Port records of the feature image: ports 0..15, the Y offset for ports 0..9 only; other ports change
+  // nothing.
   void PortWidthUpdate(unsigned int port, uint16_t value);
   void PortHeightUpdate(unsigned int port, uint16_t value);
   void PortOffsetXUpdate(unsigned int port, uint16_t value);
   void PortOffsetYUpdate(unsigned int port, uint16_t value);
   void PortMorSUpdate(unsigned int port, uint8_t value);
 
-  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, or the driver's result
-  // with dest unchanged; -1 for another type.
+  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, or the driver's
+  // result with dest unchanged; -1 for another type.
   int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
   // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
   int Read_ScreenSize_FromFlash(uint32_t* out);
@@ -64,11 +65,11 @@ class Data_Global {
   void SendC8toVsp();
 
   RelaxedByte NormalBackupStatus;
-  RelaxedByte PbufMorSMode;        // 0 master, 1 slave
+  RelaxedByte PbufMorSMode;  // 0 master, 1 slave
   RelaxedByte LinkButError;
-  RelaxedByte LEDConfigStatus;     // what configured the screen last
+  RelaxedByte LEDConfigStatus;  // what configured the screen last
   RelaxedByte factoryflag;
-  RelaxedByte RWFPGATestflag;      // 1: the report thread tests FPGA tables
+  RelaxedByte RWFPGATestflag;                      // 1: the report thread tests FPGA tables
   RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
   ByteImage<32> TmpCalcScreenPara;
   CMutexThreadRecursive m_mutex;
@@ -78,7 +79,7 @@ class Data_Global {
   ByteImage<16> SendRedundStatustoLSD_buff;
   ByteImage<4> SendRedundtoLSD_buff;
   ByteImage<4> SendNetLinktoLSD_buff;
-  RelaxedByte RebootRF;                 // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
+  RelaxedByte RebootRF;  // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
   RelaxedByte ResetMode;
   RelaxedByte FpgaOnlineFlag;
   ByteImage<1> fiberlink_buff;

@@ -12,7 +12,8 @@ namespace {
 constexpr std::size_t kPageSize = 256;
 
 // Reads a size record: width u32, height u32. The texts name it in the log lines.
-int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight, uint32_t* out) {
+int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight,
+             uint32_t* out) {
   std::array<uint8_t, 8> record{};
   if (DriverUtil::getInstance()->ReadBytesFromFlash(address, record.size(), record.data()) != 0) {
     PARLEND_TRACE(kError) << failed;
@@ -40,7 +41,8 @@ int Data_Global::RestoreDataFromFlash(int type, std::span<uint8_t> dest) {
 }
 
 int Data_Global::Read_ScreenSize_FromFlash(uint32_t* out) {
-  return readSize(flash::kScreenSize, "=== Read_ScreenSize_FromFlash ===Can not read flash screensize , faild !!! ",
+  return readSize(flash::kScreenSize,
+                  "=== Read_ScreenSize_FromFlash ===Can not read flash screensize , faild !!! ",
                   "=======Read FromFlash ScreenSizeW = ", "=======Read FromFlash ScreenSizeH = ", out);
 }
 
@@ -50,7 +52,8 @@ int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
 }
 
 void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
-  PARLEND_TRACE(kInfo) << "===============================Storage Dvi Wide ADVcalc===================================";
+  PARLEND_TRACE(kInfo)
+      << "===============================Storage Dvi Wide ADVcalc===================================";
   DriverUtil& driver = *DriverUtil::getInstance();
   std::array<uint8_t, 8> record{};
   putLe32(record, 0, width);
@@ -69,10 +72,11 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
   if (width != 0 && height != 0) return;
   char command[512];
   std::snprintf(command, sizeof command,
-                "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%s\" >> /root/screen_zero.txt", point,
-                addr, width, height, description);
+                "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%s\" >> /root/screen_zero.txt",
+                point, addr, width, height, description);
   board_shell(command);
-  PARLEND_TRACE(kInfo) << "=============================Screen Para is Zero!!!  =============================";
+  PARLEND_TRACE(kInfo)
+      << "=============================Screen Para is Zero!!!  =============================";
 }
 
 void Data_Global::ReadHardwareInfo() {

@@ -48,15 +48,17 @@ std::array<char, kSerialTextLength> fixedText(std::string_view stored) {
 }
 
 void storeInFlash(const SerialNumber& serial) {
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kSerialNumber, static_cast<unsigned int>(serial.size()), serial.data());
+  DriverUtil::getInstance()->WriteDataToFlash(flash::kSerialNumber, static_cast<unsigned int>(serial.size()),
+                                              serial.data());
 }
 
 void setDefaultText() {
-  if (sysconf_setenv("device_sn", kDefaultSerialText) != 0) PARLEND_TRACE(kError) << "=== SNTransfer ===setenv faild";
+  if (sysconf_setenv("device_sn", kDefaultSerialText) != 0)
+    PARLEND_TRACE(kError) << "=== SNTransfer ===setenv faild";
 }
 
-// Brings the environment's serial number and the flash in line. own is filled only when the environment holds a
-// serial number of this device's own.
+// Brings the environment's serial number and the flash in line. own is filled only when the environment holds
+// a serial number of this device's own.
 void transferSerial(bool setWhenAbsent, uint8_t* own) {
   PARLEND_TRACE(kInfo) << "================================ Begin SN transfer ==============================";
   const OpenStore store;
@@ -97,9 +99,13 @@ int Data_Global::ASCII2Hex(const char* src, int count, uint8_t* dst) {
   return 0;
 }
 
-void Data_Global::SNTransfer() { transferSerial(true, nullptr); }
+void Data_Global::SNTransfer() {
+  transferSerial(true, nullptr);
+}
 
-void Data_Global::GetEnvSNPara(uint8_t* out) { transferSerial(false, out); }
+void Data_Global::GetEnvSNPara(uint8_t* out) {
+  transferSerial(false, out);
+}
 
 void Data_Global::GetEnvModelIDPara(uint8_t* out) {
   const OpenStore store;
@@ -116,7 +122,8 @@ void Data_Global::GetEnvModelIDPara(uint8_t* out) {
     out[0] = bytes[1];
     out[1] = bytes[0];
   }
-  PARLEND_TRACE(kInfo) << "================================ Finish ModelID transfer =============================";
+  PARLEND_TRACE(kInfo)
+      << "================================ Finish ModelID transfer =============================";
 }
 
 int Data_Global::SetIPVersion() {

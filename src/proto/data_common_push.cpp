@@ -48,7 +48,8 @@ void Data_Global::SendRVCardWHtoLSD() {
   putLe16(data, 0, width);
   putLe16(data, 2, height);
   PARLEND_TRACE(kInfo) << "Send 0x06 ~ 0x09 RVCard W/H info to LSD, the reg address = " << CTrace::hex
-                       << reg::kReceivingCardSize << " the data length = " << static_cast<unsigned int>(data.size())
+                       << reg::kReceivingCardSize
+                       << " the data length = " << static_cast<unsigned int>(data.size())
                        << " ReceiveCardWidth :" << width << " ReceiveCardHeight :" << height;
   push(kServiceLsd, reg::kReceivingCardSize, data);
 }

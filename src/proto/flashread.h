@@ -8,7 +8,8 @@
 
 namespace ORVE_MCUC {
 
-// Appends the request's length of bytes from a flash address as its data. The driver's result; no data unless 0.
+// Appends the request's length of bytes from a flash address as its data. The driver's result; no data unless
+// 0.
 inline int replyFromFlash(IMD_proto3rd& request, uint32_t flashAddress) {
   auto& data = request.proto.m_data;
   data.assign(request.proto.m_usValidDataLength, 0);

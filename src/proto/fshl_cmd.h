@@ -58,12 +58,13 @@ using MAP_INT_Fshl_cmd = std::map<uint32_t, Fshl_cmdMap>;
 // Maps the rows of a table, up to the row without a name, by their keys.
 void mapRows(Fshl_cmd* rows, MAP_INT_Fshl_cmd& map);
 
-// Whether a request's length and access type are permitted: 0, kBadLength or kBadAccess. The length is looked at
-// first.
+// Whether a request's length and access type are permitted: 0, kBadLength or kBadAccess. The length is looked
+// at first.
 int Ssh_checkFun(Fcheck_func* check, IMD_proto3rd* msgIMD);
 
 // A row of a space's offset table.
-constexpr Fshl_cmd offsetRow(uint32_t key, const char* name, const char* text, Fcmd_len limits, RowHandler handler) {
+constexpr Fshl_cmd offsetRow(uint32_t key, const char* name, const char* text, Fcmd_len limits,
+                             RowHandler handler) {
   return {key, name, text, kReadWrite, limits, {}, nullptr, handler, nullptr, &Ssh_checkFun};
 }
 

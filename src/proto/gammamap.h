@@ -1,5 +1,5 @@
-// The gamma tables, one row each: where peers address them, where the FPGA and the flash hold them, and the words
-// their log lines use. Values from the addresses alone: any thread.
+// The gamma tables, one row each: where peers address them, where the FPGA and the flash hold them, and the
+// words their log lines use. Values from the addresses alone: any thread.
 #pragma once
 
 #include <array>
@@ -14,12 +14,12 @@ namespace ORVE_MCUC {
 inline constexpr uint32_t kGammaRegisterMask = 0x0FFFFFFF;
 
 struct GammaTable {
-  uint32_t first;            // first register of the table; 8191 registers belong to it
-  uint32_t fpga;             // FPGA page that the low 16 bits of the register index
-  uint32_t flash;            // flash address of the first register
-  uint32_t tag;              // flash address of the validity tag
-  const char* depth;         // "12BIT" or "10BIT"
-  const char* colour;        // "Red", "Green", "Blue"
+  uint32_t first;      // first register of the table; 8191 registers belong to it
+  uint32_t fpga;       // FPGA page that the low 16 bits of the register index
+  uint32_t flash;      // flash address of the first register
+  uint32_t tag;        // flash address of the validity tag
+  const char* depth;   // "12BIT" or "10BIT"
+  const char* colour;  // "Red", "Green", "Blue"
 
   // The last byte of a table's range belongs to no table.
   constexpr bool holds(uint32_t address) const {

@@ -1,5 +1,5 @@
-// The map of the register addresses that peers use: every address stands here once, under its name. The router
-// keys a request by its address without the low 16 bits (the low 24 bits in the four widest spaces).
+// The map of the register addresses that peers use: every address stands here once, under its name. The
+// router keys a request by its address without the low 16 bits (the low 24 bits in the four widest spaces).
 #pragma once
 
 #include <cstdint>
@@ -22,24 +22,24 @@ inline constexpr uint32_t kSoftwareTable = 0x05000000;
 inline constexpr uint32_t kSoftwareTableUpper = 0x05060000;
 inline constexpr uint32_t kEdid = 0x08000000;
 inline constexpr uint32_t kBrightness = 0x0A000000;
-inline constexpr uint32_t kRGBGamma = 0x0E000000;          // 16 MiB wide
-inline constexpr uint32_t kRVConfigFile = 0x0F000000;      // 16 MiB wide
+inline constexpr uint32_t kRGBGamma = 0x0E000000;      // 16 MiB wide
+inline constexpr uint32_t kRVConfigFile = 0x0F000000;  // 16 MiB wide
 inline constexpr uint32_t kScreenPatternGen = 0x12010000;
 inline constexpr uint32_t kCardProgram = 0x18000000;
 inline constexpr uint32_t kCardProgramUpper = 0x18200000;
-inline constexpr uint32_t kTestPrint = 0xF0000000;         // 16 MiB wide
-inline constexpr uint32_t kTestPrintUpper = 0xF1000000;    // 16 MiB wide
+inline constexpr uint32_t kTestPrint = 0xF0000000;       // 16 MiB wide
+inline constexpr uint32_t kTestPrintUpper = 0xF1000000;  // 16 MiB wide
 
 // Single registers inside the spaces.
 inline constexpr uint32_t kMasterSlavePorts1To4 = kFeature + 0x18;
 inline constexpr uint32_t kMasterSlavePorts5To8 = kFeature + 0x98;
 inline constexpr uint32_t kMasterSlavePorts9To16 = kFeature + 0x100;
 inline constexpr uint32_t kReceivingCardSize = kScreenInfoEcho + 0x06;
-inline constexpr uint32_t kVspTrigger = 0x0500FFFF;        // a one-byte read pushes 0xC8 to VSP
-inline constexpr uint32_t kRoleTable = 0x05065000;         // the software table's screen tables end here
+inline constexpr uint32_t kVspTrigger = 0x0500FFFF;  // a one-byte read pushes 0xC8 to VSP
+inline constexpr uint32_t kRoleTable = 0x05065000;   // the software table's screen tables end here
 inline constexpr uint32_t kGamma10BitValue = 0x0E300000;
 inline constexpr uint32_t kGamma12BitValue = 0x0E302000;
-inline constexpr uint32_t kDeviceNameFileBit = 0x00800000; // of the configuration-file space
+inline constexpr uint32_t kDeviceNameFileBit = 0x00800000;  // of the configuration-file space
 
 // Registers that only pushes name.
 inline constexpr uint32_t kRebootNotice = 0x01000002;
@@ -54,7 +54,9 @@ constexpr bool isWide(uint32_t address) {
   const uint32_t top = address & kWideMask;
   return top == kRGBGamma || top == kRVConfigFile || top == kTestPrint || top == kTestPrintUpper;
 }
-constexpr uint32_t routerKey(uint32_t address) { return address & (isWide(address) ? kWideMask : kNarrowMask); }
+constexpr uint32_t routerKey(uint32_t address) {
+  return address & (isWide(address) ? kWideMask : kNarrowMask);
+}
 
 static_assert(routerKey(0x0E123456) == kRGBGamma && routerKey(0x02201234) == kHCInteraction);
 

@@ -11,16 +11,15 @@
 // getInstance may be called from any thread.
 #pragma once
 
-#include <atomic>
 #include <cstdio>
 #include <span>
 
-#include "mcucmutex.h"
 #include "mcuctrace.h"
 #include "proto/fshl_cmd.h"
 #include "proto/processkeys.h"
 #include "proto/registermap.h"
 #include "proto/results.h"
+#include "singleton.h"
 
 namespace ORVE_MCUC {
 
@@ -36,9 +35,12 @@ template <class Read, class Write>
 int readOrWrite(IMD_proto3rd* request, Read read, Write write, int otherCode = kFailed) {
   if (request == nullptr) return kRefused;
   switch (request->proto.m_ucCode) {
-    case kCodeRead: return read(request);
-    case kCodeWrite: return write(request);
-    default: return otherCode;
+    case kCodeRead:
+      return read(request);
+    case kCodeWrite:
+      return write(request);
+    default:
+      return otherCode;
   }
 }
 
@@ -46,20 +48,12 @@ template <class Space>
 class RegisterSpace {
  public:
   static Space* getInstance() {
-    Space* instance = m_pInstance.load(std::memory_order_acquire);
-    if (instance != nullptr) return instance;
-    CMutexGuardT<CMutexThreadRecursive> guard(lock());
-    if (m_pInstance.load(std::memory_order_relaxed) == nullptr) {
+    return holder().get([] {
       initMap();
-      m_pInstance.store(new Space, std::memory_order_release);
-    }
-    return m_pInstance.load(std::memory_order_relaxed);
+      return new Space;
+    });
   }
-
-  static void deleteInstance() {
-    CMutexGuardT<CMutexThreadRecursive> guard(lock());
-    delete m_pInstance.exchange(nullptr);
-  }
+  static void deleteInstance() { holder().destroy(); }
 
   static int initMap() {
     mapRows(Space::cmd_tblOffset.data(), rowMap());
@@ -108,19 +102,18 @@ class RegisterSpace {
     static MAP_INT_Fshl_cmd map;
     return map;
   }
-  static CMutexThreadRecursive& lock() {
-    static CMutexThreadRecursive m_lock;
-    return m_lock;
+  static Singleton<Space>& holder() {
+    static Singleton<Space> m_pInstance;
+    return m_pInstance;
   }
   static void logMap() {
     PARLEND_TRACE(kInfo) << "map size = " << rowMap().size();
     for (const auto& [key, entry] : rowMap()) {
-      PARLEND_TRACE(kInfo) << " register = " << "first register addr = " << CTrace::hex << key
+      PARLEND_TRACE(kInfo) << " register = "
+                           << "first register addr = " << CTrace::hex << key
                            << " second addr = " << CTrace::hex << entry.cmd->RegisterAddr;
     }
   }
-
-  static inline constinit std::atomic<Space*> m_pInstance{nullptr};
 };
 
 }  // namespace ORVE_MCUC

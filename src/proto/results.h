@@ -7,12 +7,12 @@ namespace ORVE_MCUC {
 
 // What a space, a handler or a driver call returns. Only the acknowledge code and the data reach a requester.
 enum Result : int {
-  kFailed = -1,       // a driver call failed, or the request names nothing that exists
+  kFailed = -1,  // a driver call failed, or the request names nothing that exists
   kDone = 0,
-  kRefused = 4,       // null request, unknown base, no work item
-  kBeyondImage = 5,   // offset plus length runs past the space's image
-  kBadLength = 6,     // length outside the row's limits
-  kBadAccess = 7,     // access type not allowed, unknown code type, write without data
+  kRefused = 4,      // null request, unknown base, no work item
+  kBeyondImage = 5,  // offset plus length runs past the space's image
+  kBadLength = 6,    // length outside the row's limits
+  kBadAccess = 7,    // access type not allowed, unknown code type, write without data
 };
 
 // Acknowledge codes in a frame.
@@ -23,10 +23,12 @@ enum Ack : uint8_t {
 };
 
 // Error codes of the message channel, negative as int.
-constexpr int channelError(uint32_t code) { return static_cast<int>(code); }
-inline constexpr int kErrThread = channelError(0x80005001);      // thread not created; base codec operation
-inline constexpr int kErrNoMessage = channelError(0x80005004);   // missing or unreadable message data
-inline constexpr int kErrSend = channelError(0x80005036);        // send failed
-inline constexpr int kErrEncode = channelError(0x8000503A);      // encoding failed
+constexpr int channelError(uint32_t code) {
+  return static_cast<int>(code);
+}
+inline constexpr int kErrThread = channelError(0x80005001);     // thread not created; base codec operation
+inline constexpr int kErrNoMessage = channelError(0x80005004);  // missing or unreadable message data
+inline constexpr int kErrSend = channelError(0x80005036);       // send failed
+inline constexpr int kErrEncode = channelError(0x8000503A);     // encoding failed
 
 }  // namespace ORVE_MCUC

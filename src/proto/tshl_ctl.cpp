@@ -33,11 +33,13 @@ constexpr std::array<Fshl_cmd, 71> kRoot{
     unservedRow(reg::kCommand, "command", "command register"),
     unservedRow(reg::kFeature, "feature", "feature register"),
     rootRow<Addr_ScreenInfoEchoRegister>(reg::kScreenInfoEcho, "screen info echo", "screen info echo"),
-    unservedRow(reg::kHCInteraction, "human-computer interaction info", "human-computer interaction info register"),
+    unservedRow(reg::kHCInteraction, "human-computer interaction info",
+                "human-computer interaction info register"),
     rootRow<Addr_BackupInfoRegister>(reg::kBackupInfo, "backup", "backup info register"),
     unservedRow(reg::kIntelligentBrightness, "Intelligent brightness",
                 "Intelligent brightness sent by screen register"),
-    rootRow<Addr_CabinetRotationRegister>(reg::kCabinetRotation, "cabinet rotation", "cabinet rotation register"),
+    rootRow<Addr_CabinetRotationRegister>(reg::kCabinetRotation, "cabinet rotation",
+                                          "cabinet rotation register"),
     unservedRow(reg::kShortcutConfigScreen, "shortcut config screen", "shortcut config screen register"),
     unservedRow(reg::kScanBoardPosition, "netscanborad", "network scanborad position register"),
     unservedRow(reg::kFunCardPortNumber, "netborad", "network scanborad register"),
@@ -52,7 +54,8 @@ constexpr std::array<Fshl_cmd, 71> kRoot{
                                            "ScreenPatternGen info register"),
     rootRow<Addr_RVConfigFileSpace>(reg::kRVConfigFile, "RVConfig File Space info",
                                     "RVConfig File Space info register"),
-    rootRow<Addr_CardProgmaSpaceRegister>(reg::kCardProgram, "cardprogspace", "sendcard programm space register"),
+    rootRow<Addr_CardProgmaSpaceRegister>(reg::kCardProgram, "cardprogspace",
+                                          "sendcard programm space register"),
     rootRow<Addr_CardProgmaSpaceRegister>(reg::kCardProgramUpper, "ccardprogspace",
                                           "csendcard programm space register"),
 };
@@ -125,10 +128,18 @@ int Tshl_ctl::Ssh_StartSendCard(IMD_proto3rd* msgIMD) {
   return result;
 }
 
-int Tshl_ctl::Ssh_StartScanCard(IMD_proto3rd* msgIMD) { return refuseCard(msgIMD, "Ssh_StartScanCard"); }
-int Tshl_ctl::Ssh_StartMultiCard(IMD_proto3rd* msgIMD) { return refuseCard(msgIMD, "Ssh_StartMultiCard"); }
-int Tshl_ctl::Ssh_StartDistribute(IMD_proto3rd* msgIMD) { return refuseCard(msgIMD, "Ssh_StartDistribute"); }
-int Tshl_ctl::Ssh_Start3DLauncher(IMD_proto3rd* msgIMD) { return refuseCard(msgIMD, "Ssh_Start3DLauncher"); }
+int Tshl_ctl::Ssh_StartScanCard(IMD_proto3rd* msgIMD) {
+  return refuseCard(msgIMD, "Ssh_StartScanCard");
+}
+int Tshl_ctl::Ssh_StartMultiCard(IMD_proto3rd* msgIMD) {
+  return refuseCard(msgIMD, "Ssh_StartMultiCard");
+}
+int Tshl_ctl::Ssh_StartDistribute(IMD_proto3rd* msgIMD) {
+  return refuseCard(msgIMD, "Ssh_StartDistribute");
+}
+int Tshl_ctl::Ssh_Start3DLauncher(IMD_proto3rd* msgIMD) {
+  return refuseCard(msgIMD, "Ssh_Start3DLauncher");
+}
 
 void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {
   PARLEND_TRACE(kInfo) << "-----------Ssh_cmdOffset begin------------";
@@ -144,7 +155,8 @@ void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {
 int Tshl_ctl::Ssh_cmdAll() {
   PARLEND_TRACE(kInfo) << "-----------Ssh_cmdAll begin------------";
   for (const auto& [key, entry] : m_mapProtoShl) {
-    PARLEND_TRACE(kInfo) << "Ssh_cmdAll: register base = " << CTrace::hex << key << " cmd exp = " << entry.cmd->cmd_exp;
+    PARLEND_TRACE(kInfo) << "Ssh_cmdAll: register base = " << CTrace::hex << key
+                         << " cmd exp = " << entry.cmd->cmd_exp;
   }
   PARLEND_TRACE(kInfo) << "-----------Ssh_cmdAll end--------------";
   return 0;

@@ -1,5 +1,5 @@
-// The register router: finds the space that owns a request's address and calls it. One request at a time, from the
-// receive thread.
+// The register router: finds the space that owns a request's address and calls it. One request at a time,
+// from the receive thread.
 #pragma once
 
 #include <array>
@@ -21,7 +21,8 @@ class Tshl_ctl {
   // A request to the sending card itself. The space's result, or kRefused; data and m_ucAck are left in it.
   int Ssh_StartSendCard(IMD_proto3rd* msgIMD);
 
-  // Requests to the cards behind the ports: receiving cards, multi-function cards, distribution cards, 3D launchers.
+  // Requests to the cards behind the ports: receiving cards, multi-function cards, distribution cards, 3D
+  // launchers.
   int Ssh_StartScanCard(IMD_proto3rd* msgIMD);
   int Ssh_StartMultiCard(IMD_proto3rd* msgIMD);
   int Ssh_StartDistribute(IMD_proto3rd* msgIMD);

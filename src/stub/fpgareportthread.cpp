@@ -38,14 +38,17 @@ int FpgaReportThread::FPGAReport_init() {
   constexpr unsigned char kEnable[] = {0x00};
   DriverUtil& driver = *DriverUtil::getInstance();
   PARLEND_TRACE(kInfo) << "=============================== FPGAReport_init ============================= ";
-  if (const int ret = driver.FPGAC5_WriteDataBlock(0, 0, fpga::kReportParameters, sizeof kParameters, kParameters);
+  if (const int ret =
+          driver.FPGAC5_WriteDataBlock(0, 0, fpga::kReportParameters, sizeof kParameters, kParameters);
       ret < 0) {
     PARLEND_TRACE(kError) << "=== Write reprot para Reg failed! ret = " << ret;
   }
-  if (const int ret = driver.FPGAC5_WriteDataBlock(0, 0, fpga::kReportEnable, sizeof kEnable, kEnable); ret < 0) {
+  if (const int ret = driver.FPGAC5_WriteDataBlock(0, 0, fpga::kReportEnable, sizeof kEnable, kEnable);
+      ret < 0) {
     PARLEND_TRACE(kError) << "=== Write reprot enable Reg failed! ret = " << ret;
   }
-  PARLEND_TRACE(kInfo) << "=============================== FPGAReport_init Finish ============================= ";
+  PARLEND_TRACE(kInfo)
+      << "=============================== FPGAReport_init Finish ============================= ";
   return 0;
 }
 

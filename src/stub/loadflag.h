@@ -5,7 +5,8 @@ namespace ORVE_MCUC {
 
 bool fpgaLoadFlagExists();
 
-// Returns when the flag file exists, when something happened in its directory, or after a second at the latest.
+// Returns when the flag file exists, when something happened in its directory, or after a second at the
+// latest.
 void waitForFpgaLoadFlag();
 
 }  // namespace ORVE_MCUC

@@ -11,8 +11,8 @@ namespace {
 
 constexpr uint16_t kChecksumSeed = 0x5555;
 
-// Sum of bytes, modulo 65536. Eight bytes at a time: each word is added as four 16-bit lanes, which take 128 words
-// before one could overflow.
+// Sum of bytes, modulo 65536. Eight bytes at a time: each word is added as four 16-bit lanes, which take 128
+// words before one could overflow.
 uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
   constexpr uint64_t kEvenBytes = 0x00FF00FF00FF00FF;
   constexpr std::size_t kWordsPerRound = 128;
@@ -33,7 +33,9 @@ uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
   return static_cast<uint16_t>(sum);
 }
 
-uint16_t wordAt(const unsigned char* bytes) { return TOLM_MAKEWD(bytes[1], bytes[0]); }
+uint16_t wordAt(const unsigned char* bytes) {
+  return TOLM_MAKEWD(bytes[1], bytes[0]);
+}
 
 }  // namespace
 
@@ -50,9 +52,13 @@ MCUCMsg::MCUCMsg(uint16_t header, uint8_t ack, uint8_t labels, uint8_t source, u
       m_ucCode(code),
       m_uiRegisterUnitAddress(registerAddress) {}
 
-int MCUCMsg::Encode(unsigned char*, unsigned int) { return kErrThread; }
+int MCUCMsg::Encode(unsigned char*, unsigned int) {
+  return kErrThread;
+}
 
-int MCUCMsg::Decode(unsigned char*, int&) { return kErrThread; }
+int MCUCMsg::Decode(unsigned char*, int&) {
+  return kErrThread;
+}
 
 void MCUCMsg::CaculCheckout(const unsigned char* buffer, int start, int count, unsigned short* out) {
   const uint16_t sum = count > 0 ? byteSum(buffer + start, static_cast<std::size_t>(count)) : uint16_t{0};
@@ -71,8 +77,8 @@ bool MCUCMsg::Checkout(const unsigned char* frame, int length) {
 
 int MCUCMsg::DecodeHeader(const unsigned char* frame, int length) {
   if (frame == nullptr || length < kFrameMinimum) {
-    PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = " << length
-                          << "pData = " << static_cast<const void*>(frame);
+    PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = "
+                          << length << "pData = " << static_cast<const void*>(frame);
     return -1;
   }
   m_usHeader = wordAt(frame);
@@ -115,8 +121,8 @@ int ThirdProtoMCUCMsg::Decode(const unsigned char* frame, int length) {
   if (const int failed = DecodeHeader(frame, length)) return failed;
   if (m_ucCode == kCodeWrite) {
     if (length < kFrameMinimum + m_usValidDataLength) {
-      PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = " << length
-                            << "pData = " << static_cast<const void*>(frame);
+      PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = "
+                            << length << "pData = " << static_cast<const void*>(frame);
       return -1;
     }
     const unsigned char* data = frame + kFrameHeadLength;

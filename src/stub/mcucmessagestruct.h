@@ -1,5 +1,5 @@
-// The frame of the third protocol, its checksum and codec, the transport head in front of it, and the record in
-// which one request, reply or notification travels through the daemon. Values only: any thread.
+// The frame of the third protocol, its checksum and codec, the transport head in front of it, and the record
+// in which one request, reply or notification travels through the daemon. Values only: any thread.
 #pragma once
 
 #include <cstdint>
@@ -15,15 +15,18 @@ inline constexpr int TP_SEND_BUFFER_LENGTH = 65536;
 inline constexpr int GENERAL_RECV_BUFFER_LENGTH = 65536;
 inline constexpr int DATA_BLOCK_LENGTH = 65536;
 
-inline constexpr int kFrameHeadLength = 18;     // bytes in front of the data
-inline constexpr int kFrameMinimum = 20;        // head and checksum
+inline constexpr int kFrameHeadLength = 18;  // bytes in front of the data
+inline constexpr int kFrameMinimum = 20;     // head and checksum
 inline constexpr uint8_t kCodeRead = 0;
 inline constexpr uint8_t kCodeWrite = 1;
 inline constexpr uint8_t kReplyCarriesData = 0xFF;  // in m_ucReserved: a write's reply repeats its data
 
-constexpr uint16_t TOLM_MAKEWD(uint8_t hi, uint8_t lo) { return static_cast<uint16_t>(hi << 8 | lo); }
+constexpr uint16_t TOLM_MAKEWD(uint8_t hi, uint8_t lo) {
+  return static_cast<uint16_t>(hi << 8 | lo);
+}
 constexpr uint32_t TOLM_MAKEDW(uint8_t b3, uint8_t b2, uint8_t b1, uint8_t b0) {
-  return static_cast<uint32_t>(b3) << 24 | static_cast<uint32_t>(b2) << 16 | static_cast<uint32_t>(b1) << 8 | b0;
+  return static_cast<uint32_t>(b3) << 24 | static_cast<uint32_t>(b2) << 16 | static_cast<uint32_t>(b1) << 8 |
+         b0;
 }
 constexpr void TOLM_ENCWD(unsigned char* p, uint16_t w) {
   p[0] = static_cast<unsigned char>(w);
@@ -42,8 +45,8 @@ constexpr void TOLM_ENCDW(unsigned char* p, uint32_t d) {
 class MCUCMsg {
  public:
   MCUCMsg() = default;
-  MCUCMsg(uint16_t header, uint8_t ack, uint8_t labels, uint8_t source, uint8_t destination, uint8_t deviceType,
-          uint8_t port, uint16_t board, uint8_t code, uint32_t registerAddress);
+  MCUCMsg(uint16_t header, uint8_t ack, uint8_t labels, uint8_t source, uint8_t destination,
+          uint8_t deviceType, uint8_t port, uint16_t board, uint8_t code, uint32_t registerAddress);
   MCUCMsg(const MCUCMsg&) = default;
   MCUCMsg& operator=(const MCUCMsg&) = default;
   virtual ~MCUCMsg() = default;
@@ -56,8 +59,8 @@ class MCUCMsg {
   // 0x5555 plus the bytes start .. start + count - 1, kept to 16 bits.
   static void CaculCheckout(const unsigned char* buffer, int start, int count, unsigned short* out);
 
-  // The 18 bytes in front of the data, and the checksum at the end of a decoded frame. 0, or -1 for no buffer or
-  // fewer than 20 bytes.
+  // The 18 bytes in front of the data, and the checksum at the end of a decoded frame. 0, or -1 for no buffer
+  // or fewer than 20 bytes.
   int DecodeHeader(const unsigned char* frame, int length);
   int EncodeHeader(unsigned char* buffer, int size);
 
@@ -91,10 +94,10 @@ class ThirdProtoMCUCMsg : public MCUCMsg {
 
 // The 28-byte transport head as it lies in front of a frame, little-endian like the target.
 struct ipcHeaderInfo {
-  uint32_t uiid = 0;           // the peer: requester of a request and its reply, target of a notification
+  uint32_t uiid = 0;  // the peer: requester of a request and its reply, target of a notification
   uint32_t labelCount = 0;
   uint32_t size = 0;
-  uint32_t result = 0;         // in a reply: the acknowledge code
+  uint32_t result = 0;  // in a reply: the acknowledge code
   uint32_t detail = 0;
   uint16_t smallLabel = 0;     // 0 or 1 register request, 3 data interrupt
   uint16_t largeLabel = 0;     // kThirdProtocolLabel for frames
@@ -123,8 +126,8 @@ inline constexpr uint16_t kThirdProtocolLabel = 0x1C;
 // One request, reply or notification.
 struct IMD_proto3rd {
   ThirdProtoMCUCMsg proto;
-  int32_t seqNum = 0;        // -1 in notifications
-  uint32_t processID = 0;    // task that an unsolicited message is sent to
+  int32_t seqNum = 0;      // -1 in notifications
+  uint32_t processID = 0;  // task that an unsolicited message is sent to
   ipcHeaderInfo ipcHeader;
 };
 

@@ -18,7 +18,8 @@ void* threadProc(void* self) {
 McuIMDThread::McuIMDThread() : m_vectorUIIDs{taskOf(kServiceLsd)} {}
 
 int McuIMDThread::Init() {
-  PARLEND_TRACE(kInfo) << "McuIMDThread: Init apipc, result = " << 0 << " type = " << "parlend";
+  PARLEND_TRACE(kInfo) << "McuIMDThread: Init apipc, result = " << 0 << " type = "
+                       << "parlend";
   m_ready.store(true, std::memory_order_release);
   if (const int failed = CreateThread(m_apipc, &threadProc<&McuIMDThread::ApipcMsg>)) return failed;
   if (const int failed = CreateThread(m_recv, &threadProc<&McuIMDThread::RecvMsg>)) return failed;

@@ -1,5 +1,5 @@
-// The message channel: receives requests, sends replies and notifications, and runs the 200 ms tick. Three threads;
-// SendMsg and ReplyMsgNew may be called from any.
+// The message channel: receives requests, sends replies and notifications, and runs the 200 ms tick. Three
+// threads; SendMsg and ReplyMsgNew may be called from any.
 #pragma once
 
 #include <pthread.h>
@@ -61,8 +61,8 @@ class McuIMDThread {
   Worker m_apipc;
   Worker m_recv;
   Worker m_flag;
-  std::atomic<bool> m_ready{false};      // the message service has been initialised
-  std::vector<uint32_t> m_vectorUIIDs;   // peers seen so far; receive thread only
+  std::atomic<bool> m_ready{false};     // the message service has been initialised
+  std::vector<uint32_t> m_vectorUIIDs;  // peers seen so far; receive thread only
 };
 
 }  // namespace ORVE_MCUC

@@ -113,7 +113,8 @@ int McuIMDThread::takeMessage() {
   return 0;
 }
 
-int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label, const unsigned char* frame) {
+int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label,
+                                   const unsigned char* frame) {
   PARLEND_TRACE(kInfo) << "============================= Begin Deal DataBlock ==============================";
   if (frame == nullptr) {
     PARLEND_TRACE(kError) << "=== dealDataBlock ===Deal DataBlock: data block is null! return.";
@@ -122,7 +123,8 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
   const int length = static_cast<int>(label->size);
   if (tracePasses(kInfo)) {
     const HexText<DATA_BLOCK_LENGTH> text(frame, length);
-    PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length << " the Data = " << text.c_str();
+    PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length
+                         << " the Data = " << text.c_str();
   }
   IMD_proto3rd request;
   uint8_t ack = kAckDone;
@@ -135,13 +137,15 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
     return failed;
   }
   request.proto.m_ucAck = ack;
-  request.ipcHeader = {head->ui_id,  head->lbl_cnt, head->size, head->result,
+  request.ipcHeader = {head->ui_id,  head->lbl_cnt, head->size,   head->result,
                        head->detail, label->small,  label->large, 0};
   StubUtil::getInstance()->onDataRecvFromIMDNew(&request);
   rememberPeer(head->ui_id);
   if (request.proto.m_ucCode == kCodeWrite) {
-    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = " << "begin";
-    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = " << "finish";
+    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = "
+                         << "begin";
+    PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = "
+                         << "finish";
   }
   if (head->ui_id != m_vectorUIIDs.front() && request.proto.m_ucSourceAddress == kSourceOfTools) {
     PARLEND_TRACE(kInfo) << "\t********DevComLinkState == 1 *********";

@@ -19,13 +19,12 @@ struct Words {
   const char* shortData;
 };
 
-constexpr Words kReply{
-    "=============================== Begin reply Message =============================",
-    "=============================== Finish reply Message ============================",
-    "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
-    "ReplyMsg: reply message successfully. ret = ",
-    " ReplyMsg: the data = ",
-    "ReplyMsg: length <200. the data = "};
+constexpr Words kReply{"=============================== Begin reply Message =============================",
+                       "=============================== Finish reply Message ============================",
+                       "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
+                       "ReplyMsg: reply message successfully. ret = ",
+                       " ReplyMsg: the data = ",
+                       "ReplyMsg: length <200. the data = "};
 constexpr Words kNotification{
     "================================ Begin Send Message =============================",
     "================================ Finish Send Message ============================",
@@ -79,7 +78,9 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
 
 }  // namespace
 
-int McuIMDThread::ReplyMsgNew(IMD_proto3rd* request) { return sendFrame(*request, taskOf(kServiceSend), kReply); }
+int McuIMDThread::ReplyMsgNew(IMD_proto3rd* request) {
+  return sendFrame(*request, taskOf(kServiceSend), kReply);
+}
 
 int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
   if (!m_ready.load(std::memory_order_acquire)) {
@@ -89,6 +90,8 @@ int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
   return sendFrame(*message, message->processID, kNotification);
 }
 
-int McuIMDThread::SendMsg(IMD_proto3rd message) { return SendMsgNew(&message); }
+int McuIMDThread::SendMsg(IMD_proto3rd message) {
+  return SendMsgNew(&message);
+}
 
 }  // namespace ORVE_MCUC

@@ -1,5 +1,5 @@
-// One item of deferred work. Made by the register space that queues it, owned by the queue from the moment it is
-// added, deleted after its handler has run.
+// One item of deferred work. Made by the register space that queues it, owned by the queue from the moment it
+// is added, deleted after its handler has run.
 #pragma once
 
 #include <cstdint>
@@ -19,11 +19,12 @@ class MCUProcessDataBlock {
   char* getData() { return m_data.get(); }
   int getDataLen() const { return m_dataLen; }
 
-  ipcHeaderInfo ipcHeader;   // the request's transport head
-  int32_t m_key = 0;         // selects the handler
+  ipcHeaderInfo ipcHeader;  // the request's transport head
+  int32_t m_key = 0;        // selects the handler
   uint32_t m_result = 0;
 
-  // Makes room for a payload of length bytes, zeroed, to be filled in place. Null for a length that is refused.
+  // Makes room for a payload of length bytes, zeroed, to be filled in place. Null for a length that is
+  // refused.
   char* allocate(int length);
 
  private:

@@ -5,9 +5,13 @@
 
 namespace ORVE_MCUC {
 
-McuProcessThread::~McuProcessThread() { UnInit(); }
+McuProcessThread::~McuProcessThread() {
+  UnInit();
+}
 
-int McuProcessThread::Init() { return CreateThread(); }
+int McuProcessThread::Init() {
+  return CreateThread();
+}
 
 int McuProcessThread::CreateThread() {
   const int result = startDetachedThread("McuProcessThread::", &ThreadProc, this, m_dwMcuProcessThreadID);

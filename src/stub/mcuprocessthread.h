@@ -1,5 +1,5 @@
-// The deferred work queue and the one thread that works it off. addMessageToList may be called from any thread,
-// handlers included; items wait until the thread runs.
+// The deferred work queue and the one thread that works it off. addMessageToList may be called from any
+// thread, handlers included; items wait until the thread runs.
 #pragma once
 
 #include <pthread.h>
@@ -49,7 +49,7 @@ class McuProcessThread {
   int32_t m_iStatus = 0;
   CMutexThreadRecursive m_processLstMenux;
   std::list<std::unique_ptr<MCUProcessDataBlock>> m_messageList;
-  std::atomic<int> m_signals{0};    // additions and exit requests, counted; the idle thread waits for a change
+  std::atomic<int> m_signals{0};  // additions and exit requests, counted; the idle thread waits for a change
   std::atomic<int> m_producers{0};  // threads that are appending right now
 };
 

@@ -24,13 +24,14 @@ void McuProcessThread::doProcess() {
 bool McuProcessThread::processOldest() {
   CMutexGuardT<CMutexThreadRecursive> guard(m_processLstMenux);
   if (m_messageList.empty()) return false;
-  if (MCUProcessDataBlock* item = m_messageList.front().get()) Tprocess_ctl::getInstance()->onProcessDealwith(item);
+  if (MCUProcessDataBlock* item = m_messageList.front().get())
+    Tprocess_ctl::getInstance()->onProcessDealwith(item);
   m_messageList.pop_front();
   return true;
 }
 
-// A released mutex goes to whoever runs, which is this thread: without this step a producer would wait until the
-// queue is empty, not until the running handler returns.
+// A released mutex goes to whoever runs, which is this thread: without this step a producer would wait until
+// the queue is empty, not until the running handler returns.
 void McuProcessThread::admitProducers() {
   if (const int waiting = m_producers.load()) m_producers.wait(waiting);
 }

@@ -21,8 +21,12 @@ StubUtil::StubUtil()
 
 StubUtil::~StubUtil() = default;
 
-int StubUtil::SendMsg(IMD_proto3rd message) { return m_McuIMDThreadPtr->SendMsg(std::move(message)); }
+int StubUtil::SendMsg(IMD_proto3rd message) {
+  return m_McuIMDThreadPtr->SendMsg(std::move(message));
+}
 
-void StubUtil::addMessageToList(MCUProcessDataBlock* item) { m_McuProcessThreadPtr->addMessageToList(item); }
+void StubUtil::addMessageToList(MCUProcessDataBlock* item) {
+  m_McuProcessThreadPtr->addMessageToList(item);
+}
 
 }  // namespace ORVE_MCUC

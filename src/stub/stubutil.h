@@ -21,8 +21,8 @@ class StubUtil {
   StubUtil(const StubUtil&) = delete;
   StubUtil& operator=(const StubUtil&) = delete;
 
-  // Brings up services and threads in their order. False when a thread could not be started: those after it are
-  // not started either.
+  // Brings up services and threads in their order. False when a thread could not be started: those after it
+  // are not started either.
   bool initialize();
 
   // Sends an unsolicited message to the task in its processID; any thread. 0 or a channel code.
@@ -49,8 +49,8 @@ class StubUtil {
   std::shared_ptr<McuIMDThread> m_McuIMDThreadPtr;
   std::shared_ptr<McuProcessThread> m_McuProcessThreadPtr;
   std::shared_ptr<FpgaReportThread> m_FpgaReportThreadPtr;
-  CMutexThread m_stubMenux;              // held from the routing of a request until its reply is sent
-  const uint8_t m_DeviceSequseID = 0;    // the destination address that this daemon answers to
+  CMutexThread m_stubMenux;            // held from the routing of a request until its reply is sent
+  const uint8_t m_DeviceSequseID = 0;  // the destination address that this daemon answers to
 };
 
 }  // namespace ORVE_MCUC

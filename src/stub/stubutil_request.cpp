@@ -20,8 +20,8 @@ int StubUtil::onDataRecvFromIMDNew(IMD_proto3rd* request) {
 
 bool StubUtil::checkSelfDeviceRequestNew(IMD_proto3rd* request) {
   const uint8_t destination = request->proto.m_ucDestinationAddrerss;
-  PARLEND_TRACE(kInfo) << "Check sequence number, protoReply m_ucDestinationAddrerss = " << CTrace::hex << destination
-                       << ", sequse id = " << CTrace::hex << m_DeviceSequseID;
+  PARLEND_TRACE(kInfo) << "Check sequence number, protoReply m_ucDestinationAddrerss = " << CTrace::hex
+                       << destination << ", sequse id = " << CTrace::hex << m_DeviceSequseID;
   if (destination != m_DeviceSequseID) {
     PARLEND_TRACE(kError) << "=== checkSelfDeviceRequest ===Not this TALVOR's Msg, addr = " << CTrace::hex
                           << destination << " sequse id = " << CTrace::hex << m_DeviceSequseID;

@@ -42,8 +42,14 @@ void StubUtil::SetParlendVersion(const char* version) {
   sysconf_closeenv();
 }
 
-bool StubUtil::creatIMDComm() { return m_McuIMDThreadPtr->Init() == 0; }
-bool StubUtil::creatProcess() { return m_McuProcessThreadPtr->Init() == 0; }
-bool StubUtil::creatFpgaReport() { return m_FpgaReportThreadPtr->Init() == 0; }
+bool StubUtil::creatIMDComm() {
+  return m_McuIMDThreadPtr->Init() == 0;
+}
+bool StubUtil::creatProcess() {
+  return m_McuProcessThreadPtr->Init() == 0;
+}
+bool StubUtil::creatFpgaReport() {
+  return m_FpgaReportThreadPtr->Init() == 0;
+}
 
 }  // namespace ORVE_MCUC

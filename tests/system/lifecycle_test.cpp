@@ -51,6 +51,9 @@ struct Level {
   const char* argument;
   bool error, debug, info;
 };
+void PrintTo(const Level& level, std::ostream* out) {
+  *out << '"' << level.argument << '"';
+}
 
 class LevelTest : public SystemTest, public testing::WithParamInterface<Level> {
  protected:

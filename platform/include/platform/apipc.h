@@ -28,7 +28,8 @@ typedef int (*apipc_recv_cb)(struct __apsess_st* peer, void* unused, apipc_msg_t
 /* The board's card bit, 0..255. */
 unsigned char apcard_bit_self(void);
 
-/* Announces this process under its own task identifier. Returns 0, or negative when the service is not there. */
+/* Announces this process under its own task identifier. Returns 0, or negative when the service is not there.
+ */
 int apipc_init(uint32_t task, int flags);
 
 /* Blocks and calls back once per arriving message; may return at any time and is then called again. */

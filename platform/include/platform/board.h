@@ -1,6 +1,6 @@
 /*
- * Our own small calls beside the device's libraries: paths, shell and clock. On a development machine they keep
- * the daemon inside its board directory; on the device they are the system's own.
+ * Our own small calls beside the device's libraries: paths, shell and clock. On a development machine they
+ * keep the daemon inside its board directory; on the device they are the system's own.
  */
 #ifndef PLATFORM_BOARD_H
 #define PLATFORM_BOARD_H
@@ -14,8 +14,8 @@ extern "C" {
 #endif
 
 /* Brings the board up. Called once, first thing in main, before any other platform call; argv is kept for a
- * reboot of the simulated board. Does not return when the board cannot be used: says why on standard error and
- * ends the process with status 2. */
+ * reboot of the simulated board. Does not return when the board cannot be used: says why on standard error
+ * and ends the process with status 2. */
 void board_start(int argc, char** argv);
 
 /* Where a device path lies on this machine, zero-terminated. 0: done; -1: it does not fit into size bytes. */
@@ -24,8 +24,9 @@ int board_path(const char* device_path, char* path, size_t size);
 /* Runs a command line and waits for it: its exit status, or -1 when it could not be run. */
 int board_shell(const char* command);
 
-/* Runs a command line and reads the first line that it prints (at most size - 1 characters, line end included).
- * Returns the number of characters, 0 when there was no output, -1 when the command could not be started. */
+/* Runs a command line and reads the first line that it prints (at most size - 1 characters, line end
+ * included). Returns the number of characters, 0 when there was no output, -1 when the command could not be
+ * started. */
 int board_shell_line(const char* command, char* line, size_t size);
 
 /* The board's clock: seconds and nanoseconds since 1970. */

@@ -42,12 +42,13 @@ typedef struct recvcard_mesg {
   uint32_t RegisterAddr; /* register on the card */
   uint16_t length;       /* number of data bytes */
   uint32_t data;         /* not filled: the data are an argument of their own */
-  uint16_t checksum;     /* sum of the bytes of the fields up to length, and of a write's data, modulo 65536 */
+  uint16_t checksum; /* sum of the bytes of the fields up to length, and of a write's data, modulo 65536 */
 } recvcard_mesg;
 #pragma pack(pop)
 
 /* Reads the record's length bytes from a card. 0: they are in the buffer; anything else: no answer. */
-int ReadFPGAformRecvCard(unsigned char bus, recvcard_mesg* request, unsigned char port, unsigned char* buffer);
+int ReadFPGAformRecvCard(unsigned char bus, recvcard_mesg* request, unsigned char port,
+                         unsigned char* buffer);
 
 /* Hands the record's length data bytes to the port. 0: sent. */
 int WriteFPGAToRecvCard(unsigned char bus, recvcard_mesg* request, unsigned char port, unsigned char* data);

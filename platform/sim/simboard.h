@@ -1,15 +1,18 @@
-// The simulated board as its rooms see it: where things lie, which calls are to fail, what the journal says.
+// The simulated board as its rooms see it: where things lie, which calls are to fail, what is plugged in.
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 
 namespace simboard {
 
+struct BoardConf;
+
 // Absolute path of something in the board directory.
 std::string path(std::string_view relative);
+// Where a device path lies: below the board directory, whatever ".." it contains.
+std::string devicePath(std::string_view path);
 
 // Kinds of calls that control.bin can make fail, in the order of its counters.
 enum class Fault {
@@ -28,21 +31,24 @@ enum class Fault {
   EdidRead,
   EdidLoad,
   NetCall,
-  MessageQueue
+  MessageQueue,
 };
 // True when this call is to fail; counts it down.
 bool takeFault(Fault kind);
 
 unsigned char cardBit();
-// Values of board.conf.
-const std::map<std::string, std::string>& conf();
+const BoardConf& conf();
 
-// Appends one line, stamped, in one write. Nothing while the journal is off.
-void journal(const std::string& line);
-std::string hexWord(uint32_t value);
-std::string hexBytes(const unsigned char* bytes, size_t count);
+// What control.bin holds of the sensor at that place in board.conf.
+uint32_t sensorLux(std::size_t index);
 
-void powerOn();
-void reboot();
+// Stores a value in the environment without a journal line of its own. 0: stored.
+int storeEnvironment(const std::string& key, const std::string& value);
+
+// Switches the board off and on and starts the daemon's program again; does not return.
+[[noreturn]] void reboot();
+
+// Leaves the board directory, for a test that goes on with another one. No other call may be running.
+void stop();
 
 }  // namespace simboard

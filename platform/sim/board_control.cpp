@@ -1,0 +1,78 @@
+#include "board_control.h"
+
+#include <sys/mman.h>
+
+#include <atomic>
+#include <cstring>
+
+#include "board_conf.h"
+#include "board_files.h"
+#include "board_journal.h"
+#include "platform/board.h"
+#include "simboard.h"
+
+namespace simboard {
+namespace {
+
+constexpr char kMark[] = "PLBOARD1";
+constexpr uint32_t kAlways = 0xFFFFFFFF;
+
+struct ControlPage {
+  char mark[8];
+  std::atomic<int64_t> clockOffset;
+  std::atomic<uint32_t> faults[16];
+  unsigned char reserved[176];
+  std::atomic<uint32_t> lux[32];
+};
+static_assert(offsetof(ControlPage, clockOffset) == 8 && offsetof(ControlPage, faults) == 16 &&
+              offsetof(ControlPage, lux) == 256);
+constexpr std::size_t kPageSize = 4096;
+
+ControlPage* page = nullptr;
+
+}  // namespace
+
+bool openControl() {
+  page = static_cast<ControlPage*>(mapFile(path("hw/control.bin"), kPageSize));
+  if (page == nullptr) return false;
+  if (std::memcmp(page->mark, kMark, sizeof page->mark) == 0) return true;
+  std::memcpy(page->mark, kMark, sizeof page->mark);
+  const auto& sensors = conf().sensors;
+  for (std::size_t i = 0; i < sensors.size(); ++i) page->lux[i] = sensors[i].lux;
+  return true;
+}
+
+void closeControl() {
+  if (page != nullptr) munmap(page, kPageSize);
+  page = nullptr;
+}
+
+bool takeFault(Fault kind) {
+  if (page == nullptr) return false;
+  auto& counter = page->faults[static_cast<std::size_t>(kind)];
+  for (uint32_t left = counter.load(std::memory_order_relaxed); left != 0;) {
+    if (left == kAlways || counter.compare_exchange_weak(left, left - 1)) return true;
+  }
+  return false;
+}
+
+uint32_t sensorLux(std::size_t index) {
+  return page->lux[index].load(std::memory_order_relaxed);
+}
+
+}  // namespace simboard
+
+using namespace simboard;
+
+void board_clock(timespec* now) {
+  clock_gettime(CLOCK_REALTIME, now);
+  if (page != nullptr) now->tv_sec += static_cast<time_t>(page->clockOffset.load(std::memory_order_relaxed));
+}
+
+int board_clock_set(time_t seconds) {
+  timespec host{};
+  clock_gettime(CLOCK_REALTIME, &host);
+  page->clockOffset.store(static_cast<int64_t>(seconds) - host.tv_sec);
+  if (journalsWrites()) JournalLine("clock-set").word(std::to_string(seconds));
+  return 0;
+}

@@ -1,0 +1,93 @@
+#include "board_flash.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "board_files.h"
+#include "board_journal.h"
+#include "platform/driver.h"
+#include "simboard.h"
+
+namespace simboard {
+namespace {
+
+constexpr std::size_t kFlashSize = std::size_t{32} << 20;
+constexpr char kFlash[] = "hw/flash.bin";
+constexpr char kFactory[] = "usr/orve/etc/sysconf/kespara_factory";
+constexpr char kFactoryCopy[] = "usr/orve/etc/sysconf/kespara_factory_tmp";
+constexpr off_t kShortcutDefaultsAt = 0xC20030;
+constexpr unsigned char kShortcutDefaults[] = {0, 1, 1, 1};
+
+int flashFile = -1;
+
+bool inFlash(uint32_t address, uint32_t length) {
+  return address <= kFlashSize && length <= kFlashSize - address;
+}
+
+bool writeWhole(int file, uint32_t address, uint32_t length, const unsigned char* data) {
+  return pwrite(file, data, length, static_cast<off_t>(address)) == static_cast<ssize_t>(length);
+}
+
+bool createFactoryImage() {
+  if (access(path(kFactory).c_str(), F_OK) == 0) return true;
+  const int file = openSized(path(kFactory), kFlashSize);
+  if (file < 0) return false;
+  const bool written = pwrite(file, kShortcutDefaults, sizeof kShortcutDefaults, kShortcutDefaultsAt) ==
+                       static_cast<ssize_t>(sizeof kShortcutDefaults);
+  close(file);
+  return written;
+}
+
+}  // namespace
+
+bool openFlash() {
+  flashFile = openSized(path(kFlash), kFlashSize);
+  return flashFile >= 0 && createFactoryImage();
+}
+
+void closeFlash() {
+  if (flashFile >= 0) close(flashFile);
+  flashFile = -1;
+}
+
+void switchFlashOff() {
+  std::rename(path(kFactoryCopy).c_str(), path(kFlash).c_str());
+}
+
+}  // namespace simboard
+
+using namespace simboard;
+
+int Flash_Init(void) {
+  return 0;
+}
+
+int ReadDataFromFlashx(uint32_t address, uint32_t length, unsigned char* buffer) {
+  const bool failed =
+      takeFault(Fault::FlashRead) || !inFlash(address, length) ||
+      pread(flashFile, buffer, length, static_cast<off_t>(address)) != static_cast<ssize_t>(length);
+  if (journalsReads()) JournalLine("flash-read").address(address).number(length).failedIf(failed);
+  return failed ? -1 : 0;
+}
+
+int WriteDataToFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
+  const bool failed = takeFault(Fault::FlashWrite) || !inFlash(address, length) ||
+                      !writeWhole(flashFile, address, length, data);
+  if (journalsWrites()) {
+    JournalLine("flash-write").address(address).number(length).bytes({data, length}).failedIf(failed);
+  }
+  return failed ? -1 : 0;
+}
+
+int WriteDataToFactoryTmpFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
+  const int file = open(path(kFactoryCopy).c_str(), O_RDWR | O_CLOEXEC);
+  const bool failed = takeFault(Fault::FactoryWrite) || file < 0 || !inFlash(address, length) ||
+                      !writeWhole(file, address, length, data);
+  if (file >= 0) close(file);
+  if (journalsWrites()) {
+    JournalLine("factory-write").address(address).number(length).bytes({data, length}).failedIf(failed);
+  }
+  return failed ? -1 : 0;
+}

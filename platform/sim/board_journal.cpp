@@ -1,0 +1,97 @@
+#include "board_journal.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+#include "simboard.h"
+
+namespace simboard {
+namespace {
+
+constexpr char kStartMark[] = "PARLEND_BOARD_STARTED_US";
+constexpr std::size_t kBytesShown = 64;
+
+std::atomic<JournalLevel> journalLevel{JournalLevel::Off};
+int file = -1;
+long long startedUs = 0;
+
+long long monotonicUs() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<long long>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
+}
+
+}  // namespace
+
+void openJournal(JournalLevel level, bool goOn) {
+  const char* first = std::getenv(kStartMark);
+  startedUs = goOn && first != nullptr ? std::atoll(first) : monotonicUs();
+  setenv(kStartMark, std::to_string(startedUs).c_str(), 1);
+  if (level == JournalLevel::Off) return;
+  const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (goOn ? 0 : O_TRUNC);
+  file = open(path("hw/journal.log").c_str(), flags, 0600);
+  if (file >= 0) journalLevel = level;
+}
+
+void closeJournal() {
+  journalLevel = JournalLevel::Off;
+  if (file >= 0) close(file);
+  file = -1;
+}
+
+bool journalsWrites() {
+  return journalLevel.load(std::memory_order_relaxed) != JournalLevel::Off;
+}
+bool journalsReads() {
+  return journalLevel.load(std::memory_order_relaxed) == JournalLevel::All;
+}
+
+JournalLine::~JournalLine() {
+  const long long us = monotonicUs() - startedUs;
+  char stamp[48];
+  std::snprintf(stamp, sizeof stamp, "%lld.%06lld ", us / 1'000'000, us % 1'000'000);
+  text_.insert(0, stamp);
+  text_ += '\n';
+  // A journal on a full disk is no reason to stop the board.
+  [[maybe_unused]] const auto written = write(file, text_.data(), text_.size());
+}
+
+JournalLine& JournalLine::word(const std::string& text) {
+  text_ += ' ';
+  text_ += text;
+  return *this;
+}
+
+JournalLine& JournalLine::number(unsigned long long value) {
+  return word(std::to_string(value));
+}
+
+JournalLine& JournalLine::address(uint32_t value) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08lx", static_cast<unsigned long>(value));
+  return word(text);
+}
+
+JournalLine& JournalLine::bytes(std::span<const unsigned char> data) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  const auto shown = data.first(std::min(data.size(), kBytesShown));
+  text_ += ' ';
+  for (const unsigned char byte : shown) {
+    text_ += kDigits[byte >> 4];
+    text_ += kDigits[byte & 0x0F];
+  }
+  if (data.size() > shown.size()) text_ += '+' + std::to_string(data.size() - shown.size());
+  return *this;
+}
+
+JournalLine& JournalLine::failedIf(bool failed) {
+  if (failed) text_ += " failed";
+  return *this;
+}
+
+}  // namespace simboard

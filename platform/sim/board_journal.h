@@ -1,0 +1,39 @@
+// hw/journal.log: what the daemon did to the board, in order. One line a call, appended whole.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "board_conf.h"
+
+namespace simboard {
+
+// Opens the journal: anew, or going on after a reboot with the time of the first start.
+void openJournal(JournalLevel level, bool goOn);
+void closeJournal();
+
+// Whether calls that change something, or that only read, are journaled: asked before a line is composed.
+bool journalsWrites();
+bool journalsReads();
+
+// One line, composed piece by piece and appended when it goes out of scope.
+class JournalLine {
+ public:
+  explicit JournalLine(const char* call) : text_(call) {}
+  ~JournalLine();
+  JournalLine(const JournalLine&) = delete;
+  JournalLine& operator=(const JournalLine&) = delete;
+
+  JournalLine& word(const std::string& text);
+  JournalLine& number(unsigned long long value);
+  JournalLine& address(uint32_t value);
+  // The first 64 bytes and how many more there are.
+  JournalLine& bytes(std::span<const unsigned char> data);
+  JournalLine& failedIf(bool failed);
+
+ private:
+  std::string text_;
+};
+
+}  // namespace simboard

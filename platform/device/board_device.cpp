@@ -1,0 +1,56 @@
+// The real board: paths as they stand, the system's own shell and clock.
+#include <sys/time.h>
+#include <sys/wait.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+#include "platform/apipc.h"
+#include "platform/board.h"
+
+namespace {
+
+/** The exit status of a finished command; -1 when it did not end by itself. */
+int exitStatus(int status) {
+  return status != -1 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+void board_start(int /*argc*/, char** /*argv*/) {}
+
+int board_path(const char* device_path, char* path, size_t size) {
+  const size_t length = std::strlen(device_path);
+  if (length >= size) return -1;
+  std::memcpy(path, device_path, length + 1);
+  return 0;
+}
+
+int board_shell(const char* command) {
+  return exitStatus(std::system(command));
+}
+
+int board_shell_line(const char* command, char* line, size_t size) {
+  std::FILE* output = popen(command, "re");
+  if (!output) return -1;
+  const bool any = std::fgets(line, static_cast<int>(size), output) != nullptr;
+  pclose(output);
+  return any ? static_cast<int>(std::strlen(line)) : 0;
+}
+
+void board_clock(struct timespec* now) {
+  clock_gettime(CLOCK_REALTIME, now);
+}
+
+int board_clock_set(time_t seconds) {
+  const timeval time{seconds, 0};
+  return settimeofday(&time, nullptr);
+}
+
+// The device's library has no call that waits for a message.
+void apipc_que_wait(int /*timeout_ms*/) {
+  std::this_thread::sleep_for(std::chrono::microseconds(100));
+}

@@ -9,7 +9,7 @@ const bool kHaveModbus = false;
 ModbusPeer::ModbusPeer(int /*port*/) {
   throw std::runtime_error("libmodbus is not installed");
 }
-ModbusPeer::~ModbusPeer() = default;
+ModbusPeer::~ModbusPeer() {}
 void ModbusPeer::roundTrip() {}
 double ModbusPeer::medianTrip(int /*count*/) {
   return 0;

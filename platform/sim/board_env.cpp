@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <forward_list>
 #include <fstream>
 #include <map>
 #include <mutex>
@@ -20,6 +21,8 @@ constexpr std::size_t kTextSize = 50;
 
 using Store = std::map<std::string, std::string>;
 std::mutex storeLock;
+// Every text given to this thread stays readable until it closes the store.
+thread_local std::forward_list<std::string> handedOut;
 
 Store readStore() {
   Store store;
@@ -67,17 +70,17 @@ int sysconf_openenv(void) {
   return takeFault(Fault::EnvOpen) ? -1 : 0;
 }
 
-void sysconf_closeenv(void) {}
+void sysconf_closeenv(void) {
+  handedOut.clear();
+}
 
 const char* sysconf_getenv(const char* key) {
-  thread_local std::string value;
   if (journalsReads()) JournalLine("env-get").word(key);
   const std::lock_guard guard(storeLock);
   const Store store = readStore();
   const auto found = store.find(key);
   if (found == store.end()) return nullptr;
-  value = found->second;
-  return value.c_str();
+  return handedOut.emplace_front(found->second).c_str();
 }
 
 int sysconf_setenv(const char* key, const char* value) {

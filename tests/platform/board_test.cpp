@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "board_fixture.h"
+#include "board_flash.h"
 #include "platform/driver.h"
 #include "platform/sysconf.h"
 
@@ -65,19 +66,20 @@ TEST_F(BoardTest, AWrongConfigurationLineIsNamedAndEndsTheStart) {
   const auto wrong = [this](const std::string& conf, const char* message) {
     EXPECT_EXIT(start(conf), testing::ExitedWithCode(2), message);
   };
-  wrong("# cards\n\ncolour = red\n", "board.conf:3: unknown key 'colour'");
-  wrong("card_bit = 256\n", "board.conf:1: '256'");
-  wrong("copper_ports = 0-16\n", "board.conf:1: '16'");
+  wrong("# cards\n\ncolour = red\n", "board.conf:3: unknown key \"colour\"");
+  wrong("card_bit = 256\n", "board.conf:1: .*card_bit");
+  wrong("copper_ports = 0-16\n", "board.conf:1: .*copper_ports");
   wrong("copper_ports = 5-3\n", "board.conf:1:");
-  wrong("cards_per_port = 4x\n", "board.conf:1: '4x'");
+  wrong("cards_per_port = 4x\n", "board.conf:1: .*cards_per_port");
   wrong("input = 0 dvi\n", "board.conf:1:");
-  wrong("sensor = 0 0 1\n", "board.conf:1: a sensor is");
-  wrong("journal\n", "board.conf:1: not a");
+  wrong("sensor = 0 0 1\n", "board.conf:1: .*sensor");
+  wrong("journal\n", "board.conf:1:");
 }
 
 TEST_F(BoardTest, ASecondDaemonIsRefused) {
   start();
-  EXPECT_EXIT(board_start(0, nullptr), testing::ExitedWithCode(2), "another daemon runs on the board in");
+  EXPECT_EXIT(board_start(0, nullptr), testing::ExitedWithCode(2),
+              "another daemon already runs on the board");
 }
 
 TEST_F(BoardTest, ABusWriteLeavesTheStatusRegistersAlone) {
@@ -109,7 +111,7 @@ TEST_F(BoardTest, ContentsOutliveTheDaemonAndThePowerCycleClearsTheBusOnly) {
   EXPECT_EQ(WriteDataToFlashx(0xA3B100, 1, &value), 0);
   startAgain();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(value));
-  std::filesystem::remove(file("hw/powered"));
+  std::filesystem::remove(file("hw/fpga.bin"));
   startAgain();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(0));
   EXPECT_THAT(fpga(0x1F, 1), ElementsAre(0x0F));
@@ -125,7 +127,7 @@ TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
             0);
   EXPECT_EQ(WriteDataToFactoryTmpFlashx(0x200, 1, &after), 0);
   EXPECT_THAT(flash(0x200, 1), ElementsAre(0));
-  std::filesystem::remove(file("hw/powered"));
+  simboard::switchFlashOff();
   startAgain();
   EXPECT_THAT(flash(0x100, 1), ElementsAre(0));
   EXPECT_THAT(flash(0x200, 1), ElementsAre(after));
@@ -193,11 +195,13 @@ TEST_F(BoardTest, TheEnvironmentStoreIsSharedWithTheShellAndKeepsItsLinesWhole) 
   start();
   EXPECT_EQ(board_shell("sysconfig set firstboot 1"), 0);
   ASSERT_EQ(sysconf_openenv(), 0);
-  EXPECT_STREQ(sysconf_getenv("firstboot"), "1");
+  const char* firstboot = sysconf_getenv("firstboot");
+  EXPECT_STREQ(firstboot, "1");
   EXPECT_EQ(sysconf_getenv("device_sn"), nullptr);
   EXPECT_EQ(sysconf_setenv("device_sn", "00000000000000aa"), 0);
   EXPECT_NE(sysconf_setenv("device_sn", "1\nfirstboot=0"), 0);
   EXPECT_STREQ(sysconf_getenv("device_sn"), "00000000000000aa");
+  EXPECT_STREQ(firstboot, "1");
   sysconf_closeenv();
   EXPECT_EQ(text("etc/sysconf.env"), "device_sn=00000000000000aa\nfirstboot=1\n");
 }
@@ -213,7 +217,8 @@ TEST_F(BoardTest, ShellCommandsStayInsideTheBoardDirectory) {
   EXPECT_NE(board_shell("rm -r /log/../../x"), 0);
   EXPECT_NE(board_shell("rm -r /"), 0);
   EXPECT_TRUE(std::filesystem::exists(file("board.conf")));
-  EXPECT_EQ(board_shell("mkdir -p /log/x; touch /tmp/y"), 127);
+  EXPECT_NE(board_shell("mkdir -p /log/x; touch /tmp/y"), 0);
+  EXPECT_FALSE(std::filesystem::exists(file("tmp/y")));
   EXPECT_EQ(board_shell(""), 127);
   char mapped[8];
   EXPECT_EQ(board_path("/log/trace", mapped, sizeof mapped), -1);

@@ -1,0 +1,74 @@
+// The work queue and its thread.
+#include <functional>
+#include <thread>
+
+#include "../platform/board_fixture.h"
+#include "process/tprocess_ctl.h"
+#include "stub/mcuprocessthread.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+// An item that writes one byte of backup information; the journal shows the order of the writes.
+MCUProcessDataBlock* item(uint8_t number, int key = DoBackupInfoKey) {
+  auto* block = new MCUProcessDataBlock;
+  const char bytes[] = {static_cast<char>(number), 0, 0x30, 0x02, 1, 0, static_cast<char>(number)};
+  block->setData(bytes, sizeof bytes);
+  block->m_key = key;
+  return block;
+}
+
+class WorkQueueTest : public BoardTest {
+ protected:
+  void SetUp() override {
+    start();
+    Tprocess_ctl::getInstance()->initialize();
+  }
+  // The bytes that have been written, in their order.
+  std::string written() const {
+    std::string order;
+    for (const auto& line : journal()) {
+      if (line.starts_with("flash-write")) order += line.substr(line.rfind(' ') + 1);
+    }
+    return order;
+  }
+  void waitFor(const std::string& order) {
+    for (int i = 0; i < 2000 && written() != order; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(written(), order);
+  }
+};
+
+TEST_F(WorkQueueTest, ItemsWaitForTheThreadAndAreHandledInTheirOrder) {
+  // The thread is detached: the queue outlives the test, as the daemon's outlives everything.
+  auto& queue = *new McuProcessThread;
+  for (uint8_t number = 1; number <= 3; ++number) queue.addMessageToList(item(number));
+  queue.addMessageToList(nullptr);
+  queue.addMessageToList(item(4, ControllerSortKey));
+  queue.addMessageToList(item(5, 4711));
+  EXPECT_EQ(written(), "");
+  ASSERT_EQ(queue.Init(), 0);
+  waitFor("010203");
+  queue.addMessageToList(item(6));
+  waitFor("01020306");
+  queue.Release();
+}
+
+TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
+  auto& queue = *new McuProcessThread;
+  ASSERT_EQ(queue.Init(), 0);
+  std::vector<std::thread> producers;
+  for (int p = 0; p < 4; ++p) {
+    producers.emplace_back([&queue] {
+      for (int i = 0; i < 250; ++i) queue.addMessageToList(item(7));
+    });
+  }
+  for (auto& producer : producers) producer.join();
+  for (int i = 0; i < 5000 && written().size() < 2000; ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_EQ(written().size(), 2000U);
+  queue.Release();
+}
+
+}  // namespace
+}  // namespace ORVE_MCUC

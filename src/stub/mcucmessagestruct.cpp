@@ -11,23 +11,38 @@ namespace {
 
 constexpr uint16_t kChecksumSeed = 0x5555;
 
-// Sum of bytes, modulo 65536. Eight bytes at a time: each word is added as four 16-bit lanes, which take 128
-// words before one could overflow.
-uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
+uint64_t loadWord(const unsigned char* bytes) {
+  uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+// The bytes of a word as four 16-bit lanes, two bytes added up in each.
+uint64_t pairSums(uint64_t word) {
   constexpr uint64_t kEvenBytes = 0x00FF00FF00FF00FF;
-  constexpr std::size_t kWordsPerRound = 128;
-  uint32_t sum = 0;
-  while (count >= sizeof(uint64_t)) {
-    const std::size_t words = std::min(count / sizeof(uint64_t), kWordsPerRound);
-    uint64_t lanes = 0;
-    for (std::size_t i = 0; i < words; ++i) {
-      uint64_t word;
-      std::memcpy(&word, bytes + i * sizeof word, sizeof word);
-      lanes += (word & kEvenBytes) + (word >> 8 & kEvenBytes);
+  return (word & kEvenBytes) + (word >> 8 & kEvenBytes);
+}
+
+uint16_t laneSum(uint64_t lanes) {
+  return static_cast<uint16_t>(lanes + (lanes >> 16) + (lanes >> 32) + (lanes >> 48));
+}
+
+// Sum of bytes, modulo 65536. Two words at a time, because additions that do not wait for one another
+// overlap; a lane takes 128 words before it could overflow into the next.
+uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
+  constexpr std::size_t kStep = 2 * sizeof(uint64_t);
+  constexpr std::size_t kStepsPerRound = 128;
+  unsigned sum = 0;
+  while (count >= kStep) {
+    const std::size_t steps = std::min(count / kStep, kStepsPerRound);
+    uint64_t first = 0;
+    uint64_t second = 0;
+    for (std::size_t i = 0; i < steps; ++i, bytes += kStep) {
+      first += pairSums(loadWord(bytes));
+      second += pairSums(loadWord(bytes + sizeof(uint64_t)));
     }
-    for (int lane = 0; lane < 64; lane += 16) sum += static_cast<uint16_t>(lanes >> lane);
-    bytes += words * sizeof(uint64_t);
-    count -= words * sizeof(uint64_t);
+    sum += laneSum(first) + laneSum(second);
+    count -= steps * kStep;
   }
   while (count-- > 0) sum += *bytes++;
   return static_cast<uint16_t>(sum);

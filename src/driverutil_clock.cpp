@@ -27,8 +27,10 @@ void setLocalTime(const char* name, Change change) {
     PARLEND_TRACE(kInfo) << name << ": time = " << text;
   }
   change(local);
-  local.tm_isdst = -1;
-  board_clock_set(mktime(&local));
+  const time_t seconds = mktime(&local);
+  if (seconds == static_cast<time_t>(-1) || board_clock_set(seconds) != 0) {
+    PARLEND_TRACE(kError) << "=== " << name << " ===the clock was not set.";
+  }
   PARLEND_TRACE(kInfo) << name << " End.";
 }
 
@@ -47,6 +49,7 @@ void DriverUtil::WriteTime(unsigned char hour, unsigned char minute, unsigned ch
     local.tm_hour = hour;
     local.tm_min = minute;
     local.tm_sec = second;
+    local.tm_isdst = -1;
   });
 }
 
@@ -55,6 +58,7 @@ void DriverUtil::WriteDate(unsigned char year, unsigned char month, unsigned cha
     local.tm_year = year + 100;
     local.tm_mon = month - 1;
     local.tm_mday = day;
+    local.tm_isdst = -1;
   });
 }
 

@@ -47,8 +47,8 @@ int DriverUtil::ReadFpgaStatus(const char* command) {
   char output[kCommandResultSize] = {};
   if (run_command_return_string(command, output) != 0) return kStatusError;
   int status = kStatusError;
-  const auto parsed = std::from_chars(output, output + std::strlen(output), status);
-  if (parsed.ec != std::errc()) return kStatusError;
+  // Output that is no number leaves the status an error.
+  std::from_chars(output, output + std::strlen(output), status);
   PARLEND_TRACE(kInfo) << "=== ====== Read Fpga Status para = " << status << "  =========";
   return status;
 }

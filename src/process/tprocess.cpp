@@ -54,9 +54,15 @@ void logNoData(const HandlerWords& words) {
   PARLEND_TRACE(kError) << "=== " << words.handler << " ===: data block is null! return.";
 }
 
+void logCutShort(const HandlerWords& words, int length) {
+  PARLEND_TRACE(kError) << "=== " << words.handler << " ===: a payload of " << length
+                        << " bytes is shorter than it says! return.";
+}
+
 void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
   PARLEND_TRACE(kInfo) << "============================ Begin " << words.handler
                        << " ===========================";
+  if (words.logsEntry) logEntry(words.handler);
   if (!tracePasses(kInfo)) return;
   const HexText<kKeyLineRoom> text(info.data.data(), info.length);
   PARLEND_TRACE(kInfo) << "Process key: " << words.key << "  Register: " << CTrace::hex << info.Register
@@ -82,9 +88,8 @@ int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
 }
 
 int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
-  logEntry("Sprocess_DoBackupInfo");
   return handlePenetrate(
-      {"Sprocess_DoBackupInfo", "DoBackupInfoKey"}, lenth, data, [](const PenetrateInfo& info) {
+      {"Sprocess_DoBackupInfo", "DoBackupInfoKey", true}, lenth, data, [](const PenetrateInfo& info) {
         const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register),
                                                                info.length, info.data.data());
         if (ret != 0)
@@ -100,8 +105,8 @@ int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
         if (info.Register < reg::kRoleTable) {
           Data_Global::getInstance()->LEDConfigStatus = kConfiguredByTables;
         }
-        const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::ofSoftwareTable(info.Register),
-                                                                    info.length, info.data.data());
+        const int ret = Data_Global::getInstance()->CopyConstDataToFlash(
+            flash::ofSoftwareTable(info.Register), info.data);
         if (ret != 0) {
           PARLEND_TRACE(kError) << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = "
                                 << ret;

@@ -36,20 +36,28 @@ struct PenetrateInfo {
 // Unpacks a payload; nothing when it is shorter than it says.
 std::optional<PenetrateInfo> unpackPenetrate(const char* payload, int length);
 
-// Banners, key line and unpacking around the work of a handler, which takes a PenetrateInfo. Returns 0.
+// What a handler calls itself in its log lines.
 struct HandlerWords {
-  const char* handler;  // "Sprocess_DoBackupInfo"
-  const char* key;      // "DoBackupInfoKey"
+  const char* handler;     // "Sprocess_DoBackupInfo"
+  const char* key;         // "DoBackupInfoKey"
+  bool logsEntry = false;  // "Sprocess_DoBackupInfo enter:" before the key line
 };
 void logBegin(const HandlerWords& words, const PenetrateInfo& info);
 void logFinish(const HandlerWords& words);
 void logNoData(const HandlerWords& words);
+void logCutShort(const HandlerWords& words, int length);
 
+// Null check, unpacking, banners and key line around the work of a handler, which takes a PenetrateInfo.
+// Returns 0.
 template <class Work>
 int handlePenetrate(const HandlerWords& words, int length, const char* payload, Work work) {
-  const auto info = payload != nullptr ? unpackPenetrate(payload, length) : std::nullopt;
-  if (!info) {
+  if (payload == nullptr) {
     logNoData(words);
+    return 0;
+  }
+  const auto info = unpackPenetrate(payload, length);
+  if (!info) {
+    logCutShort(words, length);
     return 0;
   }
   logBegin(words, *info);

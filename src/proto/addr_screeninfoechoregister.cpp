@@ -28,7 +28,7 @@ int Addr_ScreenInfoEchoRegister::ReadFromScreenInfoEcho(IMD_proto3rd* msgIMD) {
   const std::size_t length =
       std::min<std::size_t>(msgIMD->proto.m_usValidDataLength, data.ScreenParaReg.size());
   PARLEND_TRACE(kInfo) << "=======realAddress = 0x" << CTrace::hex << address
-                       << ", OpValidLength = " << static_cast<unsigned int>(length);
+                       << ", OpValidLength = " << msgIMD->proto.m_usValidDataLength;
   // A read past the end of the table is filled up with zeros.
   const std::size_t inTable = std::min(length, data.ScreenParaReg.size() - position);
   auto& reply = msgIMD->proto.m_data;

@@ -57,9 +57,9 @@ int Addr_TestPrinfRegister::WriteTestPrintfInfomation(IMD_proto3rd* msgIMD) {
     PARLEND_TRACE(kError) << "=== WriteTestPrintfInfomation ===invalid data";
     return kBadAccess;
   }
-  if (data.size() > kWriteLimit) {
+  if (data.size() > kWriteLimit || data.size() != msgIMD->proto.m_usValidDataLength) {
     PARLEND_TRACE(kError) << "=== WriteTestPrintfInfomation ===length " << data.size()
-                          << " is too long, return.";
+                          << " is not accepted, return.";
     msgIMD->proto.m_ucAck = kAckRefused;
     return kRefused;
   }

@@ -42,13 +42,15 @@ class Data_Global {
   void PortMorSUpdate(unsigned int port, uint8_t value);
 
   // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, or the driver's
-  // result with dest unchanged; -1 for another type.
+  // result -1 for another type.
   int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
   // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
   int Read_ScreenSize_FromFlash(uint32_t* out);
   int Read_CardSize_FromFlash(uint32_t* out);
   // Stores the output size and counts the change.
   void ChangeOutScreenPara(uint32_t width, uint32_t height);
+  // Programs bytes of any number into flash, page by page. The last page's result.
+  int CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data);
   // Writes a diagnostic line to a file when the output size in the feature image is zero.
   void DebugForScreenZero(int point, unsigned int addr, const char* description);
   // Puts the receiving cards' size into bytes 6..9 of the screen parameters.

@@ -9,7 +9,7 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::size_t kPageSize = 256;
+constexpr unsigned short kPageSize = 256;
 
 // Reads a size record: width u32, height u32. The texts name it in the log lines.
 int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight,
@@ -60,9 +60,30 @@ void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
   putLe32(record, 4, height);
   driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data());
   uint8_t counter = 0;
-  driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter);
+  if (driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0) return;
   ++counter;
   driver.WriteDataToFlash(flash::kScreenChangeCounter, 1, &counter);
+}
+
+int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {
+  PARLEND_TRACE(kInfo) << "======================== Begin copy const data to flash =========================";
+  constexpr uint8_t kDevice = 2;
+  DriverUtil& driver = *DriverUtil::getInstance();
+  const auto pages = static_cast<unsigned int>(data.size() / kPageSize);
+  const auto rest = static_cast<unsigned short>(data.size() % kPageSize);
+  for (unsigned int i = 0; i < pages; ++i) {
+    const auto at = static_cast<uint32_t>(address + kPageSize * i);
+    const int result = driver.PageProgram(kDevice, at, kPageSize, data.data() + kPageSize * i);
+    PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                         << " result = " << result << " temp = " << pages << " i = " << i;
+  }
+  const auto at = static_cast<uint32_t>(address + kPageSize * pages);
+  const int result = driver.PageProgram(kDevice, at, rest, data.data() + kPageSize * pages);
+  PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                       << " spi address = " << CTrace::hex << address << " result = " << result
+                       << " mod = " << rest << " i = " << pages;
+  PARLEND_TRACE(kInfo) << "======================== Finish copy const data to flash ========================";
+  return result;
 }
 
 void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* description) {
@@ -71,9 +92,10 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
   const int height = word(0x1EE);
   if (width != 0 && height != 0) return;
   char command[512];
-  std::snprintf(command, sizeof command,
-                "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%s\" >> /root/screen_zero.txt",
-                point, addr, width, height, description);
+  std::snprintf(
+      command, sizeof command,
+      "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%.200s\" >> /root/screen_zero.txt",
+      point, addr, width, height, description);
   board_shell(command);
   PARLEND_TRACE(kInfo)
       << "=============================Screen Para is Zero!!!  =============================";

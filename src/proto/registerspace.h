@@ -63,7 +63,7 @@ class RegisterSpace {
   // The router's way in: finds the row of the address, checks the access and calls the row's operation.
   static int Ssh_cmd(IMD_proto3rd* msgIMD, Fshl_cmd* /*tbl*/, int /*validDataBegin*/) {
     if (Space::kLogsEntry) PARLEND_TRACE(kInfo) << "SM2W Ssh_cmd";
-    if (Space::kLogsMap) logMap();
+    if (Space::kLogsMap) logMap(msgIMD->proto.m_uiRegisterUnitAddress);
     if (rowMap().empty()) initMap();
     const auto hit = rowMap().find(msgIMD->proto.m_uiRegisterUnitAddress & Space::kKeyMask);
     if (hit == rowMap().end()) {
@@ -106,11 +106,11 @@ class RegisterSpace {
     static Singleton<Space> m_pInstance;
     return m_pInstance;
   }
-  static void logMap() {
-    PARLEND_TRACE(kInfo) << "map size = " << rowMap().size();
+  static void logMap(uint32_t address) {
+    if (!tracePasses(kInfo)) return;
+    PARLEND_TRACE(kInfo) << "map size = " << rowMap().size() << " register = " << CTrace::hex << address;
     for (const auto& [key, entry] : rowMap()) {
-      PARLEND_TRACE(kInfo) << " register = "
-                           << "first register addr = " << CTrace::hex << key
+      PARLEND_TRACE(kInfo) << "first register addr = " << CTrace::hex << key
                            << " second addr = " << CTrace::hex << entry.cmd->RegisterAddr;
     }
   }

@@ -39,8 +39,14 @@ class BoardTest : public testing::Test {
   /** The next daemon on the same board. */
   void startAgain() {
     if (started_) simboard::stop();
-    board_start(1, arguments_.data());
+    board_start(2, arguments_.data());
     started_ = true;
+  }
+  /** Switches the board off and on, in a process of its own: the program that is started again only lists the
+   * tests. */
+  void reboot() {
+    EXPECT_EXIT(board_shell("reboot -f"), testing::ExitedWithCode(0), "");
+    startAgain();
   }
 
   std::filesystem::path file(std::string_view relative) const { return directory_ / relative; }
@@ -84,7 +90,8 @@ class BoardTest : public testing::Test {
  private:
   std::filesystem::path directory_;
   std::array<char, 8> name_{"parlend"};
-  std::array<char*, 2> arguments_{name_.data(), nullptr};
+  std::string onlyList_{"--gtest_list_tests"};
+  std::array<char*, 3> arguments_{name_.data(), onlyList_.data(), nullptr};
   bool started_ = false;
 };
 

@@ -3,7 +3,6 @@
 #include <numeric>
 
 #include "board_fixture.h"
-#include "board_flash.h"
 #include "platform/driver.h"
 #include "platform/sysconf.h"
 
@@ -110,8 +109,7 @@ TEST_F(BoardTest, ContentsOutliveTheDaemonAndThePowerCycleClearsTheBusOnly) {
   EXPECT_EQ(WriteDataToFlashx(0xA3B100, 1, &value), 0);
   startAgain();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(value));
-  std::filesystem::remove(file("hw/fpga.bin"));
-  startAgain();
+  reboot();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(0));
   EXPECT_THAT(fpga(0x1F, 1), ElementsAre(0x0F));
   EXPECT_THAT(flash(0xA3B100, 1), ElementsAre(value));
@@ -126,8 +124,7 @@ TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
             0);
   EXPECT_EQ(WriteDataToFactoryTmpFlashx(0x200, 1, &after), 0);
   EXPECT_THAT(flash(0x200, 1), ElementsAre(0));
-  simboard::switchFlashOff();
-  startAgain();
+  reboot();
   EXPECT_THAT(flash(0x100, 1), ElementsAre(0));
   EXPECT_THAT(flash(0x200, 1), ElementsAre(after));
   EXPECT_FALSE(std::filesystem::exists(file("usr/orve/etc/sysconf/kespara_factory_tmp")));

@@ -1,13 +1,13 @@
 #include "board_cards.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <tuple>
 #include <unordered_map>
-#include <utility>
-#include <vector>
 
 #include "board_conf.h"
 #include "board_fpga.h"
@@ -27,20 +27,40 @@ constexpr uint8_t kSensorType = 2;
 constexpr uint32_t kBrightnessRegister = 0x02000001;
 constexpr uint32_t kSizeRegister = 0x02000017;
 constexpr uint32_t kSensorRegister = 0x06000000;
-constexpr std::size_t kSensorRequestLength = 11;
+// What a sensor is asked with, behind its number on the card.
+constexpr unsigned char kSensorQuestion[] = {0x00, 0x00, 0x00, 0x55, 0xAA, 0x01, 0x02, 0x80, 0xFF, 0x81};
 constexpr std::size_t kSensorAnswerLength = 5;
+constexpr uint32_t kMostLux = 0x7FFF * 2;
 constexpr uint32_t kNoAnswer = 0xFFFFFFFF;
+constexpr uint8_t kWrite = 1;
 // Registers of the FPGA that pass a whole request on to the cards.
 constexpr uint32_t kPacketRegisters[] = {0x400, 0x300000};
 constexpr std::size_t kPacketHead = 12;
 
-using CardKey = std::tuple<uint8_t, uint8_t, uint16_t>;  // type, port, board
-struct Card {
-  std::unordered_map<uint32_t, uint8_t> registers;
-  std::optional<uint8_t> askedSensor;
+// The registers of a card: only pages that were written are kept.
+class Registers {
+ public:
+  uint8_t read(uint32_t address) const {
+    const auto page = pages_.find(address / kPage);
+    return page == pages_.end() ? uint8_t{0} : page->second[address % kPage];
+  }
+  void write(uint32_t address, std::span<const unsigned char> data) {
+    while (!data.empty()) {
+      const auto count = std::min<std::size_t>(data.size(), kPage - address % kPage);
+      std::memcpy(pages_[address / kPage].data() + address % kPage, data.data(), count);
+      data = data.subspan(count);
+      address += static_cast<uint32_t>(count);
+    }
+  }
+
+ private:
+  static constexpr uint32_t kPage = 256;
+  std::unordered_map<uint32_t, std::array<uint8_t, kPage>> pages_;
 };
 
-std::map<CardKey, Card> cards;
+using CardKey = std::tuple<uint8_t, uint8_t, uint16_t>;  // type, port, board
+std::map<CardKey, Registers> cards;
+// A request and its journal line are one step.
 std::mutex cardsLock;
 
 uint16_t checksum(const recvcard_mesg& request, std::span<const unsigned char> data) {
@@ -52,87 +72,85 @@ uint16_t checksum(const recvcard_mesg& request, std::span<const unsigned char> d
   return static_cast<uint16_t>(sum);
 }
 
-bool addressed(const recvcard_mesg& request, unsigned port) {
-  return request.ProtAddr == kAllPorts || request.ProtAddr == port;
-}
-
-// The cards that a request addresses and that exist.
-std::vector<CardKey> addressedCards(const recvcard_mesg& request) {
-  std::vector<CardKey> found;
-  if (request.DeviceType < kFirstType || request.DeviceType > kLastType) return found;
-  const uint16_t linked = linkedPorts();
+// Calls with the key of each card that a request addresses and that exists. Returns how many there are.
+template <class Use>
+unsigned forEachCard(const recvcard_mesg& request, Use use) {
+  if (request.DeviceType < kFirstType || request.DeviceType > kLastType) return 0;
+  const bool allBoards = request.BoardAddr == kAllBoards;
+  const unsigned firstBoard = allBoards ? 0 : request.BoardAddr;
+  const unsigned endBoard = std::min<unsigned>(conf().cardsPerPort, allBoards ? kAllBoards : firstBoard + 1);
+  const unsigned linked = linkedPorts();
+  unsigned count = 0;
   for (unsigned port = 0; port < kPorts; ++port) {
-    if (!addressed(request, port) || (linked >> port & 1) == 0) continue;
-    for (uint16_t board = 0; board < conf().cardsPerPort; ++board) {
-      if (request.BoardAddr == kAllBoards || request.BoardAddr == board) {
-        found.emplace_back(request.DeviceType, static_cast<uint8_t>(port), board);
-      }
-    }
+    const bool asked = request.ProtAddr == kAllPorts || request.ProtAddr == port;
+    if (!asked || (linked >> port & 1) == 0) continue;
+    for (unsigned board = firstBoard; board < endBoard; ++board, ++count)
+      use(CardKey(request.DeviceType, static_cast<uint8_t>(port), static_cast<uint16_t>(board)));
   }
-  return found;
+  return count;
 }
 
-Card& cardAt(const CardKey& key) {
+// The registers of a card, which from the first look at it are those of a card just plugged in.
+Registers& cardAt(const CardKey& key) {
   const auto [entry, made] = cards.try_emplace(key);
   if (made) {
-    auto& registers = entry->second.registers;
-    const uint16_t size[] = {conf().cardWidth, conf().cardHeight};
-    for (uint32_t i = 0; i < 4; ++i)
-      registers[kSizeRegister + i] = static_cast<uint8_t>(size[i / 2] >> 8 * (i % 2));
-    registers[kBrightnessRegister] = conf().cardBrightness;
+    const uint16_t width = conf().cardWidth;
+    const uint16_t height = conf().cardHeight;
+    const unsigned char size[] = {static_cast<unsigned char>(width), static_cast<unsigned char>(width >> 8),
+                                  static_cast<unsigned char>(height),
+                                  static_cast<unsigned char>(height >> 8)};
+    entry->second.write(kSizeRegister, size);
+    entry->second.write(kBrightnessRegister, {&conf().cardBrightness, 1});
   }
   return entry->second;
 }
 
+// Under cardsLock.
 bool writeCards(const recvcard_mesg& request, std::span<const unsigned char> data) {
-  if (checksum(request, data) != request.checksum) return false;
-  const std::lock_guard guard(cardsLock);
-  const auto keys = addressedCards(request);
-  for (const auto& key : keys) {
-    Card& card = cardAt(key);
-    if (request.DeviceType == kSensorType && request.RegisterAddr == kSensorRegister &&
-        data.size() == kSensorRequestLength) {
-      card.askedSensor = data[0];
-      continue;
-    }
-    for (uint32_t i = 0; i < data.size(); ++i) card.registers[request.RegisterAddr + i] = data[i];
+  if (request.code != kWrite || checksum(request, data) != request.checksum) return false;
+  return forEachCard(request, [&](const CardKey& key) { cardAt(key).write(request.RegisterAddr, data); }) !=
+         0;
+}
+
+// The place in board.conf of the sensor that a card's registers ask for; as many as there are when none is
+// asked or it is not there.
+std::size_t askedSensor(const CardKey& key, const Registers& card) {
+  const auto& sensors = conf().sensors;
+  for (std::size_t i = 0; i < std::size(kSensorQuestion); ++i) {
+    if (card.read(kSensorRegister + 1 + static_cast<uint32_t>(i)) != kSensorQuestion[i])
+      return sensors.size();
   }
-  return !keys.empty();
+  const uint8_t number = card.read(kSensorRegister);
+  const auto found = std::find_if(sensors.begin(), sensors.end(), [&](const Sensor& sensor) {
+    return CardKey(kSensorType, sensor.port, sensor.board) == key && sensor.number == number;
+  });
+  return static_cast<std::size_t>(found - sensors.begin());
 }
 
 // 0x01 0x02, then half the lux in 15 bits, high byte first, with the valid bit on top.
-bool answerOfSensor(const CardKey& key, uint8_t number, std::span<unsigned char> answer) {
-  const auto& sensors = conf().sensors;
-  for (std::size_t i = 0; i < sensors.size(); ++i) {
-    const Sensor& sensor = sensors[i];
-    if (sensor.port != std::get<1>(key) || sensor.board != std::get<2>(key) || sensor.number != number)
-      continue;
-    const uint32_t lux = sensorLux(i);
-    if (lux == kNoAnswer) return false;
-    const unsigned char bytes[kSensorAnswerLength] = {
-        0x01, 0x02, static_cast<unsigned char>(0x80 | (lux / 2 >> 8 & 0x7F)),
-        static_cast<unsigned char>(lux / 2), 0};
-    std::memcpy(answer.data(), bytes, sizeof bytes);
-    return true;
-  }
-  return false;
+bool answerOfSensor(std::size_t index, std::span<unsigned char> answer) {
+  const uint32_t lux = sensorLux(index);
+  if (lux == kNoAnswer) return false;
+  const uint32_t half = std::min(lux, kMostLux) / 2;
+  const unsigned char bytes[kSensorAnswerLength] = {0x01, 0x02, static_cast<unsigned char>(0x80 | half >> 8),
+                                                    static_cast<unsigned char>(half), 0};
+  std::copy(std::begin(bytes), std::end(bytes), answer.begin());
+  return true;
 }
 
+// Under cardsLock. Of several cards that are addressed the first one answers.
 bool readCard(const recvcard_mesg& request, std::span<unsigned char> buffer) {
-  if (checksum(request, {}) != request.checksum) return false;
-  const std::lock_guard guard(cardsLock);
-  const auto keys = addressedCards(request);
-  if (keys.empty()) return false;
-  Card& card = cardAt(keys.front());
+  if (request.code == kWrite || checksum(request, {}) != request.checksum) return false;
+  std::optional<CardKey> first;
+  forEachCard(request, [&](const CardKey& key) { first = first.value_or(key); });
+  if (!first) return false;
+  const Registers& card = cardAt(*first);
   if (request.DeviceType == kSensorType && request.RegisterAddr == kSensorRegister &&
       buffer.size() == kSensorAnswerLength) {
-    const auto number = std::exchange(card.askedSensor, std::nullopt);
-    return number && answerOfSensor(keys.front(), *number, buffer);
+    const std::size_t sensor = askedSensor(*first, card);
+    if (sensor != conf().sensors.size()) return answerOfSensor(sensor, buffer);
   }
-  for (uint32_t i = 0; i < buffer.size(); ++i) {
-    const auto value = card.registers.find(request.RegisterAddr + i);
-    buffer[i] = value == card.registers.end() ? 0 : value->second;
-  }
+  for (uint32_t i = 0; i < buffer.size(); ++i) buffer[i] = card.read(request.RegisterAddr + i);
   return true;
 }
 
@@ -163,6 +181,7 @@ void cardPacketFromFpga(uint32_t address, std::span<const unsigned char> bytes) 
   request.length = le16(&bytes[10]);
   if (bytes.size() != kPacketHead + request.length + 2U) return;
   request.checksum = le16(&bytes[bytes.size() - 2]);
+  const std::lock_guard guard(cardsLock);
   writeCards(request, bytes.subspan(kPacketHead, request.length));
 }
 
@@ -177,6 +196,7 @@ using namespace simboard;
 
 int WriteFPGAToRecvCard(unsigned char, recvcard_mesg* request, unsigned char, unsigned char* data) {
   const std::span<const unsigned char> bytes(data, request->length);
+  const std::lock_guard guard(cardsLock);
   const bool failed = takeFault(Fault::CardWrite) || !writeCards(*request, bytes);
   if (journalsWrites()) describe(JournalLine("card-write"), *request).bytes(bytes).failedIf(failed);
   return failed ? -1 : 0;
@@ -184,6 +204,7 @@ int WriteFPGAToRecvCard(unsigned char, recvcard_mesg* request, unsigned char, un
 
 int ReadFPGAformRecvCard(unsigned char, recvcard_mesg* request, unsigned char, unsigned char* buffer) {
   const std::span<unsigned char> bytes(buffer, request->length);
+  const std::lock_guard guard(cardsLock);
   const bool failed = takeFault(Fault::CardRead) || !readCard(*request, bytes);
   if (journalsReads()) {
     describe(JournalLine("card-read"), *request)

@@ -1,6 +1,6 @@
 #include "board_conf.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <optional>
@@ -85,6 +85,8 @@ bool addInput(const std::string& text, std::vector<Input>& inputs) {
       !setChoice(words[1], input.type, kTypes)) {
     return false;
   }
+  const auto taken = [&](const Input& other) { return other.id == input.id; };
+  if (std::any_of(inputs.begin(), inputs.end(), taken)) return false;
   inputs.push_back(input);
   return true;
 }

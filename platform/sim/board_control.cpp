@@ -1,7 +1,9 @@
 #include "board_control.h"
 
 #include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -21,7 +23,8 @@ struct ControlPage {
   char mark[8];
   std::atomic<int64_t> clockOffset;
   std::atomic<uint32_t> faults[16];
-  unsigned char reserved[176];
+  std::atomic<uint32_t> sensorsKnown;  // so many readings have been given their start values
+  unsigned char reserved[172];
   std::atomic<uint32_t> lux[32];
 };
 static_assert(offsetof(ControlPage, clockOffset) == 8 && offsetof(ControlPage, faults) == 16 &&
@@ -30,15 +33,25 @@ constexpr std::size_t kPageSize = 4096;
 
 ControlPage* page = nullptr;
 
+// A sensor that board.conf did not have before starts with the reading named there, unless somebody has set
+// one already.
+void introduceSensors() {
+  const auto& sensors = conf().sensors;
+  for (std::size_t i = page->sensorsKnown; i < sensors.size(); ++i) {
+    if (page->lux[i] == 0) page->lux[i] = sensors[i].lux;
+  }
+  page->sensorsKnown = std::max<uint32_t>(page->sensorsKnown, static_cast<uint32_t>(sensors.size()));
+}
+
 }  // namespace
 
 bool openControl() {
-  page = static_cast<ControlPage*>(mapFile(path("hw/control.bin"), kPageSize));
+  const int file = openSized(path("hw/control.bin"), kPageSize);
+  page = file >= 0 ? static_cast<ControlPage*>(mapShared(file, kPageSize)) : nullptr;
+  if (file >= 0) close(file);
   if (page == nullptr) return false;
-  if (std::memcmp(page->mark, kMark, sizeof page->mark) == 0) return true;
   std::memcpy(page->mark, kMark, sizeof page->mark);
-  const auto& sensors = conf().sensors;
-  for (std::size_t i = 0; i < sensors.size(); ++i) page->lux[i] = sensors[i].lux;
+  introduceSensors();
   return true;
 }
 
@@ -70,6 +83,7 @@ void board_clock(timespec* now) {
 }
 
 int board_clock_set(time_t seconds) {
+  if (page == nullptr) return -1;
   timespec host{};
   clock_gettime(CLOCK_REALTIME, &host);
   page->clockOffset.store(static_cast<int64_t>(seconds) - host.tv_sec);

@@ -4,7 +4,7 @@
 
 namespace simboard {
 
-// Maps the page; a new one is given its mark and the sensors' readings of board.conf. False: not mapped.
+// Maps the page; new sensors get their readings of board.conf. False: not mapped.
 bool openControl();
 void closeControl();
 

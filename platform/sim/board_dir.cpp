@@ -26,6 +26,7 @@ namespace simboard {
 namespace {
 
 constexpr char kRebootMark[] = "PARLEND_BOARD_REBOOTED";
+constexpr char kPowered[] = "hw/powered";  // there while the board is switched on
 constexpr char kFlagFile[] = "etc/init.d/flag_fpgaload";
 constexpr char kFpgaStatusFile[] = "sys/class/fpga/fpga_conf";
 constexpr const char* kDirectories[] = {
@@ -44,9 +45,12 @@ BoardConf plugged;
 }
 
 void readConf() {
-  if (!fs::exists(path("board.conf"))) std::ofstream(path("board.conf")) << kDefaultConf;
+  const std::string name = path("board.conf");
+  if (!fs::exists(name)) std::ofstream(name) << kDefaultConf;
+  const std::ifstream file(name);
+  if (!fs::is_regular_file(name) || !file) refuse("cannot read " + name);
   std::stringstream text;
-  text << std::ifstream(path("board.conf")).rdbuf();
+  text << file.rdbuf();
   std::string error;
   plugged = {};
   if (!parseConf(text.str(), plugged, error)) refuse(error);
@@ -59,14 +63,22 @@ void takeBoard() {
   if (flock(lockFile, LOCK_EX | LOCK_NB) != 0) refuse("another daemon already runs on the board " + root);
 }
 
-// What the board shows of itself when it is switched on.
-void switchOn() {
+// The FPGA is loaded on its own, or somebody else says when; one that lost its power is not loaded.
+void showFpgaState(bool rebooted) {
+  std::error_code absent;
+  if (rebooted) fs::remove(path(kFlagFile), absent);
+  if (plugged.fpgaAutoload) std::ofstream(path(kFlagFile)).flush();
   std::ofstream(path(kFpgaStatusFile)) << (plugged.fpgaUp ? "1\n" : "0\n");
-  if (plugged.fpgaAutoload) {
-    std::ofstream(path(kFlagFile));
-  } else {
-    fs::remove(path(kFlagFile));
-  }
+}
+
+// A board that was switched off, or never on, counts as on when all of it has come up.
+void powerUp(bool rebooted) {
+  const bool switchedOn = !fs::exists(path(kPowered)) || !fs::exists(path("hw/fpga.bin"));
+  if (!openControl() || !openFlash(switchedOn) || !openFpga(switchedOn))
+    refuse("cannot open the files in " + path("hw"));
+  if (!switchedOn) return;
+  showFpgaState(rebooted);
+  std::ofstream(path(kPowered)).flush();
 }
 
 }  // namespace
@@ -89,8 +101,8 @@ unsigned char cardBit() {
 void reboot() {
   if (journalsWrites()) JournalLine("reboot");
   apipc_close_all_peers();
-  switchFlashOff();
-  switchFpgaOff();
+  unlink(path(kPowered).c_str());
+  setenv("PARLEND_BOARD", root.c_str(), 1);
   setenv(kRebootMark, "1", 1);
   execv("/proc/self/exe", arguments);
   refuse(std::string("the program cannot be started again: ") + std::strerror(errno));
@@ -124,11 +136,8 @@ void board_start(int, char** argv) {
   readConf();
   const bool rebooted = std::getenv(kRebootMark) != nullptr;
   unsetenv(kRebootMark);
-  openJournal(plugged.journal, rebooted);
-  bool switchedOn = false;
-  if (!openControl() || !openFlash() || !openFpga(switchedOn))
-    refuse("cannot open the files in " + path("hw"));
-  if (switchedOn) switchOn();
+  if (!openJournal(plugged.journal, rebooted)) refuse("cannot write " + path("hw/journal.log"));
+  powerUp(rebooted);
 }
 
 int board_path(const char* device_path, char* out, size_t size) {

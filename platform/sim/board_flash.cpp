@@ -3,7 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <mutex>
 
 #include "board_files.h"
 #include "board_journal.h"
@@ -17,10 +18,13 @@ constexpr std::size_t kFlashSize = std::size_t{32} << 20;
 constexpr char kFlash[] = "hw/flash.bin";
 constexpr char kFactory[] = "usr/orve/etc/sysconf/kespara_factory";
 constexpr char kFactoryCopy[] = "usr/orve/etc/sysconf/kespara_factory_tmp";
+// A factory-new board drives a screen of one card.
 constexpr off_t kShortcutDefaultsAt = 0xC20030;
 constexpr unsigned char kShortcutDefaults[] = {0, 1, 1, 1};
 
 int flashFile = -1;
+// Writes and their journal lines come in the same order.
+std::mutex writeLock;
 
 bool inFlash(uint32_t address, uint32_t length) {
   return address <= kFlashSize && length <= kFlashSize - address;
@@ -28,6 +32,13 @@ bool inFlash(uint32_t address, uint32_t length) {
 
 bool writeWhole(int file, uint32_t address, uint32_t length, const unsigned char* data) {
   return pwrite(file, data, length, static_cast<off_t>(address)) == static_cast<ssize_t>(length);
+}
+
+void journalWrite(const char* call, uint32_t address, uint32_t length, const unsigned char* data,
+                  bool failed) {
+  if (journalsWrites()) {
+    JournalLine(call).address(address).number(length).bytes({data, length}).failedIf(failed);
+  }
 }
 
 bool createFactoryImage() {
@@ -40,11 +51,19 @@ bool createFactoryImage() {
   return written;
 }
 
+bool takeFactoryCopy() {
+  const int copy = open(path(kFactoryCopy).c_str(), O_RDONLY | O_CLOEXEC);
+  if (copy < 0) return errno == ENOENT;
+  const bool taken = copyContents(copy, flashFile) && syncFlash();
+  close(copy);
+  return taken && unlink(path(kFactoryCopy).c_str()) == 0;
+}
+
 }  // namespace
 
-bool openFlash() {
+bool openFlash(bool switchedOn) {
   flashFile = openSized(path(kFlash), kFlashSize);
-  return flashFile >= 0 && createFactoryImage();
+  return flashFile >= 0 && (!switchedOn || takeFactoryCopy()) && createFactoryImage();
 }
 
 void closeFlash() {
@@ -52,8 +71,8 @@ void closeFlash() {
   flashFile = -1;
 }
 
-void switchFlashOff() {
-  std::rename(path(kFactoryCopy).c_str(), path(kFlash).c_str());
+bool syncFlash() {
+  return fdatasync(flashFile) == 0;
 }
 
 }  // namespace simboard
@@ -73,21 +92,19 @@ int ReadDataFromFlashx(uint32_t address, uint32_t length, unsigned char* buffer)
 }
 
 int WriteDataToFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
+  const std::lock_guard guard(writeLock);
   const bool failed = takeFault(Fault::FlashWrite) || !inFlash(address, length) ||
                       !writeWhole(flashFile, address, length, data);
-  if (journalsWrites()) {
-    JournalLine("flash-write").address(address).number(length).bytes({data, length}).failedIf(failed);
-  }
+  journalWrite("flash-write", address, length, data, failed);
   return failed ? -1 : 0;
 }
 
 int WriteDataToFactoryTmpFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
+  const std::lock_guard guard(writeLock);
   const int file = open(path(kFactoryCopy).c_str(), O_RDWR | O_CLOEXEC);
   const bool failed = takeFault(Fault::FactoryWrite) || file < 0 || !inFlash(address, length) ||
                       !writeWhole(file, address, length, data);
   if (file >= 0) close(file);
-  if (journalsWrites()) {
-    JournalLine("factory-write").address(address).number(length).bytes({data, length}).failedIf(failed);
-  }
+  journalWrite("factory-write", address, length, data, failed);
   return failed ? -1 : 0;
 }

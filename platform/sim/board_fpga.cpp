@@ -36,6 +36,7 @@ constexpr uint32_t kFiberPhy[] = {0xF04000, 0xF04002};
 constexpr uint32_t kFiberModule = 0x1D7;
 
 unsigned char* bus = nullptr;
+// The bus does one transfer at a time; a transfer and its journal line are one step.
 std::mutex busLock;
 
 bool isStatus(uint32_t address) {
@@ -74,8 +75,8 @@ void showLinks() {
   bus[kFiberModule] = conf().fiberModule;
 }
 
+// Under busLock.
 void store(uint32_t address, uint32_t length, const unsigned char* data) {
-  const std::lock_guard guard(busLock);
   if (!touchesStatus(address, length)) {
     std::memcpy(bus + address, data, length);
     return;
@@ -87,22 +88,18 @@ void store(uint32_t address, uint32_t length, const unsigned char* data) {
 
 }  // namespace
 
-bool openFpga(bool& switchedOn) {
-  const std::string name = path("hw/fpga.bin");
-  switchedOn = access(name.c_str(), F_OK) != 0;
-  bus = static_cast<unsigned char*>(mapFile(name, kBusSize));
-  if (bus == nullptr) return false;
-  if (switchedOn) showLinks();
-  return true;
+bool openFpga(bool switchedOn) {
+  const int file = openSized(path("hw/fpga.bin"), kBusSize);
+  const bool ready = file >= 0 && (!switchedOn || clearFile(file));
+  bus = ready ? static_cast<unsigned char*>(mapShared(file, kBusSize)) : nullptr;
+  if (file >= 0) close(file);
+  if (bus != nullptr && switchedOn) showLinks();
+  return bus != nullptr;
 }
 
 void closeFpga() {
   if (bus != nullptr) munmap(bus, kBusSize);
   bus = nullptr;
-}
-
-void switchFpgaOff() {
-  unlink(path("hw/fpga.bin").c_str());
 }
 
 uint16_t linkedPorts() {
@@ -115,6 +112,7 @@ uint16_t linkedPorts() {
 
 int writeRegister(uint32_t address, uint8_t value) {
   if (!onBus(address, 1)) return -1;
+  const std::lock_guard guard(busLock);
   store(address, 1, &value);
   return 0;
 }
@@ -129,9 +127,12 @@ int FPGA_UDP_Init(void) {
 
 int WriteFPGABlock(unsigned char, uint32_t address, uint32_t length, const unsigned char* data) {
   const bool failed = takeFault(Fault::FpgaWrite) || !onBus(address, length);
-  if (!failed) store(address, length, data);
-  if (journalsWrites()) {
-    JournalLine("fpga-write").address(address).number(length).bytes({data, length}).failedIf(failed);
+  {
+    const std::lock_guard guard(busLock);
+    if (!failed) store(address, length, data);
+    if (journalsWrites()) {
+      JournalLine("fpga-write").address(address).number(length).bytes({data, length}).failedIf(failed);
+    }
   }
   if (failed) return -1;
   cardPacketFromFpga(address, {data, length});
@@ -140,10 +141,8 @@ int WriteFPGABlock(unsigned char, uint32_t address, uint32_t length, const unsig
 
 int ReadFPGABlock(unsigned char, uint32_t address, uint16_t length, unsigned char* buffer) {
   const bool failed = takeFault(Fault::FpgaRead) || !onBus(address, length);
-  if (!failed) {
-    const std::lock_guard guard(busLock);
-    std::memcpy(buffer, bus + address, length);
-  }
+  const std::lock_guard guard(busLock);
+  if (!failed) std::memcpy(buffer, bus + address, length);
   if (journalsReads()) {
     const std::span<const unsigned char> read(buffer, failed ? 0 : length);
     JournalLine("fpga-read").address(address).number(length).bytes(read).failedIf(failed);

@@ -5,12 +5,9 @@
 
 namespace simboard {
 
-// Maps the bus. A missing file is a board that is switched on now: everything zero, then the status registers
-// of board.conf. False: not mapped.
-bool openFpga(bool& switchedOn);
+// Maps the bus. Switched on now: everything zero, then the status registers of board.conf. False: not mapped.
+bool openFpga(bool switchedOn);
 void closeFpga();
-// The next openFpga finds the board off.
-void switchFpgaOff();
 
 // Ports with a link over copper or either fiber path: bit p for port p.
 uint16_t linkedPorts();

@@ -1,12 +1,15 @@
 #include "board_journal.h"
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <mutex>
 
 #include "simboard.h"
 
@@ -15,9 +18,11 @@ namespace {
 
 constexpr char kStartMark[] = "PARLEND_BOARD_STARTED_US";
 constexpr std::size_t kBytesShown = 64;
+constexpr std::size_t kUsualLine = 192;
 
 std::atomic<JournalLevel> journalLevel{JournalLevel::Off};
 int file = -1;
+std::mutex fileLock;  // stamps do not go backwards from line to line
 long long startedUs = 0;
 
 long long monotonicUs() {
@@ -28,14 +33,16 @@ long long monotonicUs() {
 
 }  // namespace
 
-void openJournal(JournalLevel level, bool goOn) {
+bool openJournal(JournalLevel level, bool goOn) {
   const char* first = std::getenv(kStartMark);
   startedUs = goOn && first != nullptr ? std::atoll(first) : monotonicUs();
   setenv(kStartMark, std::to_string(startedUs).c_str(), 1);
-  if (level == JournalLevel::Off) return;
+  if (level == JournalLevel::Off) return true;
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (goOn ? 0 : O_TRUNC);
   file = open(path("hw/journal.log").c_str(), flags, 0600);
-  if (file >= 0) journalLevel = level;
+  if (file < 0) return false;
+  journalLevel = level;
+  return true;
 }
 
 void closeJournal() {
@@ -51,23 +58,30 @@ bool journalsReads() {
   return journalLevel.load(std::memory_order_relaxed) == JournalLevel::All;
 }
 
-JournalLine::~JournalLine() {
-  const long long us = monotonicUs() - startedUs;
-  char stamp[48];
-  std::snprintf(stamp, sizeof stamp, "%lld.%06lld ", us / 1'000'000, us % 1'000'000);
-  text_.insert(0, stamp);
-  text_ += '\n';
-  // A journal on a full disk is no reason to stop the board.
-  [[maybe_unused]] const auto written = write(file, text_.data(), text_.size());
+JournalLine::JournalLine(const char* call) {
+  text_.reserve(kUsualLine);
+  text_ = call;
 }
 
-JournalLine& JournalLine::word(const std::string& text) {
+JournalLine::~JournalLine() {
+  text_ += '\n';
+  const std::lock_guard guard(fileLock);
+  const long long us = monotonicUs() - startedUs;
+  char stamp[48];
+  const int length = std::snprintf(stamp, sizeof stamp, "%lld.%06lld ", us / 1'000'000, us % 1'000'000);
+  const iovec pieces[] = {{stamp, static_cast<std::size_t>(length)}, {text_.data(), text_.size()}};
+  // A journal on a full disk is no reason to stop the board.
+  [[maybe_unused]] const auto written = writev(file, pieces, 2);
+}
+
+JournalLine& JournalLine::word(std::string_view text) {
   text_ += ' ';
-  text_ += text;
+  // A text of a peer's does not begin a line of its own.
+  for (const char c : text) text_ += c == '\n' || c == '\r' || c == '\0' ? '?' : c;
   return *this;
 }
 
-JournalLine& JournalLine::number(unsigned long long value) {
+JournalLine& JournalLine::number(long long value) {
   return word(std::to_string(value));
 }
 

@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "board_conf.h"
 
 namespace simboard {
 
-// Opens the journal: anew, or going on after a reboot with the time of the first start.
-void openJournal(JournalLevel level, bool goOn);
+// Opens the journal: anew, or going on after a reboot with the time of the first start. False: not possible.
+bool openJournal(JournalLevel level, bool goOn);
 void closeJournal();
 
 // Whether calls that change something, or that only read, are journaled: asked before a line is composed.
@@ -20,13 +21,13 @@ bool journalsReads();
 // One line, composed piece by piece and appended when it goes out of scope.
 class JournalLine {
  public:
-  explicit JournalLine(const char* call) : text_(call) {}
+  explicit JournalLine(const char* call);
   ~JournalLine();
   JournalLine(const JournalLine&) = delete;
   JournalLine& operator=(const JournalLine&) = delete;
 
-  JournalLine& word(const std::string& text);
-  JournalLine& number(unsigned long long value);
+  JournalLine& word(std::string_view text);
+  JournalLine& number(long long value);
   JournalLine& address(uint32_t value);
   // The first 64 bytes and how many more there are.
   JournalLine& bytes(std::span<const unsigned char> data);

@@ -1,13 +1,21 @@
 // The device's shell commands, interpreted: no real shell ever sees them and no child process is started.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
-#include <sstream>
+#include <optional>
 #include <vector>
 
+#include "board_files.h"
+#include "board_flash.h"
 #include "board_fpga.h"
 #include "board_journal.h"
 #include "platform/board.h"
@@ -22,8 +30,12 @@ using Words = std::vector<std::string>;
 constexpr int kFailed = 1;
 constexpr int kUnknownCommand = 127;
 
+int statusOf(bool done) {
+  return done ? 0 : kFailed;
+}
+
 // Words of a command line; double quotes hold a word together.
-Words split(const std::string& line) {
+Words split(std::string_view line) {
   Words words;
   bool quoted = false;
   bool open = false;
@@ -41,84 +53,143 @@ Words split(const std::string& line) {
   return words;
 }
 
-int status(const std::error_code& failed) {
-  return failed ? kFailed : 0;
-}
-
-int makeDirectory(const Words& words) {
-  if (words.size() != 3 || words[1] != "-p") return kFailed;
+// True when a path really lies in the board directory, links followed.
+bool isInside(const fs::path& target) {
   std::error_code failed;
-  fs::create_directories(devicePath(words[2]), failed);
-  return status(failed);
+  const fs::path top = fs::canonical(path(""), failed);
+  if (failed) return false;
+  const fs::path real = fs::weakly_canonical(target, failed);
+  return !failed && std::mismatch(top.begin(), top.end(), real.begin(), real.end()).first == top.end();
 }
 
-int copyFile(const Words& words) {
+// Where a command may read or write; nothing when a link leads out of the board directory.
+std::optional<fs::path> reach(const std::string& word) {
+  fs::path target = devicePath(word);
+  if (!isInside(target)) return std::nullopt;
+  return target;
+}
+
+std::optional<uint32_t> number(std::string_view word, uint32_t most) {
+  const bool hexadecimal = word.starts_with("0x");
+  if (hexadecimal) word.remove_prefix(2);
+  uint32_t value = 0;
+  const char* end = word.data() + word.size();
+  const auto parsed = std::from_chars(word.data(), end, value, hexadecimal ? 16 : 10);
+  if (parsed.ec != std::errc() || parsed.ptr != end || value > most) return std::nullopt;
+  return value;
+}
+
+int makeDirectory(const Words& words, std::string&) {
+  const auto target = words.size() == 3 && words[1] == "-p" ? reach(words[2]) : std::nullopt;
+  if (!target) return kFailed;
+  std::error_code failed;
+  fs::create_directories(*target, failed);
+  return statusOf(!failed);
+}
+
+int copyFile(const Words& words, std::string&) {
   if (words.size() != 3) return kFailed;
-  std::error_code failed;
-  fs::copy_file(devicePath(words[1]), devicePath(words[2]), fs::copy_options::overwrite_existing, failed);
-  return status(failed);
+  const auto source = reach(words[1]);
+  const auto target = reach(words[2]);
+  if (!source || !target || *source == *target || !fs::is_regular_file(*source)) return kFailed;
+  const int from = open(source->c_str(), O_RDONLY | O_CLOEXEC);
+  const int to = open(target->c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  struct stat status {};
+  const bool copied = from >= 0 && to >= 0 && fstat(from, &status) == 0 &&
+                      ftruncate(to, status.st_size) == 0 && copyContents(from, to);
+  if (from >= 0) close(from);
+  if (to >= 0) close(to);
+  return statusOf(copied);
 }
 
-// Never follows a path out of the board directory, and never removes the directory itself.
-int removeFiles(const Words& words) {
-  int result = 0;
+// A link is removed as such: only the directory that it is in has to be the board's own.
+int removeFiles(const Words& words, std::string&) {
+  bool removed = true;
   for (std::size_t i = 1; i < words.size(); ++i) {
     if (words[i].starts_with('-')) continue;
-    const std::string target = devicePath(words[i]);
-    if (fs::path(target).lexically_normal() == fs::path(devicePath("/")).lexically_normal()) return kFailed;
+    const fs::path target = devicePath(words[i]);
     std::error_code failed;
-    if (fs::remove_all(target, failed) == 0 || failed) result = kFailed;
+    removed = target.has_filename() && isInside(target.parent_path()) && fs::remove_all(target, failed) > 0 &&
+              !failed && removed;
   }
-  return result;
+  return statusOf(removed);
 }
 
-int appendText(const Words& words) {
-  if (words.size() != 4 || words[2] != ">>") return kFailed;
-  std::ofstream file(devicePath(words[3]), std::ios::app);
+int printFile(const Words& words, std::string& output) {
+  const auto source = words.size() == 2 ? reach(words[1]) : std::nullopt;
+  if (!source || !fs::is_regular_file(*source)) return kFailed;
+  std::ifstream file(*source, std::ios::binary);
+  output.assign(std::istreambuf_iterator<char>(file), {});
+  return statusOf(file.is_open());
+}
+
+int appendText(const Words& words, std::string&) {
+  const auto target = words.size() == 4 && words[2] == ">>" ? reach(words[3]) : std::nullopt;
+  if (!target) return kFailed;
+  std::ofstream file(*target, std::ios::app);
   file << words[1] << '\n';
-  return file.good() ? 0 : kFailed;
+  file.close();
+  return statusOf(file.good());
 }
 
-int setEnvironment(const Words& words) {
-  return words.size() == 4 && words[1] == "set" && storeEnvironment(words[2], words[3]) == 0 ? 0 : kFailed;
+int setEnvironment(const Words& words, std::string&) {
+  return statusOf(words.size() == 4 && words[1] == "set" && storeEnvironment(words[2], words[3]) == 0);
 }
 
-int setBootEnvironment(const Words& words) {
-  return words.size() == 3 && storeEnvironment(words[1], words[2]) == 0 ? 0 : kFailed;
+int setBootEnvironment(const Words& words, std::string&) {
+  return statusOf(words.size() == 3 && storeEnvironment(words[1], words[2]) == 0);
 }
 
-int registerTool(const Words& words) {
+int registerTool(const Words& words, std::string&) {
   if (words.size() != 5 || words[1] != "w" || words[2] != "s") return kFailed;
-  const auto address = static_cast<uint32_t>(std::strtoul(words[3].c_str(), nullptr, 0));
-  const auto value = static_cast<uint8_t>(std::strtoul(words[4].c_str(), nullptr, 0));
-  return writeRegister(address, value) == 0 ? 0 : kFailed;
+  const auto address = number(words[3], 0xFFFFFFFF);
+  const auto value = number(words[4], 0xFF);
+  return statusOf(address && value && writeRegister(*address, static_cast<uint8_t>(*value)) == 0);
 }
 
-int nothing(const Words&) {
+int makeDurable(const Words&, std::string&) {
+  return statusOf(syncFlash());
+}
+
+int nothing(const Words&, std::string&) {
   return 0;
 }
 
-int restart(const Words& words) {
+int restart(const Words& words, std::string&) {
   if (words.size() == 2 && words[1] == "-f") reboot();
   return kFailed;
 }
 
-using Command = int (*)(const Words&);
-const std::map<std::string, Command>& commands() {
-  static const std::map<std::string, Command> table{
-      {"mkdir", makeDirectory},
-      {"cp", copyFile},
-      {"rm", removeFiles},
-      {"echo", appendText},
-      {"sysconfig", setEnvironment},
+// Carries a command out and leaves what it prints in output. Returns its exit status.
+using Command = int (*)(const Words& words, std::string& output);
+
+const std::map<std::string, Command, std::less<>>& commands() {
+  static const std::map<std::string, Command, std::less<>> table{
+      {"/bin/cat", printFile},
       {"/usr/kestrel/bin/fw_setenv", setBootEnvironment},
+      {"cat", printFile},
+      {"cp", copyFile},
+      {"echo", appendText},
       {"fpga", registerTool},
-      {"reboot", restart},
-      {"sync", nothing},     // a flash write is in its file when the call returns
+      {"fw_setenv", setBootEnvironment},
       {"hwclock", nothing},  // the board's one clock is set already
-      {"killall", nothing},
+      {"killall", nothing},  // the board runs nothing but this daemon
+      {"mkdir", makeDirectory},
+      {"reboot", restart},
+      {"rm", removeFiles},
+      {"sync", makeDurable},
+      {"sysconfig", setEnvironment},
   };
   return table;
+}
+
+int run(const char* command, std::string& output) {
+  if (journalsWrites()) JournalLine("shell").word(command);
+  const Words words = split(command);
+  const auto found = words.empty() ? commands().end() : commands().find(words[0]);
+  if (found != commands().end()) return found->second(words, output);
+  std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
+  return kUnknownCommand;
 }
 
 }  // namespace
@@ -127,27 +198,19 @@ const std::map<std::string, Command>& commands() {
 using namespace simboard;
 
 int board_shell(const char* command) {
-  if (journalsWrites()) JournalLine("shell").word(command);
-  const Words words = split(command);
-  const auto found = words.empty() ? commands().end() : commands().find(words[0]);
-  if (found != commands().end()) return found->second(words);
-  std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
-  return kUnknownCommand;
+  std::string output;
+  const int status = run(command, output);
+  std::fwrite(output.data(), 1, output.size(), stdout);
+  return status;
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {
-  if (journalsWrites()) JournalLine("shell").word(command);
-  const Words words = split(command);
-  if (words.size() != 2 || (words[0] != "/bin/cat" && words[0] != "cat") || size == 0) {
-    std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
-    return 0;
-  }
-  std::ifstream file(devicePath(words[1]));
-  std::string text;
-  if (!std::getline(file, text)) return 0;
-  if (!file.eof()) text += '\n';
-  const std::size_t length = std::min(text.size(), size - 1);
-  std::memcpy(line, text.data(), length);
+  std::string output;
+  run(command, output);
+  if (size == 0) return 0;
+  const std::size_t lineEnd = output.find('\n');
+  const std::size_t length = std::min(lineEnd == std::string::npos ? output.size() : lineEnd + 1, size - 1);
+  std::memcpy(line, output.data(), length);
   line[length] = '\0';
   return static_cast<int>(length);
 }

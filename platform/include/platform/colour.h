@@ -11,19 +11,20 @@ extern "C" {
 #endif
 
 enum {
-  COLOUR_TABLE_SIZE = 8192,       /* bytes of a curve: 4096 entries, 16 bits each, little-endian */
-  COLOUR_COEFFICIENTS_SIZE = 32   /* bytes of a conversion's coefficients */
+  COLOUR_TABLE_SIZE = 8192,     /* bytes of a curve: 4096 entries, 16 bits each, little-endian */
+  COLOUR_COEFFICIENTS_SIZE = 32 /* bytes of a conversion's coefficients */
 };
 
-/* HDR10 curve (SMPTE ST 2084): peak and ambient light in cd/m2, brightness 0..255, bit depth (10), effects on low
- * and high grey levels 0..255. */
+/* HDR10 curve (SMPTE ST 2084): peak and ambient light in cd/m2, brightness 0..255, bit depth (10), effects on
+ * low and high grey levels 0..255. */
 void HDR10GammaCalculation(uint16_t peak_light, uint16_t ambient_light, uint8_t brightness, int bit_depth,
                            uint8_t low_gray_effect, uint8_t high_gray_effect, unsigned char* table);
 
 /* HLG curve (ITU-R BT.2100) of a class. */
 void HLGGammaCalculation(uint8_t hlg_class, unsigned char* table);
 
-/* Coefficients of a colour-space conversion (mode 0..5): saturation, contrast and hue, 50 and 0 being neutral. */
+/* Coefficients of a colour-space conversion (mode 0..5): saturation, contrast and hue, 50 and 0 being
+ * neutral. */
 void PictureQualityCalculation(int mode, uint16_t saturation, uint16_t contrast, uint16_t hue, int arg,
                                unsigned char* coefficients);
 

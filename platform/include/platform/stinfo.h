@@ -10,7 +10,8 @@
 extern "C" {
 #endif
 
-/* Passes a register's bytes to the status store: operation (1: set), register address, byte count, bytes. 0: done. */
+/* Passes a register's bytes to the status store: operation (1: set), register address, byte count, bytes. 0:
+ * done. */
 int st_info_op(int operation, uint32_t address, int length, unsigned char* value);
 
 #ifdef __cplusplus

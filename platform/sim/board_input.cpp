@@ -27,20 +27,38 @@ std::string edidFile(int id) {
   return path("hw/edid-" + std::to_string(id) + ".bin");
 }
 
-// A VESA E-EDID 1.3 base block whose first detailed timing is 1920 x 1080 at 60 Hz (CEA-861), and no
-// extension.
-Edid baseEdid() {
-  constexpr std::array<unsigned char, 8> kHeader{0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
-  constexpr std::array<unsigned char, 18> kTiming{0x02, 0x3A, 0x80, 0x18, 0x71, 0x38, 0x2D, 0x40, 0x58,
-                                                  0x2C, 0x45, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x1E};
-  Edid edid{};
-  std::copy(kHeader.begin(), kHeader.end(), edid.begin());
-  edid[0x12] = 1;
-  edid[0x13] = 3;
-  std::copy(kTiming.begin(), kTiming.end(), edid.begin() + 0x36);
+// What every input presents before it is given another EDID: VESA E-EDID 1.3, a digital sink of sRGB colours
+// whose one timing is 1920 x 1080 at 60 Hz (CEA-861), and no extension. The checksum is added.
+constexpr std::array<unsigned char, kBlock> kBase{
+    0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00,                          // header
+    0x3E, 0x45, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x1E,              // maker ORE, product, week, year
+    0x01, 0x03, 0x80, 0x00, 0x00, 0x78, 0x0A,                                // version, digital, gamma 2.2
+    0xEE, 0x91, 0xA3, 0x54, 0x4C, 0x99, 0x26, 0x0F, 0x50, 0x54,              // sRGB primaries
+    0x00, 0x00, 0x00,                                                        // no established timings
+    0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01,                          // no standard timings
+    0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01,                          //
+    0x02, 0x3A, 0x80, 0x18, 0x71, 0x38, 0x2D, 0x40, 0x58, 0x2C, 0x45, 0x00,  // detailed timing
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x1E,                                      //
+    0x00, 0x00, 0x00, 0xFC, 0x00, 'L',  'E',  'D',  ' ',  'w',  'a',  'l',   // name
+    'l',  '\n', ' ',  ' ',  ' ',  ' ',                                       //
+    0x00, 0x00, 0x00, 0xFD, 0x00, 0x17, 0x79, 0x0F, 0x96, 0x22, 0x00, 0x0A,  // range: 23..121 Hz, 340 MHz
+    0x20, 0x20, 0x20, 0x20, 0x20, 0x20,                                      //
+    0x00, 0x00, 0x00, 0x10};                                                 // unused descriptor
+constexpr std::size_t kNameAt = 0x48 + 5;
+constexpr std::size_t kNameSize = 13;
+// Where the parameters of a base EDID hold its name, zero-terminated.
+constexpr std::size_t kNameParameterAt = 12;
+
+Edid withChecksum(Edid edid) {
   const unsigned sum = std::accumulate(edid.begin(), edid.begin() + kBlock - 1, 0U);
   edid[kBlock - 1] = static_cast<unsigned char>(0x100 - (sum & 0xFF));
   return edid;
+}
+
+Edid baseEdid() {
+  Edid edid{};
+  std::copy(kBase.begin(), kBase.end(), edid.begin());
+  return withChecksum(edid);
 }
 
 Edid loadedEdid(int id) {
@@ -51,9 +69,19 @@ Edid loadedEdid(int id) {
   return edid;
 }
 
-int buildBase(const modify_edid_para*, unsigned char* edid) {
-  const Edid base = baseEdid();
-  std::copy(base.begin(), base.end(), edid);
+// The base EDID under the name of the parameters, which ends with a line feed and blanks as a name does
+// there.
+int buildBase(const modify_edid_para* para, unsigned char* edid) {
+  Edid built = baseEdid();
+  const unsigned char* name = para->bytes + kNameParameterAt;
+  const auto length = static_cast<std::size_t>(std::find(name, name + kNameSize, 0) - name);
+  if (length > 0) {
+    const auto at = built.begin() + kNameAt;
+    std::fill(std::copy_n(name, length, at), at + kNameSize, ' ');
+    if (length < kNameSize) built[kNameAt + length] = '\n';
+  }
+  built = withChecksum(built);
+  std::copy(built.begin(), built.end(), edid);
   return 0;
 }
 

@@ -70,6 +70,7 @@ TEST_F(BoardTest, AWrongConfigurationLineIsNamedAndEndsTheStart) {
   wrong("copper_ports = 5-3\n", "board.conf:1:");
   wrong("cards_per_port = 4x\n", "board.conf:1: .*cards_per_port");
   wrong("input = 0 dvi\n", "board.conf:1:");
+  wrong("input = 3 dvi\ninput = 0x03 vga\n", "board.conf:2:");
   wrong("sensor = 0 0 1\n", "board.conf:1: .*sensor");
   wrong("journal\n", "board.conf:1:");
 }
@@ -127,6 +128,7 @@ TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
   reboot();
   EXPECT_THAT(flash(0x100, 1), ElementsAre(0));
   EXPECT_THAT(flash(0x200, 1), ElementsAre(after));
+  EXPECT_THAT(flash(0xC20030, 4), ElementsAre(0, 1, 1, 1));
   EXPECT_FALSE(std::filesystem::exists(file("usr/orve/etc/sysconf/kespara_factory_tmp")));
 }
 
@@ -173,18 +175,45 @@ TEST_F(BoardTest, ALinkThatIsCutWhileTheDaemonRunsTakesItsCardsAway) {
 
 TEST_F(BoardTest, ABrightnessPacketOnTheBusReachesTheCards) {
   start();
-  writeFpga(0x400, {0x01, 2, 0xFF, 0xFF, 1, 0, 0x01, 0, 0, 0x02, 1, 0, 0x33, 0x39, 0x02});
+  Bytes global{0x01, 2, 0xFF, 0xFF, 1, 0, 0x01, 0, 0, 0x02, 1, 0, 0x33, 0x39, 0x02};
+  writeFpga(0x400, global);
+  writeFpga(0x300000, {0x01, 2, 0xFF, 0xFF, 1, 0, 0x02, 0, 0, 0x02, 4, 0, 1, 2, 3, 4, 0x14, 0x02});
+  EXPECT_THAT(readCard(1, 2, 5, 0x02000001, 5), ElementsAre(0x33, 1, 2, 3, 4));
+  EXPECT_THAT(readCard(1, 1, 5, 0x02000001, 2), ElementsAre(0xFF, 0));
+  global[12] = 0x44;  // the checksum is that of another brightness
+  writeFpga(0x400, global);
+  global.resize(4);
+  writeFpga(0x400, global);
   EXPECT_THAT(readCard(1, 2, 5, 0x02000001, 1), ElementsAre(0x33));
-  EXPECT_THAT(readCard(1, 1, 5, 0x02000001, 1), ElementsAre(0xFF));
 }
 
-TEST_F(BoardTest, ASensorAnswersWithItsReadingUntilItFallsSilent) {
+class SensorTest : public BoardTest {
+ protected:
+  /** Asks a sensor on card 3 of port 0. */
+  static Bytes ask(unsigned char sensor) {
+    EXPECT_EQ(writeCard(2, 0, 3, 0x06000000, {sensor, 0, 0, 0, 0x55, 0xAA, 0x01, 0x02, 0x80, 0xFF, 0x81}), 0);
+    return readCard(2, 0, 3, 0x06000000, 5);
+  }
+  void setLux(uint32_t index, const Bytes& lux) { poke("hw/control.bin", 256 + 4 * index, lux); }
+};
+
+TEST_F(SensorTest, ASensorAnswersWithItsReadingUntilItFallsSilent) {
+  start("sensor = 0 3 1 1000\nsensor = 0 3 2 0xFFFFFFFF\n");
+  EXPECT_THAT(ask(1), ElementsAre(1, 2, 0x81, 0xF4, 0));
+  EXPECT_THAT(ask(2), IsEmpty());
+  setLux(0, {0xFF, 0xFF, 0xFF, 0xFF});
+  setLux(1, {0x00, 0x00, 0x01, 0x00});  // more than an answer can say
+  EXPECT_THAT(ask(1), IsEmpty());
+  EXPECT_THAT(ask(2), ElementsAre(1, 2, 0xFF, 0xFF, 0));
+  EXPECT_THAT(ask(3), ElementsAre(3, 0, 0, 0, 0x55)) << "without a sensor they are registers like any other";
+}
+
+TEST_F(SensorTest, ReadingsAreKeptFromStartToStartAndANewSensorBringsItsOwn) {
   start("sensor = 0 3 1 1000\n");
-  const Bytes question{1, 0, 0, 0, 0x55, 0xAA, 0x01, 0x02, 0x80, 0xFF, 0x81};
-  EXPECT_EQ(writeCard(2, 0, 3, 0x06000000, question), 0);
-  EXPECT_THAT(readCard(2, 0, 3, 0x06000000, 5), ElementsAre(1, 2, 0x81, 0xF4, 0));
-  poke("hw/control.bin", 256, {0xFF, 0xFF, 0xFF, 0xFF});
-  EXPECT_THAT(readCard(2, 0, 3, 0x06000000, 5), IsEmpty());
+  setLux(0, {20, 0, 0, 0});
+  start("sensor = 0 3 1 1000\nsensor = 0 3 2 40\n");
+  EXPECT_THAT(ask(1), ElementsAre(1, 2, 0x80, 10, 0));
+  EXPECT_THAT(ask(2), ElementsAre(1, 2, 0x80, 20, 0));
 }
 
 TEST_F(BoardTest, TheEnvironmentStoreIsSharedWithTheShellAndKeepsItsLinesWhole) {
@@ -218,6 +247,23 @@ TEST_F(BoardTest, ShellCommandsStayInsideTheBoardDirectory) {
   EXPECT_EQ(board_shell(""), 127);
   char mapped[8];
   EXPECT_EQ(board_path("/log/trace", mapped, sizeof mapped), -1);
+}
+
+TEST_F(BoardTest, ALinkDoesNotLeadAShellCommandOutOfTheBoardDirectory) {
+  start();
+  const auto outside =
+      std::filesystem::temp_directory_path() / ("outside" + file("").parent_path().filename().string());
+  std::filesystem::create_directory(outside);
+  std::ofstream(outside / "kept") << "kept";
+  std::filesystem::create_directory_symlink(outside, file("tmp/link"));
+  for (const char* command :
+       {"mkdir -p /tmp/link/new", "rm -r /tmp/link/kept", "echo \"more\" >> /tmp/link/kept",
+        "cp /board.conf /tmp/link/kept", "cp /tmp/link/kept /tmp/copy", "/bin/cat /tmp/link/kept"})
+    EXPECT_NE(board_shell(command), 0) << command;
+  EXPECT_EQ(board_shell("rm -r /tmp/link"), 0);
+  EXPECT_FALSE(std::filesystem::exists(outside / "new"));
+  EXPECT_EQ(std::filesystem::file_size(outside / "kept"), 4U);
+  std::filesystem::remove_all(outside);
 }
 
 TEST_F(BoardTest, SettingTheClockMovesTheBoardsTimeAndNotTheHosts) {

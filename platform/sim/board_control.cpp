@@ -79,7 +79,10 @@ using namespace simboard;
 
 void board_clock(timespec* now) {
   clock_gettime(CLOCK_REALTIME, now);
-  if (page != nullptr) now->tv_sec += static_cast<time_t>(page->clockOffset.load(std::memory_order_relaxed));
+  if (page == nullptr) return;
+  // Another process may have written any offset: the sum wraps.
+  const auto offset = static_cast<uint64_t>(page->clockOffset.load(std::memory_order_relaxed));
+  now->tv_sec = static_cast<time_t>(static_cast<uint64_t>(now->tv_sec) + offset);
 }
 
 int board_clock_set(time_t seconds) {

@@ -46,9 +46,11 @@ BoardConf plugged;
 
 void readConf() {
   const std::string name = path("board.conf");
-  if (!fs::exists(name)) std::ofstream(name) << kDefaultConf;
+  std::error_code failed;
+  if (fs::symlink_status(name, failed).type() == fs::file_type::not_found)
+    std::ofstream(name) << kDefaultConf;
   const std::ifstream file(name);
-  if (!fs::is_regular_file(name) || !file) refuse("cannot read " + name);
+  if (!fs::is_regular_file(name, failed) || !file) refuse("cannot read " + name);
   std::stringstream text;
   text << file.rdbuf();
   std::string error;
@@ -73,7 +75,8 @@ void showFpgaState(bool rebooted) {
 
 // A board that was switched off, or never on, counts as on when all of it has come up.
 void powerUp(bool rebooted) {
-  const bool switchedOn = !fs::exists(path(kPowered)) || !fs::exists(path("hw/fpga.bin"));
+  std::error_code failed;
+  const bool switchedOn = !fs::exists(path(kPowered), failed) || !fs::exists(path("hw/fpga.bin"), failed);
   if (!openControl() || !openFlash(switchedOn) || !openFpga(switchedOn))
     refuse("cannot open the files in " + path("hw"));
   if (!switchedOn) return;
@@ -125,12 +128,14 @@ using namespace simboard;
 
 void board_start(int, char** argv) {
   const char* named = std::getenv("PARLEND_BOARD");
-  root = fs::absolute(named != nullptr && *named != '\0' ? named : "board").lexically_normal().string();
-  arguments = argv;
+  const fs::path directory = named != nullptr && *named != '\0' ? named : "board";
   std::error_code failed;
-  for (const char* directory : kDirectories) {
-    fs::create_directories(path(directory), failed);
-    if (failed) refuse("cannot create " + path(directory) + ": " + failed.message());
+  root = fs::absolute(directory, failed).lexically_normal().string();
+  if (failed) refuse("cannot find the board " + directory.string() + ": " + failed.message());
+  arguments = argv;
+  for (const char* part : kDirectories) {
+    fs::create_directories(path(part), failed);
+    if (failed) refuse("cannot create " + path(part) + ": " + failed.message());
   }
   takeBoard();
   readConf();

@@ -47,7 +47,7 @@ int localText(Fault fault, const char* format, char* text) {
   timespec now{};
   board_clock(&now);
   tm local{};
-  localtime_r(&now.tv_sec, &local);
+  if (localtime_r(&now.tv_sec, &local) == nullptr) return -1;
   return std::strftime(text, kTextSize, format, &local) > 0 ? 0 : -1;
 }
 

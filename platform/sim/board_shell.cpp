@@ -62,6 +62,11 @@ bool isInside(const fs::path& target) {
   return !failed && std::mismatch(top.begin(), top.end(), real.begin(), real.end()).first == top.end();
 }
 
+bool isFile(const fs::path& target) {
+  std::error_code failed;
+  return fs::is_regular_file(target, failed);
+}
+
 // Where a command may read or write; nothing when a link leads out of the board directory.
 std::optional<fs::path> reach(const std::string& word) {
   fs::path target = devicePath(word);
@@ -91,7 +96,7 @@ int copyFile(const Words& words, std::string&) {
   if (words.size() != 3) return kFailed;
   const auto source = reach(words[1]);
   const auto target = reach(words[2]);
-  if (!source || !target || *source == *target || !fs::is_regular_file(*source)) return kFailed;
+  if (!source || !target || *source == *target || !isFile(*source)) return kFailed;
   const int from = open(source->c_str(), O_RDONLY | O_CLOEXEC);
   const int to = open(target->c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   struct stat status {};
@@ -117,7 +122,7 @@ int removeFiles(const Words& words, std::string&) {
 
 int printFile(const Words& words, std::string& output) {
   const auto source = words.size() == 2 ? reach(words[1]) : std::nullopt;
-  if (!source || !fs::is_regular_file(*source)) return kFailed;
+  if (!source || !isFile(*source)) return kFailed;
   std::ifstream file(*source, std::ios::binary);
   output.assign(std::istreambuf_iterator<char>(file), {});
   return statusOf(file.is_open());

@@ -16,7 +16,7 @@ target_compile_options(parlend_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror
   -fstack-protector-strong -fno-omit-frame-pointer ${PARLEND_PREFIX_MAP})
 target_compile_options(parlend_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
-target_compile_definitions(parlend_options INTERFACE _GLIBCXX_ASSERTIONS _FILE_OFFSET_BITS=64)
+target_compile_definitions(parlend_options INTERFACE _GLIBCXX_ASSERTIONS _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 target_link_options(parlend_options INTERFACE -Wl,-z,relro,-z,now)
 find_package(Threads REQUIRED)
 target_link_libraries(parlend_options INTERFACE Threads::Threads)

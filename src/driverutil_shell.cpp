@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -24,7 +25,7 @@ constexpr std::size_t kClockRequestSize = 256;
 constexpr std::size_t kCommandResultSize = 64;
 
 bool fileExists(const char* devicePath) {
-  char path[512];
+  char path[PATH_MAX];
   return board_path(devicePath, path, sizeof path) == 0 && access(path, F_OK) == 0;
 }
 
@@ -82,7 +83,7 @@ void DriverUtil::chomp(char* text) {
 }
 
 int DriverUtil::SetClock(unsigned char channel, unsigned int frequency) {
-  char path[512];
+  char path[PATH_MAX];
   const int device = board_path("/dev/i2cdev9", path, sizeof path) == 0 ? open(path, O_RDWR | O_CLOEXEC) : -1;
   if (device < 0) {
     std::puts("fail to open!!!");

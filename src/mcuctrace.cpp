@@ -45,7 +45,7 @@ std::string twoDigits(int number) {
   return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
-std::string fourDigits(int number) {
+std::string fourDigits(int64_t number) {
   const std::string digits = std::to_string(number);
   return std::string(digits.size() < 4 ? 4 - digits.size() : 0, '0') + digits;
 }
@@ -146,7 +146,7 @@ std::string CTrace::nextPath(time_t second) {
   if (m_lpszPrivateInfo != nullptr) return directory + m_lpszPrivateInfo + (m_bShared ? "" : '.' + process);
   const tm& local = m_stamp.local(second);
   const std::string date =
-      twoDigits(local.tm_mon + 1) + twoDigits(local.tm_mday) + fourDigits(local.tm_year + 1900);
+      twoDigits(local.tm_mon + 1) + twoDigits(local.tm_mday) + fourDigits(int64_t{local.tm_year} + 1900);
   const int count = m_iCurrCount;
   m_iCurrCount = (m_iCurrCount + 1) % kFilesPerDay;
   return directory + get_process_name() + "_info_" + date + '_' + std::to_string(count) + '.' + process +

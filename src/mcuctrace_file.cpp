@@ -87,7 +87,8 @@ void CTraceFile::write(std::string_view line) {
   if (m_bShared) return writeShared(line);
   const std::size_t end = dataEnd();
   m_bMaxReached = full(end);
-  if (m_bMaxReached && ftruncate(m_file, static_cast<off_t>(end)) != 0) return;
+  // A file that cannot be cut is only longer than its header says.
+  if (m_bMaxReached) (void)!ftruncate(m_file, static_cast<off_t>(end));
   append(end, line);
   echo().write(line);
 }

@@ -51,7 +51,8 @@ class MappedPageGuard {
     if (page != nullptr && mmap(page, s_size, PROT_READ | PROT_WRITE, flags, -1, 0) != MAP_FAILED) {
       s_page = nullptr;
     } else {
-      sigaction(SIGBUS, &s_previous, nullptr);  // the access is repeated, and its fault goes there
+      sigaction(SIGBUS, &s_previous, nullptr);
+      raise(SIGBUS);  // a signal that was sent is not repeated by an access
     }
   }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <string_view>
@@ -45,7 +46,7 @@ class TraceStamp {
     *to++ = '[';
     to = putDigits(to, static_cast<unsigned>(local_.tm_mon + 1), 2, '/');
     to = putDigits(to, static_cast<unsigned>(local_.tm_mday), 2, '/');
-    to = putYear(to, static_cast<long>(local_.tm_year) + 1900);
+    to = putYear(to, int64_t{local_.tm_year} + 1900);
     *to++ = ' ';
     to = putDigits(to, static_cast<unsigned>(local_.tm_hour), 2, ':');
     to = putDigits(to, static_cast<unsigned>(local_.tm_min), 2, ':');
@@ -57,7 +58,7 @@ class TraceStamp {
     length_ = static_cast<std::size_t>(to - text_.data());
   }
 
-  char* putYear(char* to, long year) {
+  char* putYear(char* to, int64_t year) {
     if (year >= 0 && year <= 9999) return putDigits(to, static_cast<unsigned>(year), 4);
     return std::to_chars(to, text_.data() + text_.size(), year).ptr;
   }

@@ -45,6 +45,7 @@ int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName) {
   char* payload = block ? block->allocate(static_cast<int>(length)) : nullptr;
   if (payload == nullptr) {
     PARLEND_TRACE(kError) << "=== MCUProcessDataBlock ===: new a pDataBlock, but it's NULL. return.";
+    request->proto.m_ucAck = kAckRefused;
     return kRefused;
   }
   ByteWriter writer({reinterpret_cast<uint8_t*>(payload), length});

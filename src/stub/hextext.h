@@ -1,7 +1,6 @@
-// Bytes as hexadecimal text for a log line; composed only where the line will be written.
+// Bytes as hexadecimal text for a log line; composed on the stack, and only where the line will be written.
 #pragma once
 
-#include <memory>
 #include <string_view>
 
 #include "mcucutil.h"
@@ -13,13 +12,12 @@ template <int Room>
 class HexText {
  public:
   HexText(const unsigned char* bytes, int count)
-      : text_(std::make_unique_for_overwrite<char[]>(Room)),
-        length_(Bytes2String(reinterpret_cast<const char*>(bytes), count, text_.get(), Room)) {}
-  const char* c_str() const { return text_.get(); }
-  std::string_view view() const { return {text_.get(), static_cast<std::size_t>(length_)}; }
+      : length_(Bytes2String(reinterpret_cast<const char*>(bytes), count, text_, Room)) {}
+  const char* c_str() const { return text_; }
+  std::string_view view() const { return {text_, static_cast<std::size_t>(length_)}; }
 
  private:
-  std::unique_ptr<char[]> text_;
+  char text_[Room];  // filled up to its zero by Bytes2String
   int length_;
 };
 

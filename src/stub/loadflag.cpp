@@ -1,5 +1,6 @@
 #include "stub/loadflag.h"
 
+#include <limits.h>
 #include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -18,12 +19,12 @@ constexpr int kPollMs = 1;
 }  // namespace
 
 bool fpgaLoadFlagExists() {
-  char path[512];
+  char path[PATH_MAX];
   return board_path(kFlagFile, path, sizeof path) == 0 && access(path, F_OK) == 0;
 }
 
 void waitForFpgaLoadFlag() {
-  char directory[512];
+  char directory[PATH_MAX];
   const int watch = inotify_init1(IN_CLOEXEC);
   if (watch < 0 || board_path(kDirectory, directory, sizeof directory) != 0 ||
       inotify_add_watch(watch, directory, IN_CREATE | IN_MOVED_TO) < 0) {

@@ -39,7 +39,7 @@ class McuIMDThread {
 
   // Takes messages one at a time until something is wrong with one: kErrNoMessage.
   int ipc_event_deal_th();
-  // Checks, decodes and carries out one frame of label->size bytes: 0, -1 or kErrNoMessage.
+  // Checks, decodes and carries out one frame of label->size bytes. kErrNoMessage without a frame, else 0.
   int dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label, const unsigned char* frame);
 
   // 0 when the device has loaded the FPGA.

@@ -21,6 +21,7 @@ int McuIMDThread::CheckFPGAOnline() {
 void McuIMDThread::FlagMsg() {
   PARLEND_TRACE(kDebug) << "FlagMsg process thread begin.";
   while (CheckFPGAOnline() != 0 && !m_flag.exit.load()) waitForFpgaLoadFlag();
+  if (m_flag.exit.load()) return;
   PARLEND_TRACE(kError) << "----------------- receive file /etc/init.d/flag_fpgaload.";
   Data_Global::getInstance()->FpgaOnlineFlag = 1;
   Data_Global::getInstance()->SendFlag_parlendload();

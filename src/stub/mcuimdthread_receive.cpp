@@ -15,6 +15,8 @@ namespace {
 
 constexpr int kPauseAfterErrorMs = 5;
 constexpr int kWaitForMessageMs = 1000;
+constexpr std::size_t kPeersRemembered =
+    1024;  // the list serves the log: ever new peers must not fill memory
 constexpr uint8_t kSourceOfTools = 0xFE;
 
 // The service's callback, on the wait thread: it only queues.
@@ -86,15 +88,16 @@ int McuIMDThread::takeMessage() {
     apipc_que_wait(kWaitForMessageMs);
     return 0;
   }
+  if (resetting()) {
+    PARLEND_TRACE(kError) << "....... Device Reset To Factory ing...... , return.";
+    if (message != nullptr) apipc_que_detach(message, apipc_que_attach(message));
+    return kErrNoMessage;
+  }
   if (message == nullptr) {
     PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, msg is invalid, return.";
     return kErrNoMessage;
   }
   const AttachedMessage attached(message);
-  if (resetting()) {
-    PARLEND_TRACE(kError) << "....... Device Reset To Factory ing...... , return.";
-    return kErrNoMessage;
-  }
   const unsigned char* contents = attached.contents();
   if (contents == nullptr) {
     PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, boday is invalid, return.";
@@ -105,8 +108,8 @@ int McuIMDThread::takeMessage() {
   std::memcpy(&head, contents, sizeof head);
   std::memcpy(&label, contents + sizeof head, sizeof label);
   PARLEND_TRACE(kInfo) << "Apipc, Get a new Packet: ihead_t uiid = " << CTrace::hex << head.ui_id
-                       << ", label count = " << head.lbl_cnt << ", size = " << head.size
-                       << ", large label = " << label.large << ", small label = " << label.small;
+                       << " label count = " << head.lbl_cnt << " size = " << head.size
+                       << " large label = " << label.large << " small label = " << label.small;
   if (label.large != kThirdProtocolLabel) return 0;
   if (label.small <= 1) dealDataBlockNew(&head, &label, contents + kTransportHeadLength);
   if (label.small == 3) PARLEND_TRACE(kInfo) << "Apipc, data interrupt...";
@@ -134,12 +137,12 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
   }
   if (const int failed = request.proto.Decode(frame, length)) {
     PARLEND_TRACE(kError) << "=== dealDataBlock ===Decode DataBlock Failed! Decode result = " << failed;
-    return failed;
+  } else {
+    request.proto.m_ucAck = ack;
+    request.ipcHeader = {head->ui_id,  head->lbl_cnt, head->size,   head->result,
+                         head->detail, label->small,  label->large, 0};
+    StubUtil::getInstance()->onDataRecvFromIMDNew(&request);
   }
-  request.proto.m_ucAck = ack;
-  request.ipcHeader = {head->ui_id,  head->lbl_cnt, head->size,   head->result,
-                       head->detail, label->small,  label->large, 0};
-  StubUtil::getInstance()->onDataRecvFromIMDNew(&request);
   rememberPeer(head->ui_id);
   if (request.proto.m_ucCode == kCodeWrite) {
     PARLEND_TRACE(kInfo) << "\tmsg.m_ucCode = "
@@ -156,6 +159,7 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
 
 void McuIMDThread::rememberPeer(uint32_t uiid) {
   if (std::find(m_vectorUIIDs.begin(), m_vectorUIIDs.end(), uiid) != m_vectorUIIDs.end()) return;
+  if (m_vectorUIIDs.size() >= kPeersRemembered) return;
   m_vectorUIIDs.push_back(uiid);
   PARLEND_TRACE(kInfo) << "recv new uiid = " << uiid << " size = " << static_cast<int>(m_vectorUIIDs.size());
 }

@@ -14,9 +14,12 @@ char* MCUProcessDataBlock::allocate(int length) {
 
 bool MCUProcessDataBlock::setData(const char* data, int length) {
   if (data == nullptr && length > 0) return false;
-  char* room = allocate(length);
+  MCUProcessDataBlock fresh;
+  char* room = fresh.allocate(length);
   if (room == nullptr) return false;
   if (length > 0) std::memcpy(room, data, static_cast<std::size_t>(length));
+  m_data = std::move(fresh.m_data);
+  m_dataLen = length;
   return true;
 }
 

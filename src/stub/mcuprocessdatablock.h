@@ -13,7 +13,8 @@ inline constexpr int PROCESS_DATA_BLOCK_LENGTH = 65535;
 
 class MCUProcessDataBlock {
  public:
-  // Replaces the payload: length bytes, 0 .. 65535. False, and nothing changed, for any other length.
+  // Replaces the payload: length bytes, 0 .. 65535. False, and nothing changed, for any other length or
+  // without memory.
   bool setData(const char* data, int length);
   // The payload, null when there is none. It is as large as what it carries.
   char* getData() { return m_data.get(); }

@@ -11,7 +11,7 @@ using namespace simboard;
 
 namespace {
 
-constexpr int kEntries = COLOUR_TABLE_SIZE / 2;
+constexpr std::size_t kEntries = COLOUR_TABLE_SIZE / 2;
 constexpr double kPi = 3.14159265358979323846;
 
 void putLe16(unsigned char* at, long value) {
@@ -21,7 +21,7 @@ void putLe16(unsigned char* at, long value) {
 
 template <class Curve>
 void fillTable(unsigned char* table, Curve curve) {
-  for (int i = 0; i < kEntries; ++i) {
+  for (std::size_t i = 0; i < kEntries; ++i) {
     const double light = std::clamp(curve(static_cast<double>(i) / (kEntries - 1)), 0.0, 1.0);
     putLe16(table + 2 * i, std::lround(light * 65535));
   }

@@ -159,15 +159,16 @@ bool parseConf(const std::string& text, BoardConf& conf, std::string& error) {
     const std::size_t equals = line.find('=');
     const std::string key = trimmed(line.substr(0, equals));
     const auto setter = setters().find(key);
-    const std::string where = "board.conf:" + std::to_string(no) + ": ";
     if (equals == std::string::npos) {
-      error = where + "not a \"key = value\" line";
+      error = "not a \"key = value\" line";
     } else if (setter == setters().end()) {
-      error = where + "unknown key \"" + key + "\"";
+      error.append("unknown key \"").append(key).append("\"");
     } else if (const std::string value = trimmed(line.substr(equals + 1)); !setter->second(value, conf)) {
-      error = where + "bad value \"" + value + "\" for " + key;
+      error.append("bad value \"").append(value).append("\" for ").append(key);
     }
-    if (!error.empty()) return false;
+    if (error.empty()) continue;
+    error.insert(0, "board.conf:" + std::to_string(no) + ": ");
+    return false;
   }
   // Without any input line the two inputs of a plain board are there.
   if (conf.inputs.empty()) conf.inputs = {{0x10, 0}, {0x01, 2}};

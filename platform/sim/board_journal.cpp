@@ -35,7 +35,7 @@ long long monotonicUs() {
 
 bool openJournal(JournalLevel level, bool goOn) {
   const char* first = std::getenv(kStartMark);
-  startedUs = goOn && first != nullptr ? std::atoll(first) : monotonicUs();
+  startedUs = goOn && first != nullptr ? std::strtoll(first, nullptr, 10) : monotonicUs();
   setenv(kStartMark, std::to_string(startedUs).c_str(), 1);
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (goOn ? 0 : O_TRUNC);
   file = open(path("hw/journal.log").c_str(), flags, 0600);

@@ -83,7 +83,7 @@ TEST_F(BoardTest, CurvesRiseFromBlackToAsMuchAsTheBrightnessAllows) {
   expectCurve(65535);
   HLGGammaCalculation(0, table.data());
   expectCurve(65535);
-  EXPECT_NEAR(entries(table)[2048], 65535 / 12, 10) << "half the signal is a twelfth of the light";
+  EXPECT_NEAR(entries(table)[2048], 65535 / 12.0, 10) << "half the signal is a twelfth of the light";
 }
 
 TEST_F(BoardTest, NeutralConversionsOnlyChangeTheCoding) {

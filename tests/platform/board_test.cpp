@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <numeric>
+#include <thread>
 
 #include "board_fixture.h"
 #include "platform/driver.h"
@@ -290,6 +291,32 @@ TEST_F(BoardTest, TheJournalTellsWhatChangedTheBoardInItsOrder) {
   EXPECT_THAT(journal(),
               ElementsAre("fpga-write 0x00000018 66 " + shown + "+2",
                           "card-write 1 0 3 0x02000001 1 10 failed", "shell sync", "clock-set 12"));
+}
+
+TEST_F(BoardTest, TheJournalHasTheOrderInWhichThreadsReachedTheBoard) {
+  start();
+  constexpr int kWrites = 100;
+  const auto work = [](unsigned char mark) {
+    for (int i = 0; i < kWrites; ++i) {
+      writeFpga(0x100, {mark});
+      writeCard(1, 0, 0, 0x02000001, {mark});
+      readCard(1, 0, 0, 0x02000001, 1);
+    }
+  };
+  std::vector<std::thread> threads;
+  for (unsigned char mark = 0x10; mark < 0x14; ++mark) threads.emplace_back(work, mark);
+  for (auto& thread : threads) thread.join();
+  std::string lastOnBus;
+  std::string lastOnCard;
+  const auto lines = journal();
+  EXPECT_EQ(lines.size(), threads.size() * kWrites * 2);
+  for (const std::string& line : lines) {
+    EXPECT_THAT(line,
+                testing::MatchesRegex("(fpga-write 0x00000100 1|card-write 1 0 0 0x02000001 1) 1[0-3]"));
+    (line.front() == 'f' ? lastOnBus : lastOnCard) = line.substr(line.size() - 2);
+  }
+  EXPECT_EQ(lastOnBus, "1" + std::to_string(fpga(0x100, 1)[0] - 0x10));
+  EXPECT_EQ(lastOnCard, "1" + std::to_string(readCard(1, 0, 0, 0x02000001, 1).at(0) - 0x10));
 }
 
 }  // namespace

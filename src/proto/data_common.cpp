@@ -1,5 +1,6 @@
 #include "proto/data_common.h"
 
+#include "proto/paratables.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -30,9 +31,19 @@ constexpr std::size_t portRole(unsigned int port) {
 constexpr std::size_t kHeightAt = 2;
 constexpr std::size_t kOffsetXAt = 4;
 constexpr std::size_t kOffsetYAt = 6;
+template <std::size_t Field>
+constexpr std::array<uint16_t, kPorts> fieldOffsets() {
+  std::array<uint16_t, kPorts> offsets{};
+  for (unsigned int port = 0; port < kPorts; ++port)
+    offsets[port] = static_cast<uint16_t>(portRecord(port) + Field);
+  return offsets;
+}
 static_assert(portRecord(12) + kOffsetXAt == 0x159 && portRecord(7) + kOffsetXAt == 0xD0);
 
 }  // namespace
+
+constinit const std::array<uint16_t, 16> PortParaXOffsetIndex = fieldOffsets<kOffsetXAt>();
+constinit const std::array<uint16_t, 16> PortParaYOffsetIndex = fieldOffsets<kOffsetYAt>();
 
 Data_Global* Data_Global::getInstance() {
   return globalHolder().get([] { return new Data_Global; });
@@ -60,10 +71,10 @@ void Data_Global::PortHeightUpdate(unsigned int port, uint16_t value) {
   if (port < kPorts) putLe16At(portRecord(port) + kHeightAt, value);
 }
 void Data_Global::PortOffsetXUpdate(unsigned int port, uint16_t value) {
-  if (port < kPorts) putLe16At(portRecord(port) + kOffsetXAt, value);
+  if (port < kPorts) putLe16At(PortParaXOffsetIndex[port], value);
 }
 void Data_Global::PortOffsetYUpdate(unsigned int port, uint16_t value) {
-  if (port < kPortsWithOffsetY) putLe16At(portRecord(port) + kOffsetYAt, value);
+  if (port < kPortsWithOffsetY) putLe16At(PortParaYOffsetIndex[port], value);
 }
 void Data_Global::PortMorSUpdate(unsigned int port, uint8_t value) {
   if (port < kPorts) SendParameterReg[portRole(port)] = value;

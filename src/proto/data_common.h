@@ -13,6 +13,10 @@
 
 namespace ORVE_MCUC {
 
+// Where the X and Y offsets of ports 0..15 lie in the feature image.
+extern const std::array<uint16_t, 16> PortParaXOffsetIndex;
+extern const std::array<uint16_t, 16> PortParaYOffsetIndex;
+
 class Data_Global {
  public:
   static Data_Global* getInstance();

@@ -1,0 +1,112 @@
+// The tables that the screen and colour calculations share, and the names of the fields in them. Bytes are
+// touched by several threads, as those of the register images are; fields are 16 bits, little-endian.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "mcucdatablock.h"
+
+namespace ORVE_MCUC {
+
+// A 16-bit field at a byte offset of a table of N bytes, which it must lie in.
+template <std::size_t N>
+uint16_t fieldOf(const ByteImage<N>& table, std::size_t offset) {
+  return static_cast<uint16_t>(table[offset] | table[offset + 1] << 8);
+}
+template <std::size_t N>
+void setFieldOf(ByteImage<N>& table, std::size_t offset, uint16_t value) {
+  table[offset] = static_cast<uint8_t>(value);
+  table[offset + 1] = static_cast<uint8_t>(value >> 8);
+}
+
+inline constinit ByteImage<1024> ParaTable;          // the first 512 bytes are saved in flash
+inline constinit ByteImage<1024> AdvCfgParaTable;    // advanced configuration, 10 bytes a port
+inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced connection modes of ports 1..16
+inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
+inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
+
+inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortRow;
+inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortCol;
+inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortX;
+inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortY;
+inline constinit std::array<RelaxedByte, 10> TempAdvPortCM;
+
+inline constinit std::array<RelaxedValue<uint32_t>, 2>
+    RecvCardSize_befor;  // pixels, read back after a factory reset
+inline constinit RelaxedValue<uint32_t>
+    factory_flag;  // 1 while the first boot after a factory reset is restored
+inline constinit RelaxedValue<uint32_t> read_CardSize_flag;
+inline constinit std::array<RelaxedByte, 7> Time_to_vsp;
+
+// Colour settings, with what they are until a peer sets them.
+inline constinit RelaxedValue<uint16_t> fScreenPeakLight{1000};  // cd/m2
+inline constinit RelaxedValue<uint16_t> fambientLight{30};       // cd/m2
+inline constinit RelaxedByte pMinLum{15};
+inline constinit RelaxedByte pdelta{140};
+inline constinit RelaxedByte HLGCalss{4};
+inline constinit RelaxedValue<uint16_t> Saturation{50};
+inline constinit RelaxedValue<uint16_t> Contrast{50};
+inline constinit RelaxedValue<uint16_t> Hue{0};
+inline constinit RelaxedByte HDRType{0};
+
+// Offsets of the fields in ParaTable. The role lives in the store's member of that name; its slot here stays
+// unused.
+namespace para {
+enum Field : std::size_t {
+  PbufBrightness = 0x00,
+  PbufGamma = 0x02,
+  PbufRedBri = 0x04,
+  PbufGreenBri = 0x06,
+  PbufBlueBri = 0x08,
+  PbufColorTemp = 0x0A,
+  PbufHRes = 0x0C,
+  PbufVRes = 0x0E,
+  PbufInputRefrate = 0x10,
+  PbufOffSetX = 0x12,
+  PbufOffSetY = 0x14,
+  PbufScreenWidth = 0x16,
+  PbufScreenHeight = 0x18,
+  PbufCalCfgRow = 0x1A,
+  PbufCalCfgCol = 0x1C,
+  PbufCalCfgNum = 0x1E,
+  PbufCalCfgCM = 0x20,
+  PbufMorSMode = 0x22,
+  PbufHDRType = 0x24,
+  PbufHLGClass = 0x26,
+  PbufScrPeakLight = 0x28,
+  PbufAmbientLight = 0x2A,
+  PbufLowGrayEffect = 0x2C,
+  PbufHigGrayEffect = 0x2E,
+  PbufContrast = 0x30,
+  PbufSaturation = 0x32,
+  PbufHue = 0x34,
+  PbufSendcardBitDepth = 0x36,
+};
+
+// Fields of port 1..16 in AdvCfgParaTable, and its connection mode in ParaCharTable.
+constexpr std::size_t advanced(std::size_t port) {
+  return 10 * (port - 1);
+}
+constexpr std::size_t PbufAdvCfgPortRow(std::size_t port) {
+  return advanced(port) + 0;
+}
+constexpr std::size_t PbufAdvCfgPortCol(std::size_t port) {
+  return advanced(port) + 2;
+}
+constexpr std::size_t PbufAdvCfgPortX(std::size_t port) {
+  return advanced(port) + 4;
+}
+constexpr std::size_t PbufAdvCfgPortY(std::size_t port) {
+  return advanced(port) + 6;
+}
+constexpr std::size_t PbufAdvCfgPortCM(std::size_t port) {
+  return advanced(port) + 8;
+}
+constexpr std::size_t PbufAdvPortCM(std::size_t port) {
+  return port;
+}
+static_assert(PbufAdvCfgPortCM(16) + 2 <= 1024 && PbufAdvPortCM(16) < 32);
+}  // namespace para
+
+}  // namespace ORVE_MCUC

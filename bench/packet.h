@@ -11,7 +11,7 @@ inline constexpr std::size_t kHead = 28;
 inline constexpr std::size_t kReadBytes = 16;
 inline constexpr std::size_t kRequestSize = kHead + 20;
 inline constexpr std::size_t kReplySize = kHead + 20 + kReadBytes;
-inline constexpr uint32_t kRegister = 0x02300000;    // answered from flash: no card, no queue
+inline constexpr uint32_t kRegister = 0xF0000000;    // the FPGA bus: answered from memory, no card, no queue
 inline constexpr uint32_t kFirstService = 0x0A5000;  // service codes that no peer of the device has
 
 using Request = std::array<unsigned char, kRequestSize>;

@@ -3,6 +3,7 @@
 #include "mcuctrace.h"
 #include "proto/addr_backupinforegister.h"
 #include "proto/addr_cardprogmaspaceregister.h"
+#include "proto/addr_edidspaceregister.h"
 #include "proto/addr_hwbasicinforegister.h"
 #include "proto/addr_rgbgammaregister.h"
 #include "proto/addr_rvconfigfilespace.h"
@@ -45,7 +46,7 @@ constexpr std::array<Fshl_cmd, 71> kRoot{
     unservedRow(reg::kFunCardPortNumber, "netborad", "network scanborad register"),
     rootRow<Addr_SoftwareTableRegister>(reg::kSoftwareTable, "softwarespace", "software space register"),
     rootRow<Addr_SoftwareTableRegister>(reg::kSoftwareTableUpper, "softwarespace", "software space register"),
-    unservedRow(reg::kEdid, "edid", "edid space register"),
+    rootRow<Addr_EDIDSpaceRegister>(reg::kEdid, "edid", "edid space register"),
     unservedRow(reg::kBrightness, "brightness", "brightness space register"),
     rootRow<Addr_TestPrinfRegister>(reg::kTestPrint, "testprintf", "testprintf Infomation"),
     rootRow<Addr_TestPrinfRegister>(reg::kTestPrintUpper, "testprintf", "testprintf Infomation"),
@@ -90,6 +91,7 @@ Tshl_ctl::Tshl_ctl() {
   Addr_ScreenPatternGenregister::getInstance();
   Addr_RVConfigFileSpace::getInstance();
   Addr_CardProgmaSpaceRegister::getInstance();
+  Addr_EDIDSpaceRegister::getInstance();
 }
 
 Tshl_ctl::~Tshl_ctl() {

@@ -121,6 +121,19 @@ TEST_F(SpacesTest, TestPrintIsTheFpgaBus) {
   EXPECT_EQ(daemon.board().fpga(0x00C0FFE0, 2500), counting(2500));
 }
 
+TEST_F(SpacesTest, TheEdidIsThatOfTheInputOnceItsBoardHasBeenFound) {
+  const Bytes edid = counting(256);
+  std::ofstream(daemon.board().directory() / "hw/edid-16.bin", std::ios::binary)
+      .write(reinterpret_cast<const char*>(edid.data()), 256);
+  EXPECT_THAT(read(0x08000000, 128), Carries(zeros(128)));
+  EXPECT_THAT(read(0x08000000, 1), CarriesNothing());
+  EXPECT_THAT(read(0x08000000, 128), Carries(Bytes(edid.begin(), edid.begin() + 128)));
+  EXPECT_THAT(read(0x08000000, 256), Carries(edid));
+  EXPECT_THAT(read(0x08000000, 64), CarriesNothing());
+  EXPECT_THAT(read(0x08000001, 128), CarriesNothing());
+  EXPECT_THAT(write(0x08000000, edid), CarriesNothing());
+}
+
 TEST_F(SpacesTest, ThePatternGeneratorShowsItsFirst63Bytes) {
   daemon.board().setFpga(0x00A00000, counting(64));
   EXPECT_THAT(read(0x12010003, 10), Carries(counting(10, 22)));

@@ -1,0 +1,124 @@
+#include "process/inputSource.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "mcuctrace.h"
+#include "singleton.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr uint8_t kNoSignalYet = 3;
+
+// FPGA input channels: row by the low nibble of a board's id, column by the next one.
+constexpr uint8_t g_fpga_ch_table[3][6] = {
+    {0, 1, 2, 3, 0, 0}, {4, 255, 255, 255, 0, 0}, {5, 255, 255, 255, 0, 0}};
+
+uint8_t channelOf(unsigned int id) {
+  const unsigned int row = id & 0x0F;
+  const unsigned int column = id >> 4 & 0x0F;
+  return row < std::size(g_fpga_ch_table) && column < std::size(g_fpga_ch_table[0])
+             ? g_fpga_ch_table[row][column]
+             : uint8_t{0};
+}
+
+// What the sources of a board type are called; k boards of that type came before.
+struct Family {
+  int type;
+  uint8_t code;  // of k = 0
+  const char* name;
+  bool numbered;  // the name ends in k + 1
+  uint8_t nameLength;
+};
+constexpr Family kFamilies[] = {{kDvi, 0x00, "DVI", false, 3},
+                                {kDualDvi, 0x51, "DUAL_DVI-", true, 10},
+                                {kHdmi14, 0x61, "HDMI1.4-", true, 9},
+                                {kSdi3G, 0x30, "SDI", false, 3},
+                                {kVga, 0x20, "VGA", false, 3}};
+
+Singleton<InputSource>& holder() {
+  static Singleton<InputSource> instance;
+  return instance;
+}
+
+}  // namespace
+
+InputSource* InputSource::getInstance() {
+  return holder().get([] { return new InputSource; });
+}
+void InputSource::deleteInstance() {
+  holder().destroy();
+}
+
+void InputSource::InputBoardInit() {
+  input_board_detect();
+  source_info_init();
+}
+
+void InputSource::input_board_detect() {
+  _board = {};
+  ll_initial();
+  std::size_t total = 0;
+  std::size_t valid = 0;
+  for (int id = ll_find_input_next(0); id != 0 && total < kBoards; id = ll_find_input_next(id)) {
+    if (ll_find_input_filter_all(id) == 0) continue;
+    input_board_t& board = _board[total++];
+    board.id = static_cast<uint16_t>(id);
+    board.valid = ll_get_input_info(id, &board.type, &board.cap) == 0;
+    valid += board.valid ? 1 : 0;
+    PARLEND_TRACE(kInfo) << "Input id = " << id << "Input type = " << board.type;
+  }
+  PARLEND_TRACE(kInfo) << "Input Total = " << total << "Input valid = " << valid;
+}
+
+void InputSource::source_info_init() {
+  gsource = {};
+  m_inputSoruceName = {};
+  RealSourceNum = 0;
+  for (const input_board_t& board : _board) {
+    if (!board.valid) continue;
+    const std::size_t n = RealSourceNum++;
+    source_t& source = gsource[n];
+    source.signal_state = kNoSignalYet;
+    source.group = static_cast<uint8_t>(n);
+    source.id = board.id;
+    source.input_ch = channelOf(board.id);
+    const auto sameBefore = std::count_if(
+        std::as_const(_board).data(), &board,
+        [&board](const input_board_t& other) { return other.valid && other.type == board.type; });
+    nameSource(n, board.type, static_cast<unsigned int>(sameBefore));
+  }
+}
+
+void InputSource::nameSource(std::size_t n, int type, unsigned int sameBefore) {
+  inputsource_name_t& record = m_inputSoruceName[n];
+  record.cardNO = gsource[n].group;
+  const auto* family = std::find_if(std::begin(kFamilies), std::end(kFamilies),
+                                    [type](const Family& f) { return f.type == type; });
+  if (family == std::end(kFamilies)) return;
+  gsource[n].src_code = static_cast<uint8_t>(family->code + sameBefore);
+  record.sourceCode = gsource[n].src_code;
+  record.lenName = family->nameLength;
+  const std::string number = family->numbered ? std::to_string(sameBefore + 1) : std::string();
+  std::snprintf(record.name.data(), record.name.size(), "%s%s", family->name, number.c_str());
+}
+
+const source_t* InputSource::GetSourceByGroup(int group) const {
+  const auto end = gsource.begin() + static_cast<std::ptrdiff_t>(RealSourceNum);
+  const auto found =
+      std::find_if(gsource.begin(), end, [group](const source_t& source) { return source.group == group; });
+  return found == end ? nullptr : &*found;
+}
+
+int InputSource::ReadEDIDInfo(int group, std::span<uint8_t, kEdidSize> out) {
+  const source_t* source = GetSourceByGroup(group);
+  const int result =
+      source == nullptr ? -1 : ll_input_get_edid(source->id, out.data(), static_cast<int>(kEdidSize));
+  if (result != 0) PARLEND_TRACE(kError) << "GetEDIDInfo error " << result << " ";
+  return result;
+}
+
+}  // namespace ORVE_MCUC

@@ -44,6 +44,10 @@ bool DriverUtil::initialize() {
   return true;
 }
 
+int DriverUtil::initUdp() {
+  return FPGA_UDP_Init();
+}
+
 int DriverUtil::WriteFPGABusBlock(unsigned int address, const unsigned char* data, unsigned int length) {
   if (FpgaDownFlg.load(std::memory_order_relaxed)) return -1;
   if (withRetries([&] { return WriteFPGABlock(PLATFORM_FPGA_BUS, address, length, data); }) == 0) return 0;

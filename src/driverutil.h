@@ -55,6 +55,11 @@ class DriverUtil {
   void WriteDate(unsigned char year, unsigned char month, unsigned char day);
   void WriteWeekday(unsigned char weekday);
 
+  // Runs a device command and waits for it: its exit status, -1 when it could not be run.
+  int runCommand(const char* command);
+  // Sets up the FPGA's network channel. Negative: failed.
+  int initUdp();
+
   // State of the FPGA as its driver tells it: 0 down, -1 error, 255 no such source, anything else up.
   int ReadFpgaStatus(const char* command);
   // First line of a command's output, without its line end, into at least 64 bytes. 0 done (result unchanged

@@ -39,6 +39,10 @@ std::array<unsigned char, kClockRequestSize> clockRequest(unsigned char channel,
 
 }  // namespace
 
+int DriverUtil::runCommand(const char* command) {
+  return board_shell(command);
+}
+
 int DriverUtil::ReadFpgaStatus(const char* command) {
   if (!fileExists(kFpgaStatusFile)) {
     PARLEND_TRACE(kError) << "=== file: " << command << " not found !!!!!!!!!!!=========";

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <string_view>
 
 #include "driverutil.h"
@@ -9,8 +11,6 @@
 #include "stub/stubutil.h"
 
 namespace {
-
-constexpr int kIdleMs = 5000;
 
 // Process trace level by the first argument: none writes errors and warnings, an unknown one nothing.
 int levelOf(int argc, char** argv) {
@@ -31,10 +31,12 @@ int main(int argc, char** argv) {
   CTrace::instance();
   PARLEND_TRACE(kInfo) << "================================== Parlend Start ================================";
   PARLEND_TRACE(kInfo) << "Version:" << 1 << "." << 1 << "." << 0 << "." << 0;
-  board_shell("mkdir -p /tmp/parlend");
+  DriverUtil::getInstance()->runCommand("mkdir -p /tmp/parlend");
   DriverUtil::getInstance()->initialize();
   Tprocess_ctl::getInstance()->initialize();
   Tshl_ctl::getInstance()->initialize();
+  // Without its threads the process stays: what was written to flash and environment is of use to others, and
+  // the log says which thread is missing.
   StubUtil::getInstance()->initialize();
-  for (;;) Delay(kIdleMs);
+  for (;;) pause();
 }

@@ -177,6 +177,7 @@ consteval std::string_view sourceName(std::string_view file) {
 
 }  // namespace ORVE_MCUC
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): parentheses would keep << from the recorder
 #define PARLEND_TRACE(level)            \
   !::ORVE_MCUC::tracePasses(level)      \
       ? static_cast<void>(0)            \

@@ -3,7 +3,6 @@
 #include "driverutil.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
-#include "platform/board.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "singleton.h"
@@ -95,7 +94,7 @@ int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
         if (ret != 0)
           PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = "
                                 << ret;
-        board_shell("sync");
+        DriverUtil::getInstance()->runCommand("sync");
       });
 }
 

@@ -7,7 +7,7 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr Fprocess_cmd row(enum_Process_Key_Table key, int (*handler)(int, char*)) {
-  return {28, 1, key, "", handler};
+  return {kThirdProtocolLabel, 1, key, "", handler};
 }
 
 // A key that has its place while no handler serves it: its items are logged and dropped.

@@ -45,8 +45,8 @@ class Data_Global {
   void PortOffsetYUpdate(unsigned int port, uint16_t value);
   void PortMorSUpdate(unsigned int port, uint8_t value);
 
-  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, or the driver's
-  // result -1 for another type.
+  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
+  // result, or -1 for another type.
   int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
   // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
   int Read_ScreenSize_FromFlash(uint32_t* out);

@@ -1,8 +1,8 @@
+#include <algorithm>
 #include <cstdio>
 
 #include "driverutil.h"
 #include "mcuctrace.h"
-#include "platform/board.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 
@@ -58,7 +58,10 @@ void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
   std::array<uint8_t, 8> record{};
   putLe32(record, 0, width);
   putLe32(record, 4, height);
-  driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data());
+  if (driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data()) != 0) {
+    PARLEND_TRACE(kError) << "=== ChangeOutScreenPara ===the output size was not stored.";
+    return;
+  }
   uint8_t counter = 0;
   if (driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0) return;
   ++counter;
@@ -70,18 +73,18 @@ int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t>
   constexpr uint8_t kDevice = 2;
   DriverUtil& driver = *DriverUtil::getInstance();
   const auto pages = static_cast<unsigned int>(data.size() / kPageSize);
-  const auto rest = static_cast<unsigned short>(data.size() % kPageSize);
-  for (unsigned int i = 0; i < pages; ++i) {
-    const auto at = static_cast<uint32_t>(address + kPageSize * i);
-    const int result = driver.PageProgram(kDevice, at, kPageSize, data.data() + kPageSize * i);
+  uint32_t at = address;
+  unsigned int i = 0;
+  for (; data.size() >= kPageSize; data = data.subspan(kPageSize), at += kPageSize, ++i) {
+    const int result = driver.PageProgram(kDevice, at, kPageSize, data.data());
     PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
                          << " result = " << result << " temp = " << pages << " i = " << i;
   }
-  const auto at = static_cast<uint32_t>(address + kPageSize * pages);
-  const int result = driver.PageProgram(kDevice, at, rest, data.data() + kPageSize * pages);
+  const auto rest = static_cast<unsigned short>(data.size());
+  const int result = driver.PageProgram(kDevice, at, rest, data.data());
   PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
                        << " spi address = " << CTrace::hex << address << " result = " << result
-                       << " mod = " << rest << " i = " << pages;
+                       << " mod = " << rest << " i = " << i;
   PARLEND_TRACE(kInfo) << "======================== Finish copy const data to flash ========================";
   return result;
 }
@@ -96,7 +99,7 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
       command, sizeof command,
       "echo \"Point:%d ,use adddr:0x%x, wide:%d high:%d, description:%.200s\" >> /root/screen_zero.txt",
       point, addr, width, height, description);
-  board_shell(command);
+  DriverUtil::getInstance()->runCommand(command);
   PARLEND_TRACE(kInfo)
       << "=============================Screen Para is Zero!!!  =============================";
 }
@@ -104,7 +107,12 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
 void Data_Global::ReadHardwareInfo() {
   Data_Preset& preset = *Data_Preset::getInstance();
   auto& page = preset.BasicHardWareReg;
-  RestoreDataFromFlash(0, std::span(page).first(kPageSize));
+  if (RestoreDataFromFlash(0, std::span(page).first(kPageSize)) != 0) {
+    // What could not be read must not be written back as zeros.
+    PARLEND_TRACE(kError)
+        << "=== ReadHardwareInfo ===the basic hardware page cannot be read, it is not saved.";
+    return;
+  }
   constexpr std::array<uint8_t, 7> kIdentity{20, 17, 2, 0, 168, 0, 4};
   std::copy(kIdentity.begin(), kIdentity.end(), page.begin() + 2);
   page[30] = 0;

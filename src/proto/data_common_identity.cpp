@@ -1,11 +1,11 @@
 // Who this device is: serial number, model and network address, kept in the environment store.
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 
 #include "driverutil.h"
+#include "envstore.h"
 #include "mcuctrace.h"
 #include "platform/netinfo.h"
-#include "platform/sysconf.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 
@@ -19,19 +19,6 @@ constexpr SerialNumber kDefaultSerial{0x13, 0x03, 0x0D, 0x00, 0xFF, 0xFF, 0xFF, 
 constexpr char kDefaultSerialText[] = "13030d00ffffffff";
 constexpr std::string_view kBlankSerialText = "0000000000000000";
 
-// The environment store, open for the life of this object; it is closed even when it did not open.
-class OpenStore {
- public:
-  OpenStore() : open_(sysconf_openenv() == 0) {}
-  ~OpenStore() { sysconf_closeenv(); }
-  OpenStore(const OpenStore&) = delete;
-  OpenStore& operator=(const OpenStore&) = delete;
-  explicit operator bool() const { return open_; }
-
- private:
-  bool open_;
-};
-
 uint8_t nibble(char c) {
   if (c >= '0' && c <= '9') return static_cast<uint8_t>(c - '0');
   if (c >= 'a' && c <= 'f') return static_cast<uint8_t>(c - 'a' + 10);
@@ -39,7 +26,7 @@ uint8_t nibble(char c) {
   return 0;
 }
 
-// The first count characters of a stored text, filled up with '0' when it is shorter.
+// The first 16 characters of a stored text, filled up with '0' when it is shorter.
 std::array<char, kSerialTextLength> fixedText(std::string_view stored) {
   std::array<char, kSerialTextLength> text;
   text.fill('0');

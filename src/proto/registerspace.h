@@ -62,8 +62,8 @@ class RegisterSpace {
 
   // The router's way in: finds the row of the address, checks the access and calls the row's operation.
   static int Ssh_cmd(IMD_proto3rd* msgIMD, Fshl_cmd* /*tbl*/, int /*validDataBegin*/) {
-    if (Space::kLogsEntry) PARLEND_TRACE(kInfo) << "SM2W Ssh_cmd";
-    if (Space::kLogsMap) logMap(msgIMD->proto.m_uiRegisterUnitAddress);
+    if constexpr (Space::kLogsEntry) PARLEND_TRACE(kInfo) << "SM2W Ssh_cmd";
+    if constexpr (Space::kLogsMap) logMap(msgIMD->proto.m_uiRegisterUnitAddress);
     if (rowMap().empty()) initMap();
     const auto hit = rowMap().find(msgIMD->proto.m_uiRegisterUnitAddress & Space::kKeyMask);
     if (hit == rowMap().end()) {

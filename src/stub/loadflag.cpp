@@ -14,7 +14,7 @@ namespace {
 constexpr char kDirectory[] = "/etc/init.d";
 constexpr char kFlagFile[] = "/etc/init.d/flag_fpgaload";
 constexpr int kLongestWaitMs = 1000;
-constexpr int kPollMs = 1;
+constexpr int kPollMs = 100;  // where the directory cannot be watched
 
 }  // namespace
 

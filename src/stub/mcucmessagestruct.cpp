@@ -150,9 +150,10 @@ int ThirdProtoMCUCMsg::Decode(const unsigned char* frame, int length) {
 int ThirdProtoMCUCMsg::Encode(unsigned char* buffer, unsigned int size) {
   const bool carriesData = m_ucCode != kCodeWrite || m_ucReserved == kReplyCarriesData;
   const std::size_t dataLength = carriesData ? m_data.size() : 0;
+  if (buffer != nullptr && dataLength + kFrameMinimum > std::min<std::size_t>(size, DATA_BLOCK_LENGTH))
+    return -1;
   m_usValidDataLength = static_cast<uint16_t>(dataLength);
   if (const int failed = EncodeHeader(buffer, static_cast<int>(size))) return failed;
-  if (dataLength > 0xFFFF || dataLength + kFrameMinimum > size) return -1;
   std::copy_n(m_data.begin(), dataLength, buffer + kFrameHeadLength);
   const int total = kFrameHeadLength + static_cast<int>(dataLength);
   CaculCheckout(buffer, 2, total - 2, &m_usCheckout);

@@ -111,6 +111,11 @@ int McuIMDThread::takeMessage() {
                        << " label count = " << head.lbl_cnt << " size = " << head.size
                        << " large label = " << label.large << " small label = " << label.small;
   if (label.large != kThirdProtocolLabel) return 0;
+  if (label.size > DATA_BLOCK_LENGTH) {
+    PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, frame of " << label.size
+                          << " bytes is too long, return.";
+    return 0;
+  }
   if (label.small <= 1) dealDataBlockNew(&head, &label, contents + kTransportHeadLength);
   if (label.small == 3) PARLEND_TRACE(kInfo) << "Apipc, data interrupt...";
   return 0;

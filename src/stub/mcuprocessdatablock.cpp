@@ -7,7 +7,7 @@ namespace ORVE_MCUC {
 
 char* MCUProcessDataBlock::allocate(int length) {
   if (length < 0 || length > PROCESS_DATA_BLOCK_LENGTH) return nullptr;
-  m_data.reset(new (std::nothrow) char[static_cast<std::size_t>(length)]());
+  m_data.reset(new (std::nothrow) char[static_cast<std::size_t>(length)]);
   m_dataLen = m_data ? length : 0;
   return m_data.get();
 }

@@ -24,7 +24,7 @@ class MCUProcessDataBlock {
   int32_t m_key = 0;        // selects the handler
   uint32_t m_result = 0;
 
-  // Makes room for a payload of length bytes, zeroed, to be filled in place. Null for a length that is
+  // Makes room for a payload of length bytes, to be filled in place. Null for a length that is
   // refused.
   char* allocate(int length);
 

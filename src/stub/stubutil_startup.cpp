@@ -1,9 +1,9 @@
 // The start-up order.
+#include "driverutil.h"
+#include "envstore.h"
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "platform/apipc.h"
-#include "platform/driver.h"
-#include "platform/sysconf.h"
 #include "proto/data_common.h"
 #include "stub/fpgareportthread.h"
 #include "stub/mcuimdthread.h"
@@ -12,34 +12,37 @@
 #include "stub/taskid.h"
 
 namespace ORVE_MCUC {
+namespace {
+
+constexpr int kSettleMs = 2000;  // the threads come up before the main thread goes to sleep
+
+}  // namespace
 
 bool StubUtil::initialize() {
   PARLEND_TRACE(kInfo) << "================================= Begin main init ===============================";
-  if (FPGA_UDP_Init() < 0) PARLEND_TRACE(kError) << "=== udp_port_init === fail!!!!";
+  if (DriverUtil::getInstance()->initUdp() < 0) PARLEND_TRACE(kError) << "=== udp_port_init === fail!!!!";
   apipc_init(taskOf(kServiceParlend), 0);
   Data_Global::getInstance()->SNTransfer();
   Data_Global::getInstance()->ReadHardwareInfo();
   SetEnvParlendVerToRootfs();
   if (!creatIMDComm() || !creatProcess() || !creatFpgaReport()) return false;
   PARLEND_TRACE(kInfo) << "================================= Finish main init ==============================";
-  Delay(2000);
+  Delay(kSettleMs);
   return true;
 }
 
 int StubUtil::SetEnvParlendVerToRootfs() {
-  const bool open = sysconf_openenv() == 0;
-  if (open) {
-    const char* rootfs = sysconf_getenv("ver_rootfs");
-    SetParlendVersion(rootfs != nullptr ? rootfs : "V1.0.B1");
-  }
-  sysconf_closeenv();
-  return open ? 0 : -1;
+  const OpenStore store;
+  if (!store) return -1;
+  const char* rootfs = sysconf_getenv("ver_rootfs");
+  SetParlendVersion(rootfs != nullptr ? rootfs : "V1.0.B1");
+  return 0;
 }
 
 void StubUtil::SetParlendVersion(const char* version) {
-  if (sysconf_openenv() != 0) PARLEND_TRACE(kInfo) << "openenv faild";
+  const OpenStore store;
+  if (!store) PARLEND_TRACE(kInfo) << "openenv faild";
   if (sysconf_setenv("ver_parlend", version) != 0) PARLEND_TRACE(kInfo) << "setenv faild";
-  sysconf_closeenv();
 }
 
 bool StubUtil::creatIMDComm() {

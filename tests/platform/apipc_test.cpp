@@ -11,6 +11,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -228,11 +229,11 @@ TEST_F(ApipcTest, WhatAPeerMayNotSendIsDroppedAndNamedOnceASecondWhileItStaysCon
   ASSERT_TRUE(lsd.send(packet(kLsd, 20)));
   EXPECT_EQ(next(), packet(kLsd, 20));
   std::this_thread::sleep_for(1050ms);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "apipc: dropped a packet of 0x010a3900: the label says 20 bytes, 19 came (1 since the last line, "
-            "1 in all)\n"
-            "apipc: dropped a packet of 0x010a3900: ui_id 0x010a3700 is not the sender's own "
-            "(3 since the last line, 4 in all)\n");
+  const std::string lines = testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(
+      lines.starts_with("apipc: dropped a packet of 0x010a3900: the label says 20 bytes, 19 came (1 since"));
+  EXPECT_TRUE(lines.ends_with(", 4 in all)\n")) << lines;
+  EXPECT_LE(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;
 }
 
 TEST_F(ApipcTest, WhatAPeerSentBeforeItHungUpIsDeliveredThoughItLeftItsOwnMailUnread) {

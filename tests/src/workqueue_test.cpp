@@ -54,6 +54,20 @@ TEST_F(WorkQueueTest, ItemsWaitForTheThreadAndAreHandledInTheirOrder) {
   queue.Release();
 }
 
+TEST_F(WorkQueueTest, AProducerGetsInBetweenTwoItemsHoweverManyWait) {
+  constexpr std::size_t kWaiting = 500;
+  auto& queue = *new McuProcessThread;
+  for (std::size_t i = 0; i < kWaiting; ++i) queue.addMessageToList(item(8));
+  ASSERT_EQ(queue.Init(), 0);
+  while (written().empty()) std::this_thread::yield();
+  queue.addMessageToList(item(9));
+  EXPECT_LT(written().size() / 2, kWaiting);
+  for (int i = 0; i < 10000 && !written().ends_with("09"); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_EQ(written().size() / 2, kWaiting + 1);
+  queue.Release();
+}
+
 TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
   auto& queue = *new McuProcessThread;
   ASSERT_EQ(queue.Init(), 0);

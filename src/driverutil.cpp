@@ -29,8 +29,9 @@ int inPieces(unsigned int length, Transfer transfer) {
 }  // namespace
 
 DriverUtil* DriverUtil::getInstance() {
-  static DriverUtil instance;
-  return &instance;
+  // Never destroyed: every thread uses it to the end.
+  static auto* instance = new DriverUtil;
+  return instance;
 }
 
 bool DriverUtil::initialize() {

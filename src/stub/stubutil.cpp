@@ -10,8 +10,9 @@
 namespace ORVE_MCUC {
 
 StubUtil* StubUtil::getInstance() {
-  static StubUtil instance;
-  return &instance;
+  // Never destroyed: its threads may run for as long as the process does.
+  static auto* instance = new StubUtil;
+  return instance;
 }
 
 StubUtil::StubUtil()

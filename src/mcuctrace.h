@@ -177,9 +177,10 @@ consteval std::string_view sourceName(std::string_view file) {
 
 }  // namespace ORVE_MCUC
 
-// NOLINTNEXTLINE(bugprone-macro-parentheses): parentheses would keep << from the recorder
+// NOLINTBEGIN(bugprone-macro-parentheses): parentheses would keep << from the recorder
 #define PARLEND_TRACE(level)            \
   !::ORVE_MCUC::tracePasses(level)      \
       ? static_cast<void>(0)            \
       : ::ORVE_MCUC::TraceStatement() & \
             ::ORVE_MCUC::TraceLine((level), ::ORVE_MCUC::sourceName(__FILE__), __LINE__).record()
+// NOLINTEND(bugprone-macro-parentheses)

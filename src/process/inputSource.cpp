@@ -27,17 +27,17 @@ uint8_t channelOf(unsigned int id) {
 
 // What the sources of a board type are called; k boards of that type came before.
 struct Family {
-  int type;
-  uint8_t code;  // of k = 0
   const char* name;
+  int type;
+  uint8_t code;   // of k = 0
   bool numbered;  // the name ends in k + 1
   uint8_t nameLength;
 };
-constexpr Family kFamilies[] = {{kDvi, 0x00, "DVI", false, 3},
-                                {kDualDvi, 0x51, "DUAL_DVI-", true, 10},
-                                {kHdmi14, 0x61, "HDMI1.4-", true, 9},
-                                {kSdi3G, 0x30, "SDI", false, 3},
-                                {kVga, 0x20, "VGA", false, 3}};
+constexpr Family kFamilies[] = {{"DVI", kDvi, 0x00, false, 3},
+                                {"DUAL_DVI-", kDualDvi, 0x51, true, 10},
+                                {"HDMI1.4-", kHdmi14, 0x61, true, 9},
+                                {"SDI", kSdi3G, 0x30, false, 3},
+                                {"VGA", kVga, 0x20, false, 3}};
 
 Singleton<InputSource>& holder() {
   static Singleton<InputSource> instance;

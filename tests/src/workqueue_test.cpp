@@ -25,6 +25,11 @@ class WorkQueueTest : public BoardTest {
     start();
     Tprocess_ctl::getInstance()->initialize();
   }
+  // The thread is detached: the queue outlives the test, as the daemon's outlives everything.
+  static McuProcessThread& newQueue() {
+    static std::vector<McuProcessThread*> queues;
+    return *queues.emplace_back(new McuProcessThread);
+  }
   // The bytes that have been written, in their order.
   std::string written() const {
     std::string order;
@@ -41,8 +46,7 @@ class WorkQueueTest : public BoardTest {
 };
 
 TEST_F(WorkQueueTest, ItemsWaitForTheThreadAndAreHandledInTheirOrder) {
-  // The thread is detached: the queue outlives the test, as the daemon's outlives everything.
-  auto& queue = *new McuProcessThread;
+  McuProcessThread& queue = newQueue();
   for (uint8_t number = 1; number <= 3; ++number) queue.addMessageToList(item(number));
   queue.addMessageToList(nullptr);
   queue.addMessageToList(item(4, ControllerSortKey));
@@ -62,7 +66,7 @@ TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait)
   constexpr std::size_t kTries = 3;
   failNext(simboard::Fault::FlashWrite, kEveryCall);
   setDelayScale(1000);
-  auto& queue = *new McuProcessThread;
+  McuProcessThread& queue = newQueue();
   for (std::size_t i = 0; i < kWaiting; ++i) queue.addMessageToList(item(8));
   ASSERT_EQ(queue.Init(), 0);
   while (journal().empty()) std::this_thread::yield();
@@ -77,7 +81,7 @@ TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait)
 }
 
 TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
-  auto& queue = *new McuProcessThread;
+  McuProcessThread& queue = newQueue();
   ASSERT_EQ(queue.Init(), 0);
   std::vector<std::thread> producers;
   for (int p = 0; p < 4; ++p) {

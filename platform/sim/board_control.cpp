@@ -27,6 +27,7 @@ struct ControlPage {
   unsigned char reserved[172];
   std::atomic<uint32_t> lux[32];
 };
+static_assert(std::atomic<int64_t>::is_always_lock_free, "the page is shared with other processes");
 static_assert(offsetof(ControlPage, clockOffset) == 8 && offsetof(ControlPage, faults) == 16 &&
               offsetof(ControlPage, lux) == 256);
 constexpr std::size_t kPageSize = 4096;

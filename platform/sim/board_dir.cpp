@@ -62,7 +62,9 @@ void readConf() {
 void takeBoard() {
   lockFile = open(path("run/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (lockFile < 0) refuse("cannot open " + path("run/lock") + ": " + std::strerror(errno));
-  if (flock(lockFile, LOCK_EX | LOCK_NB) != 0) refuse("another daemon already runs on the board " + root);
+  if (flock(lockFile, LOCK_EX | LOCK_NB) == 0) return;
+  if (errno == EWOULDBLOCK) refuse("another daemon already runs on the board " + root);
+  refuse("cannot lock " + path("run/lock") + ": " + std::strerror(errno));
 }
 
 // The FPGA is loaded on its own, or somebody else says when; one that lost its power is not loaded.
@@ -103,10 +105,15 @@ unsigned char cardBit() {
 
 void reboot() {
   if (journalsWrites()) JournalLine("reboot");
+  closeJournal();  // what other threads still do, they do to a board without power
   apipc_close_all_peers();
   unlink(path(kPowered).c_str());
   setenv("PARLEND_BOARD", root.c_str(), 1);
   setenv(kRebootMark, "1", 1);
+  // By its own path where that can be learnt, so that the process keeps its name.
+  std::error_code unknown;
+  const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
+  if (!unknown) execv(program.c_str(), arguments);
   execv("/proc/self/exe", arguments);
   refuse(std::string("the program cannot be started again: ") + std::strerror(errno));
 }

@@ -1,4 +1,5 @@
 // The environment store: etc/sysconf.env, replaced as a whole. Also the texts of date and time.
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -6,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "board_journal.h"
@@ -24,9 +26,11 @@ std::mutex storeLock;
 // Every text given to this thread stays readable until it closes the store.
 thread_local std::forward_list<std::string> handedOut;
 
-Store readStore() {
+// Nothing when the file is there and cannot be read: it must not be replaced as if it were empty.
+std::optional<Store> readStore() {
   Store store;
   std::ifstream file(path(kStore));
+  if (!file) return errno == ENOENT ? std::optional(store) : std::nullopt;
   for (std::string line; std::getline(file, line);) {
     const std::size_t equals = line.find('=');
     if (equals != std::string::npos) store[line.substr(0, equals)] = line.substr(equals + 1);
@@ -57,9 +61,10 @@ int storeEnvironment(const std::string& key, const std::string& value) {
   if (key.empty() || key.find_first_of("=\n") != std::string::npos || value.find('\n') != std::string::npos)
     return -1;
   const std::lock_guard guard(storeLock);
-  Store store = readStore();
-  store[key] = value;
-  return replaceStore(store) ? 0 : -1;
+  auto store = readStore();
+  if (!store) return -1;
+  (*store)[key] = value;
+  return replaceStore(*store) ? 0 : -1;
 }
 
 }  // namespace simboard
@@ -77,9 +82,10 @@ void sysconf_closeenv(void) {
 const char* sysconf_getenv(const char* key) {
   if (journalsReads()) JournalLine("env-get").word(key);
   const std::lock_guard guard(storeLock);
-  const Store store = readStore();
-  const auto found = store.find(key);
-  if (found == store.end()) return nullptr;
+  const auto store = readStore();
+  if (!store) return nullptr;
+  const auto found = store->find(key);
+  if (found == store->end()) return nullptr;
   return handedOut.emplace_front(found->second).c_str();
 }
 

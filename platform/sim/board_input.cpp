@@ -125,6 +125,7 @@ int ll_input_set_edid(int id, const unsigned char* edid, int size) {
   if (!failed) {
     std::ofstream file(edidFile(id), std::ios::binary | std::ios::trunc);
     file.write(reinterpret_cast<const char*>(edid), size);
+    file.close();
     failed = !file.good();
   }
   if (journalsWrites()) {

@@ -47,6 +47,7 @@ bool openJournal(JournalLevel level, bool goOn) {
 
 void closeJournal() {
   journalLevel = JournalLevel::Off;
+  const std::lock_guard guard(fileLock);
   if (file >= 0) close(file);
   file = -1;
 }

@@ -1,4 +1,5 @@
 #include <ctime>
+#include <iterator>
 
 #include "driverutil.h"
 #include "mcuctrace.h"

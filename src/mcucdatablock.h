@@ -145,6 +145,17 @@ class ByteImage {
   }
   void fill(uint8_t value) { bytes_.fill(value); }
 
+  // A 16-bit field; one that does not lie inside reads as 0 and is not written (false).
+  uint16_t le16(std::size_t at) const {
+    return fits(N, at, 2) ? static_cast<uint16_t>(bytes_[at] | bytes_[at + 1] << 8) : uint16_t{0};
+  }
+  bool putLe16(std::size_t at, uint16_t value) {
+    if (!fits(N, at, 2)) return false;
+    bytes_[at] = static_cast<uint8_t>(value);
+    bytes_[at + 1] = static_cast<uint8_t>(value >> 8);
+    return true;
+  }
+
  private:
   std::array<RelaxedByte, N> bytes_{};
 };

@@ -1,7 +1,5 @@
 #include "proto/addr_hwbasicinforegister.h"
 
-#include <algorithm>
-
 #include "driverutil.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"

@@ -1,6 +1,5 @@
 #include "proto/data_common.h"
 
-#include "proto/paratables.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -59,33 +58,25 @@ void Data_Preset::deleteInstance() {
   presetHolder().destroy();
 }
 
-void Data_Global::putLe16At(std::size_t offset, uint16_t value) {
-  SendParameterReg[offset] = static_cast<uint8_t>(value);
-  SendParameterReg[offset + 1] = static_cast<uint8_t>(value >> 8);
-}
-
 void Data_Global::PortWidthUpdate(unsigned int port, uint16_t value) {
-  if (port < kPorts) putLe16At(portRecord(port), value);
+  if (port < kPorts) SendParameterReg.putLe16(portRecord(port), value);
 }
 void Data_Global::PortHeightUpdate(unsigned int port, uint16_t value) {
-  if (port < kPorts) putLe16At(portRecord(port) + kHeightAt, value);
+  if (port < kPorts) SendParameterReg.putLe16(portRecord(port) + kHeightAt, value);
 }
 void Data_Global::PortOffsetXUpdate(unsigned int port, uint16_t value) {
-  if (port < kPorts) putLe16At(PortParaXOffsetIndex[port], value);
+  if (port < kPorts) SendParameterReg.putLe16(PortParaXOffsetIndex[port], value);
 }
 void Data_Global::PortOffsetYUpdate(unsigned int port, uint16_t value) {
-  if (port < kPortsWithOffsetY) putLe16At(PortParaYOffsetIndex[port], value);
+  if (port < kPortsWithOffsetY) SendParameterReg.putLe16(PortParaYOffsetIndex[port], value);
 }
 void Data_Global::PortMorSUpdate(unsigned int port, uint8_t value) {
   if (port < kPorts) SendParameterReg[portRole(port)] = value;
 }
 
 void Data_Global::refreshCardSizeInScreenPara() {
-  const uint16_t width = ReceiveCardWidth;
-  const uint16_t height = ReceiveCardHeight;
-  const uint8_t bytes[] = {static_cast<uint8_t>(width), static_cast<uint8_t>(width >> 8),
-                           static_cast<uint8_t>(height), static_cast<uint8_t>(height >> 8)};
-  for (std::size_t i = 0; i < std::size(bytes); ++i) ScreenParaReg[6 + i] = bytes[i];
+  ScreenParaReg.putLe16(6, ReceiveCardWidth);
+  ScreenParaReg.putLe16(8, ReceiveCardHeight);
 }
 
 }  // namespace ORVE_MCUC

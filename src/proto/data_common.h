@@ -10,6 +10,7 @@
 
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
+#include "proto/paratables.h"
 
 namespace ORVE_MCUC {
 
@@ -112,7 +113,6 @@ class Data_Global {
 
  private:
   Data_Global() = default;
-  void putLe16At(std::size_t offset, uint16_t value);
   void pushMasterSlave(uint32_t address, uint32_t fpgaRegister, std::size_t length, const char* logLine);
 };
 

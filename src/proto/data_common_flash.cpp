@@ -10,6 +10,8 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr unsigned short kPageSize = 256;
+constexpr std::size_t kOutputWidthAt = 0x1EC;  // of the feature image
+constexpr std::size_t kOutputHeightAt = 0x1EE;
 
 // Reads a size record: width u32, height u32. The texts name it in the log lines.
 int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight,
@@ -90,9 +92,8 @@ int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t>
 }
 
 void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* description) {
-  const auto word = [this](std::size_t at) { return SendParameterReg[at] | SendParameterReg[at + 1] << 8; };
-  const int width = word(0x1EC);
-  const int height = word(0x1EE);
+  const int width = SendParameterReg.le16(kOutputWidthAt);
+  const int height = SendParameterReg.le16(kOutputHeightAt);
   if (width != 0 && height != 0) return;
   char command[512];
   std::snprintf(

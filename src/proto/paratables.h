@@ -9,17 +9,6 @@
 
 namespace ORVE_MCUC {
 
-// A 16-bit field at a byte offset of a table of N bytes, which it must lie in.
-template <std::size_t N>
-uint16_t fieldOf(const ByteImage<N>& table, std::size_t offset) {
-  return static_cast<uint16_t>(table[offset] | table[offset + 1] << 8);
-}
-template <std::size_t N>
-void setFieldOf(ByteImage<N>& table, std::size_t offset, uint16_t value) {
-  table[offset] = static_cast<uint8_t>(value);
-  table[offset + 1] = static_cast<uint8_t>(value >> 8);
-}
-
 inline constinit ByteImage<1024> ParaTable;          // the first 512 bytes are saved in flash
 inline constinit ByteImage<1024> AdvCfgParaTable;    // advanced configuration, 10 bytes a port
 inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced connection modes of ports 1..16

@@ -38,6 +38,14 @@ bool resetting() {
   return state == 1 || state == 2;
 }
 
+// A frame's text is left out when it would not fit into a send buffer, and cut where a line is cut anyway.
+void logFrame(const unsigned char* frame, int length) {
+  constexpr int kBytesInALine = static_cast<int>(CTrace::kLineSize) / 3;
+  const int shown = length <= DATA_BLOCK_LENGTH / 3 ? std::min(length, kBytesInALine) : 0;
+  const HexText<3 * kBytesInALine + 1> text(frame, shown);
+  PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length << " the Data = " << text.c_str();
+}
+
 // A message with its contents, given back to the service on every way out.
 class AttachedMessage {
  public:
@@ -129,11 +137,7 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
     return kErrNoMessage;
   }
   const int length = static_cast<int>(label->size);
-  if (tracePasses(kInfo)) {
-    const HexText<DATA_BLOCK_LENGTH> text(frame, length);
-    PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length
-                         << " the Data = " << text.c_str();
-  }
+  if (tracePasses(kInfo)) logFrame(frame, length);
   IMD_proto3rd request;
   uint8_t ack = kAckDone;
   if (!MCUCMsg::Checkout(frame, length)) {

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <memory>
 
+#include "board_conf.h"
 #include "commands.h"
 
 namespace parlctl {
@@ -13,24 +14,6 @@ using peer::Error;
 using peer::Failure;
 using peer::Medium;
 namespace fs = std::filesystem;
-
-constexpr const char* kDefaultConf = R"(# What is plugged into this board.
-card_bit = 1
-fpga_autoload = yes
-fpga_status = up
-copper_ports = 0-3
-fiber1_ports =
-fiber2_ports =
-fiber_module = 0x00
-cards_per_port = 16
-card_width = 128
-card_height = 128
-card_brightness = 0xFF
-# sensor = PORT BOARD SENSOR LUX
-input = 0x10 dvi
-input = 0x01 hdmi14
-journal = writes
-)";
 
 struct BoardArguments {
   std::string directory;
@@ -53,7 +36,7 @@ void init(const Options& options, const BoardArguments& arguments) {
     std::error_code error;
     fs::create_directories(board, error);
     std::ofstream conf(confPath(board));
-    conf << kDefaultConf << std::flush;
+    conf << simboard::kDefaultConf << std::flush;
     if (!conf) throw Error(Failure::Board, "cannot write " + confPath(board).string());
   }
   print(options, {{"board", board.string()}, {"created", !existed}},

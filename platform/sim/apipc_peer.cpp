@@ -31,10 +31,9 @@ SendResult __apsess_st::send(std::span<const unsigned char> packet) {
 // and then does not cost its 50 ms again for every packet.
 void __apsess_st::awaitRoom() {
   const int32_t left = std::max(patienceUs_.load(), 0);
-  const timespec timeout{0, left * 1000L};
   pollfd room{fd(), POLLOUT, 0};
   const auto begin = steady_clock::now();
-  const int ready = ppoll(&room, 1, &timeout, nullptr);
+  const int ready = ::poll(&room, 1, (left + 999) / 1000);
   const auto spent =
       std::chrono::duration_cast<std::chrono::microseconds>(steady_clock::now() - begin).count();
   patienceUs_.fetch_sub(ready == 0 ? left : static_cast<int32_t>(std::min<int64_t>(spent, left)));

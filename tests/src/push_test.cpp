@@ -1,5 +1,8 @@
-// What the daemon's parameter store pushes, as the peers receive it. The start-up owner runs here as in the daemon, once
-// for the program: its threads never end.
+// What the daemon's parameter store pushes, as the peers receive it. The start-up owner runs here as in the
+// daemon, once for the program: its threads never end.
+#include <algorithm>
+#include <thread>
+
 #include "../platform/board_fixture.h"
 #include "driverutil.h"
 #include "mcucutil.h"
@@ -62,6 +65,13 @@ TEST_F(PushTest, EachPeerGetsWhatItMirrorsAndNothingIsSentBeforeTheChannelIsTher
   expectPush(lsd, 0x0200004A, std::vector<uint8_t>(300, 7));
   store().SendC8toVsp();
   expectPush(vsp, 0x02810000, {0xC8});
+
+  // The report thread has its last word before the board goes away.
+  const auto programmed = [this] {
+    const auto lines = journal();
+    return std::find(lines.begin(), lines.end(), "fpga-write 0x00100070 1 00") != lines.end();
+  };
+  while (!programmed()) std::this_thread::sleep_for(1ms);
 }
 
 }  // namespace

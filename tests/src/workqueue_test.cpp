@@ -27,7 +27,7 @@ class WorkQueueTest : public BoardTest {
   }
   // The thread is detached: the queue outlives the test, as the daemon's outlives everything.
   static McuProcessThread& newQueue() {
-    static std::vector<McuProcessThread*> queues;
+    static auto& queues = *new std::vector<McuProcessThread*>;
     return *queues.emplace_back(new McuProcessThread);
   }
   // The bytes that have been written, in their order.

@@ -25,10 +25,13 @@ class WorkQueueTest : public BoardTest {
     start();
     Tprocess_ctl::getInstance()->initialize();
   }
-  // The thread is detached: the queue outlives the test, as the daemon's outlives everything.
-  static McuProcessThread& newQueue() {
-    static auto& queues = *new std::vector<McuProcessThread*>;
-    return *queues.emplace_back(new McuProcessThread);
+  void TearDown() override {
+    queue.Release();
+    if (worker.joinable()) worker.join();
+  }
+  // The queue's thread, as one that can be joined before the board goes away.
+  void startThread() {
+    worker = std::thread([this] { queue.doProcess(); });
   }
   // The bytes that have been written, in their order.
   std::string written() const {
@@ -43,20 +46,21 @@ class WorkQueueTest : public BoardTest {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(written(), order);
   }
+
+  McuProcessThread queue;
+  std::thread worker;
 };
 
 TEST_F(WorkQueueTest, ItemsWaitForTheThreadAndAreHandledInTheirOrder) {
-  McuProcessThread& queue = newQueue();
   for (uint8_t number = 1; number <= 3; ++number) queue.addMessageToList(item(number));
   queue.addMessageToList(nullptr);
   queue.addMessageToList(item(4, ControllerSortKey));
   queue.addMessageToList(item(5, 4711));
   EXPECT_EQ(written(), "");
-  ASSERT_EQ(queue.Init(), 0);
+  startThread();
   waitFor("010203");
   queue.addMessageToList(item(6));
   waitFor("01020306");
-  queue.Release();
 }
 
 TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait) {
@@ -66,9 +70,8 @@ TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait)
   constexpr std::size_t kTries = 3;
   failNext(simboard::Fault::FlashWrite, kEveryCall);
   setDelayScale(1000);
-  McuProcessThread& queue = newQueue();
   for (std::size_t i = 0; i < kWaiting; ++i) queue.addMessageToList(item(8));
-  ASSERT_EQ(queue.Init(), 0);
+  startThread();
   while (journal().empty()) std::this_thread::yield();
   queue.addMessageToList(item(9));
   EXPECT_LE(journal().size(), 6 * kTries) << "items before it: the running one, and some for a slow machine";
@@ -77,15 +80,13 @@ TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait)
   for (int i = 0; i < 10000 && !written().ends_with("09"); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   EXPECT_TRUE(written().ends_with("09"));
-  queue.Release();
 }
 
 TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
-  McuProcessThread& queue = newQueue();
-  ASSERT_EQ(queue.Init(), 0);
+  startThread();
   std::vector<std::thread> producers;
   for (int p = 0; p < 4; ++p) {
-    producers.emplace_back([&queue] {
+    producers.emplace_back([this] {
       for (int i = 0; i < 250; ++i) queue.addMessageToList(item(7));
     });
   }
@@ -93,7 +94,6 @@ TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
   for (int i = 0; i < 5000 && written().size() < 2000; ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   EXPECT_EQ(written().size(), 2000U);
-  queue.Release();
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // What the daemon's parameter store pushes, as the peers receive it. The start-up owner runs here as in the
 // daemon, once for the program: its threads never end.
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <thread>
 
 #include "../platform/board_fixture.h"
@@ -76,3 +79,11 @@ TEST_F(PushTest, EachPeerGetsWhatItMirrorsAndNothingIsSentBeforeTheChannelIsTher
 
 }  // namespace
 }  // namespace ORVE_MCUC
+
+// The daemon's threads go on, so nothing that they use may be destroyed at the end.
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const int result = RUN_ALL_TESTS();
+  std::fflush(nullptr);
+  _exit(result);
+}

@@ -45,7 +45,8 @@ int apipc_deq(apipc_msg_t* message);
  * library that has no such call is given a short sleep in its place. */
 void apipc_que_wait(int timeout_ms);
 
-/* The contents of a message: head, label, and a frame of as many bytes as the label says (at most 65536). Null: unreadable (the handle is still the caller's). */
+/* The contents of a message: head, label, and a frame of as many bytes as the label says (at most 65536).
+ * Null: unreadable (the handle is still the caller's). */
 void* apipc_que_attach(apipc_msg_t message);
 
 /* Frees a message and its contents. Once per dequeued message. */

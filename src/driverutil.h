@@ -46,6 +46,19 @@ class DriverUtil {
                   const unsigned char* data);
   int WriteDataToFactoryTmpFlash(unsigned int address, unsigned int length, const unsigned char* data);
 
+  // Registers of a card behind an output port, by the card's type: 1 receiving card, 2 multi-function card, 3
+  // distribution card, 4 3D launcher. A read is 0 with Num bytes in ParaPtr, kNoLink for a port that has no
+  // link, else the driver's result; all cards at once (BoardAddr 0xFFFF) read as zeros and are not asked. The
+  // shorter form reads the first card. A write may address all ports (0xFF) and all cards and needs no link;
+  // the driver's result. Card calls are made once.
+  static constexpr int kNoLink = -2;
+  int ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short BoardAddr,
+                   unsigned short Num, unsigned char* ParaPtr, unsigned char DevType);
+  int ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short Num,
+                   unsigned char* ParaPtr, unsigned char DevType);
+  int SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
+                   unsigned short Num, unsigned char* ParaPtr, unsigned char DevType);
+
   // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6
   // weekday 1..7 (Sunday 1); 0 for any other field.
   unsigned char ReadTime(unsigned char field);

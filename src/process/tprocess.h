@@ -12,10 +12,17 @@ class Tprocess {
   static Tprocess* getInstance();
   static void deleteInstance();
 
+  static int Sprocess_SaveSendCardPara(int lenth, char* data);
+  static int Sprocess_ReloadSendCardProgram(int lenth, char* data);
+  static int Sprocess_CalculateParaOfSender(int lenth, char* data);
+  static int Sprocess_AdvCalcParaOfSender(int lenth, char* data);
   static int Sprocess_DoScreenInfoEcho(int lenth, char* data);
   static int Sprocess_DoBackupInfo(int lenth, char* data);
   static int Sprocess_DoSoftwareTable(int lenth, char* data);
   static int Sprocess_SenderRGBGamma(int lenth, char* data);
+
+  // The screen mapping of the submissions that have come to rest; on the flag and status thread.
+  static void CalculateParaOfSenderHandler();
 
   // Keys that nothing queues: they are logged.
   static int Sprocess_Correction(int lenth, char* data);

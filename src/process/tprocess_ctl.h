@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 
+#include "mcucdatablock.h"
 #include "mcucmutex.h"
 #include "proto/processkeys.h"
 #include "stub/mcuprocessdatablock.h"
@@ -36,6 +37,30 @@ class Tprocess_ctl {
   int initialize();
   // Calls the handler of the item's key. A key that is not in the table is ignored.
   void onProcessDealwith(MCUProcessDataBlock* block);
+
+  // The link and redundancy monitor: each check reads its FPGA registers and pushes them to LSD when they are
+  // not what was read last. One step a tick, on the flag and status thread.
+  void SendRedundtoLSD();
+  void SendNetLinktoLSD();
+  void SendFiberLinktoLSD();
+  void SendFiberBelowLinkStatustoLSD();
+  void SendFiberRedundtoLSD();
+  void SendFiberToNetStatustoLSD();
+  void SendFiberCopyStatustoLSD();
+  void SendGenLockLinktoLSD();
+  // Measures the receiving cards again once a link change has settled, and pushes their size.
+  void SendRecvCardParaToLsdByLinkChange();
+
+  // Pushes of one group of ports, from a fresh read.
+  void SendRedundtoLSD1_4();
+  void SendRedundtoLSD5_8();
+  void SendRedundtoLSD9_16();
+  void SendNetLinktoLSD1_4();
+  void SendNetLinktoLSD5_8();
+  void SendNetLinktoLSD9_16();
+
+  RelaxedValue<bool> apipc_connect_status;  // LSD's connection has been seen
+  RelaxedValue<bool> OptToNetEnableOnce;    // asks for the connection step once more
 
  private:
   Tprocess_ctl() = default;

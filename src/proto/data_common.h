@@ -10,6 +10,7 @@
 
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
+#include "proto/mapping.h"
 #include "proto/paratables.h"
 
 namespace ORVE_MCUC {
@@ -60,6 +61,38 @@ class Data_Global {
   void DebugForScreenZero(int point, unsigned int addr, const char* description);
   // Puts the receiving cards' size into bytes 6..9 of the screen parameters.
   void refreshCardSizeInScreenPara();
+
+  // Type 0: basic hardware page; type 1: feature, global, position and number parameters. Each failure is
+  // logged and the rest saved all the same.
+  void SaveParaToFlash(int type);
+  // Rebuilds the FPGA from flash; without a loaded FPGA only the images are filled.
+  void RestoreFPGA();
+  // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
+  void SendMasterOrBackup(uint8_t backup);
+
+  // Measures the receiving cards behind the first linked port. 0; -1 when the size is not a measured one.
+  int GetRecvCardSize_EnvNew();
+  // Smart configuration. table: fields 1, 2, 3 are rows, columns, cards per port; chars: byte 0 connection
+  // mode, byte 2 master/backup. The size step applies the output size at once; the mapping writes windows,
+  // card counts, port tables and roles to the FPGA and saves them.
+  void CalculateParaGetSreenSize(const ByteImage<1024>& table);
+  void CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table, const ByteImage<32>& chars);
+  // Advanced configuration, from the working arrays of the ports: the same two steps. The mapping returns 0,
+  // or kErrPortPara with nothing changed.
+  void AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns, const PortValues& xs,
+                               const PortValues& ys);
+  int AdvCalcParaOfSenderInMosaicMode();
+  // Calculates one port's table of positions and writes it to the FPGA. Port 0..9; x and y change nothing:
+  // positions are relative to the port's block. Returns 0.
+  int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
+                       uint16_t columns);
+  CardSize cardSize() const { return {ReceiveCardWidth, ReceiveCardHeight}; }
+  void setCardSize(CardSize size);
+
+  // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
+  // fiber link.
+  void SendRedundStatustoLSD();
+  void SendFiberLinkInfo();
 
   // Pushes to peers: sent and forgotten.
   void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);

@@ -15,10 +15,12 @@ inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced co
 inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
 inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
 
-inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortRow;
-inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortCol;
-inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortX;
-inline constinit std::array<RelaxedValue<uint16_t>, 10> TempAdvCfgPortY;
+// Working values of the advanced configuration, ports 0..9.
+using PortValues = std::array<RelaxedValue<uint16_t>, 10>;
+inline constinit PortValues TempAdvCfgPortRow;
+inline constinit PortValues TempAdvCfgPortCol;
+inline constinit PortValues TempAdvCfgPortX;
+inline constinit PortValues TempAdvCfgPortY;
 inline constinit std::array<RelaxedByte, 10> TempAdvPortCM;
 
 inline constinit std::array<RelaxedValue<uint32_t>, 2>

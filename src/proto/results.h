@@ -22,12 +22,13 @@ enum Ack : uint8_t {
   kAckRefused = 4,
 };
 
-// Error codes of the message channel, negative as int.
+// Error codes of the message channel and of the calculations, negative as int.
 constexpr int channelError(uint32_t code) {
   return static_cast<int>(code);
 }
 inline constexpr int kErrThread = channelError(0x80005001);     // thread not created; base codec operation
 inline constexpr int kErrNoMessage = channelError(0x80005004);  // missing or unreadable message data
+inline constexpr int kErrPortPara = channelError(0x80005011);   // ports of an advanced configuration refused
 inline constexpr int kErrSend = channelError(0x80005036);       // send failed
 inline constexpr int kErrEncode = channelError(0x8000503A);     // encoding failed
 

@@ -22,11 +22,13 @@ class Tshl_ctl {
   int Ssh_StartSendCard(IMD_proto3rd* msgIMD);
 
   // Requests to the cards behind the ports: receiving cards, multi-function cards, distribution cards, 3D
-  // launchers.
+  // launchers. 0, or for a read that failed 1 or 4; data and m_ucAck are left in the request.
   int Ssh_StartScanCard(IMD_proto3rd* msgIMD);
   int Ssh_StartMultiCard(IMD_proto3rd* msgIMD);
   int Ssh_StartDistribute(IMD_proto3rd* msgIMD);
   int Ssh_Start3DLauncher(IMD_proto3rd* msgIMD);
+  // 1 when the output port has a link over copper or fiber, else 0; 0xFF (all ports) counts as linked.
+  static unsigned char PortLinkVerify(unsigned char PortAddr);
 
   // Diagnostics: the table of one space on standard output, the router's own table in the trace log.
   void Ssh_cmdOffset(IMD_proto3rd* msgIMD);

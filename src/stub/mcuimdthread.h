@@ -46,6 +46,10 @@ class McuIMDThread {
   int CheckFPGAOnline();
   // One step of the flag and status thread's periodic work.
   void tick();
+  // Notices that LSD has connected or gone, and has everything pushed to a new connection.
+  void LsdApipcConnHandler();
+  // Starts the screen mapping once no submission has come for a whole tick.
+  void CalculateSenderParaHandler();
 
  private:
   // One of the channel's threads.
@@ -62,6 +66,7 @@ class McuIMDThread {
   Worker m_recv;
   Worker m_flag;
   std::atomic<bool> m_ready{false};     // the message service has been initialised
+  uint32_t m_submissionsSeen = 0;       // at the previous tick; flag and status thread only
   std::vector<uint32_t> m_vectorUIIDs;  // peers seen so far; receive thread only
 };
 

@@ -116,6 +116,7 @@ class RelaxedValue {
     return *this;
   }
   operator T() const { return value_.load(std::memory_order_relaxed); }
+  void add(T amount) { value_.fetch_add(amount, std::memory_order_relaxed); }
 
  private:
   static_assert(std::atomic<T>::is_always_lock_free);

@@ -5,6 +5,7 @@
 #include "mcuctrace.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
+#include "proto/shortcutrecord.h"
 #include "singleton.h"
 #include "stub/hextext.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr int kKeyLineRoom = 1536;
 constexpr std::size_t kWritableScreenPara = 32;
-constexpr uint8_t kConfiguredByTables = 200;
 
 Singleton<Tprocess>& holder() {
   static Singleton<Tprocess> instance;
@@ -58,19 +58,18 @@ void logCutShort(const HandlerWords& words, int length) {
                         << " bytes is shorter than it says! return.";
 }
 
-void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
-  PARLEND_TRACE(kInfo) << "============================ Begin " << words.handler
+void logBanner(const char* begin, const HandlerWords& words) {
+  PARLEND_TRACE(kInfo) << "============================ " << begin << " " << words.handler
                        << " ===========================";
+}
+
+void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
+  logBanner("Begin", words);
   if (words.logsEntry) logEntry(words.handler);
   if (!tracePasses(kInfo)) return;
   const HexText<kKeyLineRoom> text(info.data.data(), info.length);
   PARLEND_TRACE(kInfo) << "Process key: " << words.key << "  Register: " << CTrace::hex << info.Register
                        << " len: " << info.length << " data:" << text.c_str();
-}
-
-void logFinish(const HandlerWords& words) {
-  PARLEND_TRACE(kInfo) << "============================ Finish " << words.handler
-                       << " ===========================";
 }
 
 int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
@@ -102,7 +101,7 @@ int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
   return handlePenetrate(
       {"Sprocess_DoSoftwareTable", "DoSoftwareTableKey"}, lenth, data, [](const PenetrateInfo& info) {
         if (info.Register < reg::kRoleTable) {
-          Data_Global::getInstance()->LEDConfigStatus = kConfiguredByTables;
+          Data_Global::getInstance()->LEDConfigStatus = shortcut::kByTables;
         }
         const int ret = Data_Global::getInstance()->CopyConstDataToFlash(
             flash::ofSoftwareTable(info.Register), info.data);

@@ -49,8 +49,9 @@ struct HandlerWords {
   const char* key;         // "DoBackupInfoKey"
   bool logsEntry = false;  // "Sprocess_DoBackupInfo enter:" before the key line
 };
+// begin: "Begin" or "Finish".
+void logBanner(const char* begin, const HandlerWords& words);
 void logBegin(const HandlerWords& words, const PenetrateInfo& info);
-void logFinish(const HandlerWords& words);
 void logNoData(const HandlerWords& words);
 void logCutShort(const HandlerWords& words, int length);
 
@@ -69,7 +70,7 @@ int handlePenetrate(const HandlerWords& words, int length, const char* payload, 
   }
   logBegin(words, *info);
   work(*info);
-  logFinish(words);
+  logBanner("Finish", words);
   return 0;
 }
 

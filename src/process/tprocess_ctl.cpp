@@ -17,9 +17,9 @@ constexpr Fprocess_cmd unserved(enum_Process_Key_Table key) {
 
 constexpr std::array<Fprocess_cmd, 200> kRows{
     unserved(HwBasicinfoKey),
-    unserved(SaveSendCardParaKey),
+    row(SaveSendCardParaKey, &Tprocess::Sprocess_SaveSendCardPara),
     unserved(ReturnFactorySetKey),
-    unserved(ReloadSenderFPGAKey),
+    row(ReloadSenderFPGAKey, &Tprocess::Sprocess_ReloadSendCardProgram),
     unserved(DoFeatureInfoKey),
     row(CorrectionKey, &Tprocess::Sprocess_Correction),
     row(DoScreenInfoEchoKey, &Tprocess::Sprocess_DoScreenInfoEcho),
@@ -29,8 +29,8 @@ constexpr std::array<Fprocess_cmd, 200> kRows{
     unserved(PictureQualityCalKey),
     unserved(WarmUpKey),
     row(DoBackupInfoKey, &Tprocess::Sprocess_DoBackupInfo),
-    unserved(CalculateParaOfSenderKey),
-    unserved(AdvCalcParaOfSenderKey),
+    row(CalculateParaOfSenderKey, &Tprocess::Sprocess_CalculateParaOfSender),
+    row(AdvCalcParaOfSenderKey, &Tprocess::Sprocess_AdvCalcParaOfSender),
     unserved(PositionNetPortKey),
     unserved(DoNumberFunCardPortKey),
     row(DoSoftwareTableKey, &Tprocess::Sprocess_DoSoftwareTable),

@@ -75,8 +75,9 @@ void Data_Global::PortMorSUpdate(unsigned int port, uint8_t value) {
 }
 
 void Data_Global::refreshCardSizeInScreenPara() {
-  ScreenParaReg.putLe16(6, ReceiveCardWidth);
-  ScreenParaReg.putLe16(8, ReceiveCardHeight);
+  const CardSize card = ReceiveCardSize;
+  ScreenParaReg.putLe16(6, card.width);
+  ScreenParaReg.putLe16(8, card.height);
 }
 
 }  // namespace ORVE_MCUC

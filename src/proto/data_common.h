@@ -69,6 +69,8 @@ class Data_Global {
   void RestoreFPGA();
   // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
   void SendMasterOrBackup(uint8_t backup);
+  // The same in the image alone.
+  void setPortRoles(uint8_t backup);
 
   // Measures the receiving cards behind the first linked port. 0; -1 when the size is not a measured one.
   int GetRecvCardSize_EnvNew();
@@ -86,8 +88,8 @@ class Data_Global {
   // positions are relative to the port's block. Returns 0.
   int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
                        uint16_t columns);
-  CardSize cardSize() const { return {ReceiveCardWidth, ReceiveCardHeight}; }
-  void setCardSize(CardSize size);
+  uint16_t ReceiveCardWidth() const { return static_cast<CardSize>(ReceiveCardSize).width; }
+  uint16_t ReceiveCardHeight() const { return static_cast<CardSize>(ReceiveCardSize).height; }
 
   // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
   // fiber link.
@@ -139,13 +141,13 @@ class Data_Global {
   RelaxedByte ShortCfgReadRvStatus;
   RelaxedValue<uint16_t> GigaPhyLinkSta;
   RelaxedByte OptModuleLinkSta;
-  RelaxedValue<uint16_t> ReceiveCardWidth{128};   // pixels
-  RelaxedValue<uint16_t> ReceiveCardHeight{128};  // pixels
+  RelaxedValue<CardSize> ReceiveCardSize;  // 128 x 128 until measured; width and height change together
   RelaxedByte _gCorroentHighSpeed;
   RelaxedByte LinkStateChanged;
 
  private:
   Data_Global() = default;
+  void BootRecover();
   void pushMasterSlave(uint32_t address, uint32_t fpgaRegister, std::size_t length, const char* logLine);
 };
 

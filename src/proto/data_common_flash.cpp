@@ -5,13 +5,13 @@
 #include "mcuctrace.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
+#include "proto/fpgamap.h"
+#include "proto/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
 
 constexpr unsigned short kPageSize = 256;
-constexpr std::size_t kOutputWidthAt = 0x1EC;  // of the feature image
-constexpr std::size_t kOutputHeightAt = 0x1EE;
 
 // Reads a size record: width u32, height u32. The texts name it in the log lines.
 int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight,
@@ -56,18 +56,7 @@ int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
 void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
   PARLEND_TRACE(kInfo)
       << "===============================Storage Dvi Wide ADVcalc===================================";
-  DriverUtil& driver = *DriverUtil::getInstance();
-  std::array<uint8_t, 8> record{};
-  putLe32(record, 0, width);
-  putLe32(record, 4, height);
-  if (driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data()) != 0) {
-    PARLEND_TRACE(kError) << "=== ChangeOutScreenPara ===the output size was not stored.";
-    return;
-  }
-  uint8_t counter = 0;
-  if (driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0) return;
-  ++counter;
-  driver.WriteDataToFlash(flash::kScreenChangeCounter, 1, &counter);
+  storeOutputSize(width, height);
 }
 
 int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {
@@ -92,8 +81,8 @@ int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t>
 }
 
 void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* description) {
-  const int width = SendParameterReg.le16(kOutputWidthAt);
-  const int height = SendParameterReg.le16(kOutputHeightAt);
+  const int width = SendParameterReg.le16(fpga::kOutputWidth);
+  const int height = SendParameterReg.le16(fpga::kOutputHeight);
   if (width != 0 && height != 0) return;
   char command[512];
   std::snprintf(

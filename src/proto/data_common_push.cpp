@@ -42,15 +42,14 @@ void Data_Global::SendRebootMsgtoLSD(std::span<const uint8_t> data) {
 }
 
 void Data_Global::SendRVCardWHtoLSD() {
-  const uint16_t width = ReceiveCardWidth;
-  const uint16_t height = ReceiveCardHeight;
+  const CardSize card = ReceiveCardSize;
   std::array<uint8_t, 4> data{};
-  putLe16(data, 0, width);
-  putLe16(data, 2, height);
+  putLe16(data, 0, card.width);
+  putLe16(data, 2, card.height);
   PARLEND_TRACE(kInfo) << "Send 0x06 ~ 0x09 RVCard W/H info to LSD, the reg address = " << CTrace::hex
                        << reg::kReceivingCardSize
                        << " the data length = " << static_cast<unsigned int>(data.size())
-                       << " ReceiveCardWidth :" << width << " ReceiveCardHeight :" << height;
+                       << " ReceiveCardWidth :" << card.width << " ReceiveCardHeight :" << card.height;
   push(kServiceLsd, reg::kReceivingCardSize, data);
 }
 

@@ -46,7 +46,7 @@ CardPosition positionOf(const CardChain& chain, uint32_t line, uint32_t card) {
 }
 
 void fillPortTable(const CardChain& chain, std::span<uint8_t, kPortTableSize> table) {
-  const uint32_t repetitions = repetitionsOf(chain);
+  const std::size_t repetitions = repetitionsOf(chain);
   if (repetitions == 0) return;
   ByteWriter once(table);
   for (uint32_t line = 0; line < chain.lines; ++line) {
@@ -57,8 +57,8 @@ void fillPortTable(const CardChain& chain, std::span<uint8_t, kPortTableSize> ta
     }
   }
   const auto first = table.first(once.written());
-  for (uint32_t i = 1; i < repetitions; ++i)
-    std::copy(first.begin(), first.end(), table.begin() + static_cast<std::ptrdiff_t>(i * first.size()));
+  for (std::size_t i = 1; i < repetitions; ++i)
+    std::copy(first.begin(), first.end(), table.subspan(i * first.size()).begin());
 }
 
 bool isValid(const SmartScreen& screen) {

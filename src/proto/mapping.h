@@ -10,7 +10,7 @@
 namespace ORVE_MCUC {
 
 inline constexpr unsigned kMappedPorts = 10;  // output ports that a screen is cut between
-inline constexpr uint32_t kPortTableEntries = 1024;
+inline constexpr std::size_t kPortTableEntries = 1024;
 inline constexpr std::size_t kPortTableSize = 4 * kPortTableEntries;  // an entry: X u16, Y u16, little-endian
 inline constexpr std::size_t kPortTablesSize = kMappedPorts * kPortTableSize;
 inline constexpr uint8_t kConnectionModes = 8;
@@ -50,7 +50,7 @@ struct CardPosition {
 CardPosition positionOf(const CardChain& chain, uint32_t line, uint32_t card);
 
 // Times that a chain fits into a port table as a whole; 0 for a chain that is empty or longer than the table.
-constexpr uint32_t repetitionsOf(const CardChain& chain) {
+constexpr std::size_t repetitionsOf(const CardChain& chain) {
   return chain.cards() == 0 ? 0 : kPortTableEntries / chain.cards();
 }
 // Writes the cards' positions in the order of the chain, repeated as often as they fit as a whole; the rest

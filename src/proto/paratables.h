@@ -15,6 +15,13 @@ inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced co
 inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
 inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
 
+// Where the smart configuration being calculated lies in them.
+inline constexpr std::size_t kTempRowsAt = 2;  // of MyTempParaTable, u16 each
+inline constexpr std::size_t kTempColumnsAt = 4;
+inline constexpr std::size_t kTempCardsPerPortAt = 6;
+inline constexpr std::size_t kTempModeAt = 0;  // of MyTempParaCharTable
+inline constexpr std::size_t kTempRoleAt = 2;
+
 // Working values of the advanced configuration, ports 0..9.
 using PortValues = std::array<RelaxedValue<uint16_t>, 10>;
 inline constinit PortValues TempAdvCfgPortRow;

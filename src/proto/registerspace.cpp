@@ -15,6 +15,21 @@ void banner(const char* begin, const char* keyName) {
                        << " message to list===========================";
 }
 
+// A work item for a payload of that length, which is at payload. Nothing, and logged, without memory.
+std::unique_ptr<MCUProcessDataBlock> makeItem(const IMD_proto3rd& request, int32_t key, std::size_t length,
+                                              std::span<uint8_t>& payload) {
+  std::unique_ptr<MCUProcessDataBlock> block(new (std::nothrow) MCUProcessDataBlock);
+  char* room = block ? block->allocate(static_cast<int>(length)) : nullptr;
+  if (room == nullptr) {
+    PARLEND_TRACE(kError) << "=== MCUProcessDataBlock ===: new a pDataBlock, but it's NULL. return.";
+    return nullptr;
+  }
+  payload = {reinterpret_cast<uint8_t*>(room), length};
+  block->ipcHeader = request.ipcHeader;
+  block->m_key = key;
+  return block;
+}
+
 }  // namespace
 
 void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes) {
@@ -40,20 +55,28 @@ int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName) {
     request->proto.m_ucAck = kAckRefused;
     return kRefused;
   }
-  std::unique_ptr<MCUProcessDataBlock> block(new (std::nothrow) MCUProcessDataBlock);
-  const std::size_t length = kPenetrateHeadLength + proto.m_data.size();
-  char* payload = block ? block->allocate(static_cast<int>(length)) : nullptr;
-  if (payload == nullptr) {
-    PARLEND_TRACE(kError) << "=== MCUProcessDataBlock ===: new a pDataBlock, but it's NULL. return.";
+  std::span<uint8_t> payload;
+  auto block = makeItem(*request, key, kPenetrateHeadLength + proto.m_data.size(), payload);
+  if (!block) {
     request->proto.m_ucAck = kAckRefused;
     return kRefused;
   }
-  ByteWriter writer({reinterpret_cast<uint8_t*>(payload), length});
+  ByteWriter writer(payload);
   writer.le32(proto.m_uiRegisterUnitAddress);
   writer.le16(proto.m_usValidDataLength);
   writer.bytes(proto.m_data);
-  block->ipcHeader = request->ipcHeader;
-  block->m_key = key;
+  StubUtil::getInstance()->addMessageToList(block.release());
+  banner("Finish", keyName);
+  return kDone;
+}
+
+int queuePayload(const IMD_proto3rd& request, int32_t key, const char* keyName,
+                 std::span<const uint8_t> payload) {
+  banner("Begin", keyName);
+  std::span<uint8_t> room;
+  auto block = makeItem(request, key, payload.size(), room);
+  if (!block) return kRefused;
+  std::copy(payload.begin(), payload.end(), room.begin());
   StubUtil::getInstance()->addMessageToList(block.release());
   banner("Finish", keyName);
   return kDone;

@@ -5,6 +5,7 @@
 //     static constexpr char kName[] = "Addr_X";                    names the space in its log lines
 //     static constexpr uint32_t kBase = reg::kX;                   first base address
 //     static int ReadFromX(IMD_proto3rd*); ...                     its operations
+//     static void prepare();                                       if it has something of its own to set up
 //   };
 //
 // and its differences are constants that hide those of this base. Everything here runs on the receive thread;
@@ -29,6 +30,9 @@ void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes);
 // Wraps a write into a work item and queues it: the reply says done, the handler of key does the work later.
 // 0; kRefused for no request, more data than an item holds or no memory; kBadAccess for a write without data.
 int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName);
+// Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
+int queuePayload(const IMD_proto3rd& request, int32_t key, const char* keyName,
+                 std::span<const uint8_t> payload);
 
 // Reads for a read, writes for a write: the common body of the handling operations.
 template <class Read, class Write>
@@ -57,6 +61,7 @@ class RegisterSpace {
 
   static int initMap() {
     mapRows(Space::cmd_tblOffset.data(), rowMap());
+    if constexpr (requires { Space::prepare(); }) Space::prepare();
     return 0;
   }
 

@@ -9,6 +9,7 @@
 #include "proto/addr_rvconfigfilespace.h"
 #include "proto/addr_screeninfoechoregister.h"
 #include "proto/addr_screenpatterngenregister.h"
+#include "proto/addr_shortcutconfigscreenregister.h"
 #include "proto/addr_silentregisters.h"
 #include "proto/addr_softwaretableregister.h"
 #include "proto/addr_testprinfregister.h"
@@ -41,7 +42,8 @@ constexpr std::array<Fshl_cmd, 71> kRoot{
                 "Intelligent brightness sent by screen register"),
     rootRow<Addr_CabinetRotationRegister>(reg::kCabinetRotation, "cabinet rotation",
                                           "cabinet rotation register"),
-    unservedRow(reg::kShortcutConfigScreen, "shortcut config screen", "shortcut config screen register"),
+    rootRow<Addr_ShortcutConfigScreenRegister>(reg::kShortcutConfigScreen, "shortcut config screen",
+                                               "shortcut config screen register"),
     unservedRow(reg::kScanBoardPosition, "netscanborad", "network scanborad position register"),
     unservedRow(reg::kFunCardPortNumber, "netborad", "network scanborad register"),
     rootRow<Addr_SoftwareTableRegister>(reg::kSoftwareTable, "softwarespace", "software space register"),
@@ -85,6 +87,7 @@ Tshl_ctl::Tshl_ctl() {
   Addr_ScreenInfoEchoRegister::getInstance();
   Addr_BackupInfoRegister::getInstance();
   Addr_CabinetRotationRegister::getInstance();
+  Addr_ShortcutConfigScreenRegister::getInstance();
   Addr_SoftwareTableRegister::getInstance();
   Addr_TestPrinfRegister::getInstance();
   Addr_RGBGammaRegister::getInstance();

@@ -59,7 +59,7 @@ TEST_F(PushTest, EachPeerGetsWhatItMirrorsAndNothingIsSentBeforeTheChannelIsTher
   expectPush(lsd, 0x02000100, roles);
   EXPECT_EQ(store().SendParameterReg[0x104], 1) << "the image is refreshed with what was read";
 
-  store().ReceiveCardWidth = 256;
+  store().ReceiveCardSize = CardSize{256, 128};
   store().SendRVCardWHtoLSD();
   expectPush(lsd, 0x02100006, {0x00, 0x01, 0x80, 0x00});
   store().SendRebootMsgtoLSD(std::vector<uint8_t>{2});

@@ -1,0 +1,212 @@
+// Screen configurations: submissions on the work thread, and the mapping once they have come to rest.
+#include <array>
+#include <optional>
+
+#include "driverutil.h"
+#include "mcucdatablock.h"
+#include "mcuctrace.h"
+#include "process/tprocess.h"
+#include "proto/data_common.h"
+#include "proto/flashmap.h"
+#include "proto/fpgamap.h"
+#include "proto/shortcutrecord.h"
+#include "stub/hextext.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr std::size_t kAdvancedArea = 4096;
+constexpr int kRecordTextRoom = 1536;
+constexpr uint8_t kNotABackup = 0xFF;
+constexpr std::size_t kScreenParaSaved = 2;
+
+Data_Global& store() {
+  return *Data_Global::getInstance();
+}
+
+void writeByte(uint32_t address, uint8_t value, const char* failed) {
+  const int ret = DriverUtil::getInstance()->WriteDataToFlash(address, 1, &value);
+  if (ret != 0) PARLEND_TRACE(kError) << failed << ret;
+}
+
+void setConfigStatus(uint8_t status) {
+  store().LEDConfigStatus = status;
+  writeByte(flash::kShortcutConfig, status,
+            "=== WriteToBackupInfo ===Write backup info to flash failed. ret = ");
+}
+
+void takeScreen(const SmartScreen& screen) {
+  MyTempParaTable.putLe16(kTempRowsAt, screen.rows);
+  MyTempParaTable.putLe16(kTempColumnsAt, screen.columns);
+  MyTempParaTable.putLe16(kTempCardsPerPortAt, screen.cardsPerPort);
+  MyTempParaCharTable[kTempModeAt] = screen.mode;
+}
+
+bool isTaken(const SmartScreen& screen) {
+  return MyTempParaTable.le16(kTempRowsAt) == screen.rows &&
+         MyTempParaTable.le16(kTempColumnsAt) == screen.columns &&
+         MyTempParaTable.le16(kTempCardsPerPortAt) == screen.cardsPerPort &&
+         MyTempParaCharTable[kTempModeAt] == screen.mode;
+}
+
+void logRecord(const HandlerWords& words, std::span<const uint8_t> record) {
+  if (!tracePasses(kInfo)) return;
+  const HexText<kRecordTextRoom> text(record.data(), static_cast<int>(record.size()));
+  PARLEND_TRACE(kInfo) << words.handler << " enter:" << text.view();
+}
+
+// A submission takes the backup marker back: the output ports are assigned anew.
+void clearBackupMark() {
+  store().SendParameterReg[fpga::kBackupMark] = kNotABackup;
+  writeByte(flash::ofFeature(fpga::kBackupMark), kNotABackup,
+            "=== Sprocess_CalculateParaOfSender ===the backup marker was not stored. ret = ");
+  store().NormalBackupStatus = 1;
+}
+
+void submit(std::span<const uint8_t> record) {
+  takeScreen(shortcut::smartScreenOf(record));
+  MyTempParaCharTable[kTempRoleAt] = store().PbufMorSMode;
+  PARLEND_TRACE(kInfo) << "MyTempParaTable[1] = " << MyTempParaTable.le16(kTempRowsAt)
+                       << " MyTempParaTable[2] = " << MyTempParaTable.le16(kTempColumnsAt)
+                       << " MyTempParaTable[3] = " << MyTempParaTable.le16(kTempCardsPerPortAt)
+                       << " MyTempParaCharTable[0] = " << MyTempParaCharTable[kTempModeAt]
+                       << " MyTempParaCharTable[2]=" << MyTempParaCharTable[kTempRoleAt];
+  clearBackupMark();
+  store().CalculateParaGetSreenSize(MyTempParaTable);
+  setConfigStatus(shortcut::kSmart);
+  store().CalculateParaHandlerCnt.add(1);
+}
+
+void logFields(const char* text, uint8_t rows, uint8_t columns, uint8_t cardsLow, uint8_t cardsHigh,
+               uint8_t mode) {
+  PARLEND_TRACE(kInfo) << text << rows << " " << columns << " " << cardsLow << " " << cardsHigh << " ,[0x11] "
+                       << mode;
+}
+
+using Record = std::array<uint8_t, shortcut::kUsedSize>;
+
+std::optional<Record> readRecord() {
+  Record record{};
+  const int ret =
+      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data());
+  if (ret != 0) {
+    PARLEND_TRACE(kError) << "=== CalculateParaOfSenderHandler ===the record cannot be read. ret = " << ret;
+    return std::nullopt;
+  }
+  logFields("buff_new[0x16~0x19] = ", record[0x16], record[0x17], record[0x18], record[0x19], record[0x11]);
+  const auto& copy = store().TmpCalcScreenPara;
+  logFields("TmpCalcScreenPara[0x16~0x19] = ", copy[0x16], copy[0x17], copy[0x18], copy[0x19], copy[0x11]);
+  return record;
+}
+
+// The record in flash is the latest submission; the table may still hold one before it.
+void takeStored(const Record& record) {
+  const SmartScreen stored = shortcut::smartScreenOf(record);
+  if (isTaken(stored)) return;
+  PARLEND_TRACE(kInfo) << "============================ Read Flash Para is diff CalculateParaOfSenderHandler "
+                          "===========================";
+  takeScreen(stored);
+}
+
+bool takeAdvancedScreen() {
+  std::array<uint8_t, kAdvancedArea> area{};
+  const int ret =
+      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, area.size(), area.data());
+  if (ret != 0) {
+    PARLEND_TRACE(kError) << "=== Sprocess_AdvCalcParaOfSender ===the ports cannot be read. ret = " << ret;
+    return false;
+  }
+  if (tracePasses(kInfo)) {
+    const HexText<kRecordTextRoom> text(area.data(), kRecordTextRoom / 3 - 1);
+    PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
+  }
+  for (std::size_t p = 0; p < kMappedPorts; ++p) {
+    const AdvancedPort port = shortcut::advancedPortOf(
+        std::span(area).subspan(shortcut::kPortsAt + p * shortcut::kPortSize, shortcut::kPortSize));
+    TempAdvPortCM[p] = port.mode;
+    TempAdvCfgPortRow[p] = port.rows;
+    TempAdvCfgPortCol[p] = port.columns;
+    TempAdvCfgPortX[p] = port.x;
+    TempAdvCfgPortY[p] = port.y;
+    PARLEND_TRACE(kInfo) << "port num = " << p << " row = " << port.rows << " col = " << port.columns
+                         << " x = " << port.x << " y = " << port.y << " cm = " << port.mode;
+  }
+  return true;
+}
+
+// A handler whose payload is not a register write.
+template <class Work>
+int handleCommand(const HandlerWords& words, Work work) {
+  logBanner("Begin", words);
+  work();
+  logBanner("Finish", words);
+  return 0;
+}
+
+}  // namespace
+
+int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
+  return handleCommand({"Sprocess_SaveSendCardPara", "SaveSendCardParaKey"}, [] {
+    if (store().LEDConfigStatus == shortcut::kByTables) setConfigStatus(shortcut::kByTables);
+    std::array<uint8_t, kScreenParaSaved> bytes{};
+    if (store().ScreenParaReg.copyTo(bytes)) {
+      DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenPara, bytes.size(), bytes.data());
+    }
+    store().SaveParaToFlash(1);
+  });
+}
+
+int Tprocess::Sprocess_ReloadSendCardProgram(int, char*) {
+  return handleCommand({"Sprocess_ReloadSendCardProgram", "ReloadSenderFPGAKey"},
+                       [] { store().RestoreFPGA(); });
+}
+
+int Tprocess::Sprocess_CalculateParaOfSender(int lenth, char* data) {
+  const HandlerWords words{"Sprocess_CalculateParaOfSender", "CalculateParaOfSenderKey"};
+  if (data == nullptr) {
+    logNoData(words);
+    return 0;
+  }
+  if (lenth < static_cast<int>(shortcut::kUsedSize)) {
+    logCutShort(words, lenth);
+    return 0;
+  }
+  return handleCommand(words, [&] {
+    const std::span record(reinterpret_cast<const uint8_t*>(data), static_cast<std::size_t>(lenth));
+    logRecord(words, record);
+    submit(record);
+  });
+}
+
+int Tprocess::Sprocess_AdvCalcParaOfSender(int, char* data) {
+  const HandlerWords words{"Sprocess_AdvCalcParaOfSender", "AdvCalcParaOfSenderKey"};
+  if (data == nullptr) {
+    logNoData(words);
+    return 0;
+  }
+  return handleCommand(words, [] {
+    if (!takeAdvancedScreen()) return;
+    store().AdvCalcParaGetSreenSize(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
+    store().AdvCalcParaOfSenderInMosaicMode();
+    setConfigStatus(shortcut::kAdvanced);
+  });
+}
+
+void Tprocess::CalculateParaOfSenderHandler() {
+  constexpr char kBanner[] =
+      "============================ 200Ms CalculateParaOfSenderHandler ===========================";
+  Data_Global& global = store();
+  const auto record = readRecord();
+  global.GetRecvCardSize_EnvNew();
+  global.SendRVCardWHtoLSD();
+  global.ShortCfgReadRvStatus = 0;
+  if (record) takeStored(*record);
+  PARLEND_TRACE(kInfo) << kBanner;
+  global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);
+  setConfigStatus(shortcut::kSmart);
+  PARLEND_TRACE(kInfo) << "=== ScreenParaReg[0] " << global.ScreenParaReg[0]
+                       << " [1]:" << global.ScreenParaReg[1] << " [2]:" << global.ScreenParaReg[2];
+  PARLEND_TRACE(kInfo) << kBanner;
+}
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,142 @@
+#include "proto/mappingsteps.h"
+
+#include "driverutil.h"
+#include "mcuctrace.h"
+#include "proto/flashmap.h"
+#include "proto/fpgamap.h"
+#include "proto/porttables.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr unsigned int kBlock = 1024;  // bytes of a port table that go to the FPGA at once
+constexpr std::size_t kStoredScreenPara = 15;
+constexpr std::size_t kCardSizeAt = 6;  // of the screen parameters
+constexpr std::size_t kLayoutAt = 10;
+
+uint16_t low16(uint32_t value) {
+  return static_cast<uint16_t>(value);
+}
+
+void logChangeCounter(uint8_t counter) {
+  PARLEND_TRACE(kInfo) << "============================= Wrtie CfgScreenStatusPara = " << counter;
+}
+
+}  // namespace
+
+void setPortWindow(Data_Global& store, unsigned int port, const ScreenWindow& window) {
+  store.PortWidthUpdate(port, low16(window.width));
+  store.PortHeightUpdate(port, low16(window.height));
+  store.PortOffsetXUpdate(port, low16(window.x));
+  store.PortOffsetYUpdate(port, low16(window.y));
+}
+
+void setMappedScreen(Data_Global& store, uint32_t width, uint32_t height) {
+  auto& image = store.SendParameterReg;
+  image.putLe16(fpga::kScreenWidth, low16((width + 1) & ~1U));
+  image.putLe16(fpga::kScreenHeight, low16(height));
+  image.putLe16(fpga::kMappedWidth, low16(width));
+}
+
+void setOutputSize(Data_Global& store, uint32_t width, uint32_t height, int point, const char* description) {
+  store.SendParameterReg.putLe16(fpga::kOutputWidth, low16(width));
+  store.SendParameterReg.putLe16(fpga::kOutputHeight, low16(height));
+  store.DebugForScreenZero(point, 0, description);
+}
+
+void copyOutputToScreen(Data_Global& store) {
+  auto& image = store.SendParameterReg;
+  image.putLe16(fpga::kScreenWidth, image.le16(fpga::kOutputWidth));
+  image.putLe16(fpga::kScreenHeight, image.le16(fpga::kOutputHeight));
+}
+
+void clearScreenOffset(Data_Global& store, const char* failed) {
+  constexpr std::array<uint8_t, 4> kNone{};
+  if (DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kScreenOffsetX, kNone.data(), kNone.size()) != 0) {
+    PARLEND_TRACE(kError) << failed;
+  }
+  store.SendParameterReg.putLe16(fpga::kScreenOffsetX, 0);
+  store.SendParameterReg.putLe16(fpga::kScreenOffsetY, 0);
+}
+
+void storeOutputSize(uint32_t width, uint32_t height) {
+  DriverUtil& driver = *DriverUtil::getInstance();
+  std::array<uint8_t, 8> record{};
+  putLe32(record, 0, width);
+  putLe32(record, 4, height);
+  if (driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data()) != 0) {
+    PARLEND_TRACE(kError) << "=== storeOutputSize ===the output size was not stored.";
+    return;
+  }
+  uint8_t counter = 0;
+  if (driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0) return;
+  ++counter;
+  driver.WriteDataToFlash(flash::kScreenChangeCounter, 1, &counter);
+  logChangeCounter(counter);
+}
+
+void resetScreenChangeCounter() {
+  constexpr uint8_t kNone = 0;
+  DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenChangeCounter, 1, &kNone);
+  logChangeCounter(kNone);
+}
+
+bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
+                     const char* failed) {
+  std::array<uint8_t, kStoredScreenPara> bytes{1, 0x55};
+  putLe16(bytes, kCardSizeAt, card.width);
+  putLe16(bytes, kCardSizeAt + 2, card.height);
+  std::copy(layout.begin(), layout.end(), bytes.begin() + kLayoutAt);
+  if (!store.ScreenParaReg.copyFrom(bytes)) return false;
+  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenPara, bytes.size(), bytes.data());
+  if (ret != 0) PARLEND_TRACE(kError) << failed << ret;
+  return ret == 0;
+}
+
+int readScreenPara(Data_Global& store) {
+  std::array<uint8_t, kStoredScreenPara> bytes{};
+  const int ret =
+      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kScreenPara, bytes.size(), bytes.data());
+  return ret == 0 && !store.ScreenParaReg.copyFrom(bytes) ? -1 : ret;
+}
+
+void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts) {
+  DriverUtil& driver = *DriverUtil::getInstance();
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    const uint16_t count = low16(counts[port]);
+    const uint32_t at = cardCountOnFpga(port);
+    VsPartPara.putLe16(cardCountAt(port), count);
+    driver.FPGAC5_WriteOneWord(0, 0, at, static_cast<unsigned char>(count));
+    driver.FPGAC5_WriteOneWord(0, 0, at + 1, static_cast<unsigned char>(count >> 8));
+    PARLEND_TRACE(kInfo) << "Weite CardNumEachPort " << port << " : addr" << CTrace::hex << at
+                         << " Para: " << count;
+  }
+}
+
+int writePortTable(unsigned int port) {
+  std::array<uint8_t, kPortTableSize> table{};
+  if (!PortsTopoPara.copyTo(table, portTableAt(port))) return -1;
+  int result = 0;
+  for (unsigned int at = 0; at < kPortTableSize; at += kBlock) {
+    const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(0, 0, portTableOnFpga(port) + at, kBlock,
+                                                                     table.data() + at);
+    if (result == 0) result = ret;
+  }
+  return result;
+}
+
+void updatePortTable(unsigned int port, const CardChain& chain) {
+  std::array<uint8_t, kPortTableSize> table{};
+  if (!PortsTopoPara.copyTo(table, portTableAt(port))) return;
+  fillPortTable(chain, table);
+  if (!PortsTopoPara.copyFrom(table, portTableAt(port))) return;
+}
+
+void writeAndSaveFeature(Data_Global& store) {
+  std::array<uint8_t, fpga::kFeatureMappingLength> bytes{};
+  if (!store.SendParameterReg.copyTo(bytes, fpga::kFeatureFirst)) return;
+  DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kFeatureFirst, bytes.data(), bytes.size());
+  store.SaveParaToFlash(1);
+}
+
+}  // namespace ORVE_MCUC

@@ -14,6 +14,7 @@ void measureTraceLine(const Programs& programs, const Effort& effort, Table& tab
 void measureWorkQueue(const Programs& programs, const Effort& effort, Table& table);
 void measureSpawn(const Programs& programs, const Effort& effort, Table& table);
 void measureFootprint(const Programs& programs, const Effort& effort, Table& table);
+void measureMapping(const Programs& programs, const Effort& effort, Table& table);
 void measureChecksum(const Programs& programs, const Effort& effort, Table& table);
 
 }  // namespace bench

@@ -84,8 +84,10 @@ TEST_F(WorkQueueTest, AProducerGetsInAfterTheRunningHandlerHoweverManyItemsWait)
 
 TEST_F(WorkQueueTest, ManyProducersLoseNothing) {
   startThread();
+  constexpr int kProducers = 4;
   std::vector<std::thread> producers;
-  for (int p = 0; p < 4; ++p) {
+  producers.reserve(kProducers);
+  for (int p = 0; p < kProducers; ++p) {
     producers.emplace_back([this] {
       for (int i = 0; i < 250; ++i) queue.addMessageToList(item(7));
     });

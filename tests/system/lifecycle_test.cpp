@@ -2,7 +2,6 @@
 #include "system_test.h"
 
 using peer::Bytes;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 

@@ -259,7 +259,8 @@ class Requests {
     constexpr uint16_t kLongLengths[] = {5000, 32767, 32768, 32769, 65516, 65535};
     if (oneIn(60)) return kLongLengths[below(std::size(kLongLengths))];
     if (oneIn(4)) return kLengths[below(std::size(kLengths))];
-    if (oneIn(6)) return static_cast<uint16_t>(0x2000 - (address & 0x1FFF));  // to the end of a gamma table
+    // To the end of a gamma table, or nearly so.
+    if (oneIn(6)) return static_cast<uint16_t>(0x2001 - (address & 0x1FFF) - below(3));
     return static_cast<uint16_t>(1 + below(40));
   }
 

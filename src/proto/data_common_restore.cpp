@@ -126,7 +126,9 @@ void restorePortTables(bool online) {
                                                                   table.data());
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
     if (ret == 0 && !PortsTopoPara.copyFrom(table, at)) return;
-    if (online) PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << writePortTable(port);
+    if (!online) continue;
+    const int written = writePortTable(port);
+    PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
   }
 }
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 #include "peer/error.h"
@@ -148,4 +149,19 @@ std::string DaemonProcess::trace() const {
     text += file.substr(kHeader, std::strtoul(file.c_str(), nullptr, 10) - kHeader);
   }
   return text;
+}
+
+std::vector<std::string> DaemonProcess::traceLines() const {
+  constexpr std::string_view kStampEnd = " uuid=0x0] ";
+  std::vector<std::string> lines;
+  std::istringstream stream(trace());
+  for (std::string line; std::getline(stream, line); lines.push_back(line)) {
+    const std::size_t level = line.find(kStampEnd) + kStampEnd.size();
+    const std::size_t source = line.find(':', level);
+    const std::size_t number = line.find(" : ", source);
+    const std::size_t text = line.find(' ', number + 3);
+    if (line.starts_with('[') && number != std::string::npos && text != std::string::npos)
+      line = line.substr(level, source - level) + line.substr(text);
+  }
+  return lines;
 }

@@ -100,6 +100,9 @@ class Data_Global {
   void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
   void SendRebootMsgtoLSD(std::span<const uint8_t> data);
   void SendRVCardWHtoLSD();
+  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
+  // cannot be read are pushed as they were; beyond 0x1EF the image mirrors no registers.
+  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine);
   void SendMStoLSD1_4();
   void SendMStoLSD5_8();
   void SendMStoLSD9_16();
@@ -148,7 +151,7 @@ class Data_Global {
  private:
   Data_Global() = default;
   void BootRecover();
-  void pushMasterSlave(uint32_t address, uint32_t fpgaRegister, std::size_t length, const char* logLine);
+  bool refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes);
 };
 
 // The basic hardware page.

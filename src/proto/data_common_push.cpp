@@ -1,4 +1,6 @@
 // Pushes of parameters to the peers that mirror them.
+#include <algorithm>
+
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "proto/data_common.h"
@@ -53,32 +55,32 @@ void Data_Global::SendRVCardWHtoLSD() {
   push(kServiceLsd, reg::kReceivingCardSize, data);
 }
 
-void Data_Global::pushMasterSlave(uint32_t address, uint32_t fpgaRegister, std::size_t length,
-                                  const char* logLine) {
+void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine) {
   std::array<uint8_t, 8> bytes{};
-  const auto data = std::span(bytes).first(length);
-  DriverUtil& driver = *DriverUtil::getInstance();
+  const auto data = std::span(bytes).first(std::min(length, bytes.size()));
+  if (!refreshMirror(fpgaRegister, data)) return;
+  logPush(logLine, reg::ofFeature(fpgaRegister), data.size());
+  push(kServiceLsd, reg::ofFeature(fpgaRegister), data);
+}
+
+bool Data_Global::refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes) {
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   // What cannot be read stays what it was.
-  if (!SendParameterReg.copyTo(data, fpgaRegister)) return;
-  if (driver.ReadFPGABusBlock(fpgaRegister, data.data(), static_cast<unsigned int>(length)) == 0 &&
-      !SendParameterReg.copyFrom(data, fpgaRegister)) {
-    return;
-  }
-  logPush(logLine, address, length);
-  push(kServiceLsd, address, data);
+  if (!SendParameterReg.copyTo(bytes, fpgaRegister)) return false;
+  const int ret = DriverUtil::getInstance()->ReadFPGABusBlock(fpgaRegister, bytes.data(),
+                                                              static_cast<unsigned int>(bytes.size()));
+  return ret != 0 || SendParameterReg.copyFrom(bytes, fpgaRegister);
 }
 
 void Data_Global::SendMStoLSD1_4() {
-  pushMasterSlave(reg::kMasterSlavePorts1To4, fpga::kMasterSlavePorts1To4, 4,
-                  "Send 0x18~0x1A Master/Slave info to LSD, the reg address = ");
+  pushMirror(fpga::kMasterSlavePorts1To4, 4, "Send 0x18~0x1A Master/Slave info to LSD, the reg address = ");
 }
 void Data_Global::SendMStoLSD5_8() {
-  pushMasterSlave(reg::kMasterSlavePorts5To8, fpga::kMasterSlavePorts5To8, 4,
-                  "Send 0x98~0x9A Master/Slave info to LSD, the reg address = ");
+  pushMirror(fpga::kMasterSlavePorts5To8, 4, "Send 0x98~0x9A Master/Slave info to LSD, the reg address = ");
 }
 void Data_Global::SendMStoLSD9_16() {
-  pushMasterSlave(reg::kMasterSlavePorts9To16, fpga::kMasterSlavePorts9To16, 8,
-                  "Send 0x100~0x107 Master/Slave info to LSD, the reg address = ");
+  pushMirror(fpga::kMasterSlavePorts9To16, 8,
+             "Send 0x100~0x107 Master/Slave info to LSD, the reg address = ");
 }
 
 void Data_Global::SendFlag_parlendload() {

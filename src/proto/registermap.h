@@ -30,10 +30,12 @@ inline constexpr uint32_t kCardProgramUpper = 0x18200000;
 inline constexpr uint32_t kTestPrint = 0xF0000000;       // 16 MiB wide
 inline constexpr uint32_t kTestPrintUpper = 0xF1000000;  // 16 MiB wide
 
+// The feature space has the FPGA's registers under their own addresses.
+constexpr uint32_t ofFeature(uint32_t fpgaRegister) {
+  return kFeature + fpgaRegister;
+}
+
 // Single registers inside the spaces.
-inline constexpr uint32_t kMasterSlavePorts1To4 = kFeature + 0x18;
-inline constexpr uint32_t kMasterSlavePorts5To8 = kFeature + 0x98;
-inline constexpr uint32_t kMasterSlavePorts9To16 = kFeature + 0x100;
 inline constexpr uint32_t kReceivingCardSize = kScreenInfoEcho + 0x06;
 inline constexpr uint32_t kVspTrigger = 0x0500FFFF;  // a one-byte read pushes 0xC8 to VSP
 inline constexpr uint32_t kRoleTable = 0x05065000;   // the software table's screen tables end here

@@ -1,15 +1,35 @@
 // The flag and status thread: waits for the loaded FPGA, announces the daemon, then ticks.
 #include "mcuctrace.h"
 #include "mcucutil.h"
+#include "platform/apipc.h"
+#include "process/tprocess.h"
+#include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
 #include "stub/loadflag.h"
 #include "stub/mcuimdthread.h"
+#include "stub/taskid.h"
 
 namespace ORVE_MCUC {
 namespace {
 
 constexpr int kTickMs = 200;
 constexpr uint8_t kHighestResetState = 3;
+constexpr int kNotConnected = -1;
+
+// Every status counts as changed from here on, except those that are zero.
+void forgetPushes() {
+  Data_Global& store = *Data_Global::getInstance();
+  store.SendRedundStatustoLSD_buff.fill(0);
+  store.SendRedundtoLSD_buff.fill(0);
+  store.SendNetLinktoLSD_buff.fill(0);
+  store.fiberlink_buff.fill(0xFF);
+  store.fiberRedund_buff.fill(0);
+  store.FiberToNetStatus_buff.fill(0);
+  store.Fiber1BelowLinkStatus_buff.fill(0);
+  store.Fiber2BelowLinkStatus_buff.fill(0);
+  store.fiberCopyStatus_buff.fill(0);
+  store.SendOptRedundtoLSD_buff.fill(0);
+}
 
 }  // namespace
 
@@ -24,6 +44,7 @@ void McuIMDThread::FlagMsg() {
   if (m_flag.exit.load()) return;
   PARLEND_TRACE(kError) << "----------------- receive file /etc/init.d/flag_fpgaload.";
   Data_Global::getInstance()->FpgaOnlineFlag = 1;
+  Data_Global::getInstance()->RestoreFPGA();
   Data_Global::getInstance()->SendFlag_parlendload();
   while (!m_flag.exit.load()) {
     tick();
@@ -34,10 +55,52 @@ void McuIMDThread::FlagMsg() {
 
 void McuIMDThread::tick() {
   auto& state = Data_Global::getInstance()->RebootRF;
+  // The factory reset's step comes first; until the reset is over nothing else is done.
+  if (state == 0) watchStatus();
   if (state > kHighestResetState) {
     PARLEND_TRACE(kError) << "=== getInstance()->RebootRF is error large 4! restart it to 0,num is " << state;
     state = 0;
   }
+}
+
+void McuIMDThread::watchStatus() {
+  Tprocess_ctl& monitor = *Tprocess_ctl::getInstance();
+  LsdApipcConnHandler();
+  Data_Global::getInstance()->SendRedundStatustoLSD();
+  monitor.SendRedundtoLSD();
+  monitor.SendNetLinktoLSD();
+  CalculateSenderParaHandler();
+  monitor.SendFiberLinktoLSD();
+  monitor.SendFiberBelowLinkStatustoLSD();
+  monitor.SendFiberRedundtoLSD();
+  monitor.SendFiberToNetStatustoLSD();
+  monitor.SendFiberCopyStatustoLSD();
+  monitor.SendGenLockLinktoLSD();
+  // The periodic poll, which adjusts the brightness, joins here.
+  monitor.SendRecvCardParaToLsdByLinkChange();
+}
+
+void McuIMDThread::LsdApipcConnHandler() {
+  Tprocess_ctl& monitor = *Tprocess_ctl::getInstance();
+  if (apipc_connect_chk_task_by_taskid(taskOf(kServiceLsd)) == kNotConnected) {
+    monitor.apipc_connect_status = false;
+    return;
+  }
+  if (monitor.apipc_connect_status && !monitor.OptToNetEnableOnce) return;
+  monitor.apipc_connect_status = true;
+  monitor.OptToNetEnableOnce = false;
+  PARLEND_TRACE(kInfo) << "<<<<<<FlagMsg process thread apipc_connect_chktask_by_taskid success!>>>>>>";
+  forgetPushes();
+}
+
+void McuIMDThread::CalculateSenderParaHandler() {
+  auto& waiting = Data_Global::getInstance()->CalculateParaHandlerCnt;
+  const uint32_t count = waiting;
+  const bool atRest = count != 0 && count == m_submissionsSeen;
+  m_submissionsSeen = atRest ? 0 : count;
+  if (!atRest) return;
+  waiting = 0;
+  Tprocess::CalculateParaOfSenderHandler();
 }
 
 }  // namespace ORVE_MCUC

@@ -4,12 +4,14 @@
 #include <cstdio>
 #include <string_view>
 
+#include "proto/fpgamap.h"
 #include "proto/registermap.h"
 
 namespace parlctl {
 
 namespace {
 
+namespace fpga = ORVE_MCUC::fpga;
 namespace reg = ORVE_MCUC::reg;
 
 struct Name {
@@ -20,23 +22,23 @@ struct Name {
 // Registers that pushes name, and a few that people look for.
 constexpr std::array kRegisters{
     Name{reg::kRebootNotice, "reboot notice"},
-    Name{reg::kMasterSlavePorts1To4, "master/slave of ports 1-4"},
-    Name{reg::kMasterSlavePorts5To8, "master/slave of ports 5-8"},
-    Name{reg::kMasterSlavePorts9To16, "master/slave of ports 9-16"},
-    Name{reg::kFeature + 0x1E, "redundancy of ports 1-4"},
-    Name{reg::kFeature + 0x1F, "links of ports 1-4"},
-    Name{reg::kFeature + 0x9E, "redundancy of ports 5-8"},
-    Name{reg::kFeature + 0x9F, "links of ports 5-8"},
-    Name{reg::kFeature + 0x120, "redundancy of ports 9-16"},
-    Name{reg::kFeature + 0x126, "links of ports 9-16"},
-    Name{reg::kFeature + 0x1D7, "fiber modules"},
-    Name{reg::kFeature + 0x1DA, "fiber redundancy and copy"},
-    Name{reg::kFeature + 0x1E0, "fiber to net, path 1"},
-    Name{reg::kFeature + 0x1E1, "fiber to net, path 2"},
-    Name{reg::kFeature + 0x1F2, "links below fiber 1, ports 1-8"},
-    Name{reg::kFeature + 0x1F3, "links below fiber 1, ports 9-16"},
-    Name{reg::kFeature + 0x1F4, "links below fiber 2, ports 1-8"},
-    Name{reg::kFeature + 0x1F5, "links below fiber 2, ports 9-16"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts1To4), "master/slave of ports 1-4"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts5To8), "master/slave of ports 5-8"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts9To16), "master/slave of ports 9-16"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts1To4), "redundancy of ports 1-4"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts1To4), "links of ports 1-4"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts5To8), "redundancy of ports 5-8"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts5To8), "links of ports 5-8"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts9To16), "redundancy of ports 9-16"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts9To16), "links of ports 9-16"},
+    Name{reg::ofFeature(fpga::kFiberLink), "fiber modules"},
+    Name{reg::ofFeature(fpga::kFiberRedundancy), "fiber redundancy and copy"},
+    Name{reg::ofFeature(fpga::kFiberToNetStatus), "fiber to net, path 1"},
+    Name{reg::ofFeature(fpga::kFiberToNetStatus + 1), "fiber to net, path 2"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink), "links below fiber 1, ports 1-8"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 1), "links below fiber 1, ports 9-16"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 2), "links below fiber 2, ports 1-8"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 3), "links below fiber 2, ports 9-16"},
     Name{reg::kReceivingCardSize, "receiving card size"},
     Name{reg::kVspTrigger, "VSP trigger"},
     Name{reg::kGamma10BitValue, "10-bit gamma value"},

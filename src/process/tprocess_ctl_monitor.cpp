@@ -1,0 +1,238 @@
+// The link and redundancy monitor.
+#include "mcuctrace.h"
+#include "process/tprocess_ctl.h"
+#include "proto/data_common.h"
+#include "proto/fpgamap.h"
+#include "proto/registermap.h"
+#include "proto/statuscheck.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr StatusBlock kRedundancy[] = {{fpga::kRedundancyPorts1To4, 1},
+                                       {fpga::kRedundancyPorts5To8, 1},
+                                       {fpga::kRedundancyPorts9To16, 1},
+                                       {fpga::kRedundancyPorts9To16 + 1, 1}};
+constexpr StatusWords kRedundancyWords{
+    "============SendRedundtoLSD======= Check redundant info change , send to LSD ======================",
+    "============SendRedundtoLSD====== Finish send redundant info to LSD ======================"};
+
+constexpr StatusBlock kOptRedundancy[] = {{fpga::kOptRedundancy, 6}};
+constexpr StatusWords kOptRedundancyWords{
+    "============Send OPT RedundtoLSD======= Check redundant info change , send to LSD "
+    "======================",
+    "============Send OPT RedundtoLSD====== Finish send redundant info to LSD ======================"};
+
+constexpr StatusBlock kNetLinks[] = {{fpga::kNetLinkPorts1To4, 1},
+                                     {fpga::kNetLinkPorts5To8, 1},
+                                     {fpga::kNetLinkPorts9To16, 1},
+                                     {fpga::kNetLinkPorts9To16 + 1, 1}};
+
+constexpr StatusBlock kFiberLink[] = {{fpga::kFiberLink, 1}};
+constexpr StatusWords kFiberLinkWords{
+    "======================== Begin send fiber link info to LSD = ",
+    "======================== Finish send fiber link info to LSD ======================",
+    "======================"};
+constexpr StatusWords kGenLockWords{
+    "======================== Begin send fiber link info to LSD ======================",
+    kFiberLinkWords.finish};
+
+constexpr StatusBlock kBelowFibers[] = {{fpga::kFiberBelowLink, 4}};
+constexpr std::size_t kBelowFiberLength = 2;  // of one fiber path
+constexpr StatusWords kFiber1Words{
+    "======================== Begin send SendFiber1BelowLinkStatustoLSD link info to LSD "
+    "======================",
+    "======================== Finish send SendFiber1BelowLinkStatustoLSD link info to LSD "
+    "======================"};
+constexpr StatusWords kFiber2Words{
+    "======================== Begin send SendFiber2BelowLinkStatustoLSD link info to LSD "
+    "======================",
+    "======================== Finish send SendFiber2BelowLinkStatustoLSD link info to LSD "
+    "======================"};
+
+constexpr StatusBlock kFiberRedundancy[] = {{fpga::kFiberRedundancy, 1}};
+constexpr StatusWords kFiberRedundancyWords{
+    "======================== Begin send fiber Redund info to LSD = ",
+    "======================== Finish send fiber Redund info to LSD ======================",
+    "======================"};
+constexpr StatusWords kFiberCopyWords{
+    "======================== Begin send SendFiberCopyStatustoLSD State info to LSD ======================",
+    "======================== Finish send SendFiberCopyStatustoLSD State info to LSD ======================"};
+
+constexpr StatusBlock kFiberToNet[] = {{fpga::kFiberToNetStatus, 2}};
+constexpr StatusWords kFiberToNetWords{
+    "======================== Begin send SendFiberToNetStatustoLSD State info to LSD ======================",
+    "======================== Finish send SendFiberToNetStatustoLSD State info to LSD "
+    "======================"};
+
+// Ticks, counted from 1 for the one that saw the change, after which the cards behind a changed link are
+// measured; without any link this is given up earlier than with cards that do not answer.
+constexpr uint8_t kLinkChanged = 1;
+constexpr uint8_t kLinkSettled = 4;
+constexpr uint8_t kLastWait = 10;
+constexpr uint8_t kLastTry = 30;
+
+Data_Global& store() {
+  return *Data_Global::getInstance();
+}
+
+// Pushes a block byte by byte.
+void pushBytes(uint32_t fpgaRegister, std::span<const uint8_t> bytes) {
+  for (; !bytes.empty(); bytes = bytes.subspan(1)) {
+    store().SendDatetoLSD(reg::ofFeature(fpgaRegister++), bytes.first(1));
+  }
+}
+
+// A check of one block that is pushed byte by byte.
+template <std::size_t N>
+void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const StatusWords& words) {
+  const uint32_t first = block[0].fpgaRegister;
+  checkStatus(last, block, framed(words, [first](auto now) { pushBytes(first, now); }));
+}
+
+void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t, kBelowFiberLength> now,
+                       uint32_t fpgaRegister, const StatusWords& words) {
+  const auto pushLinks = [fpgaRegister](auto status) {
+    pushBytes(fpgaRegister, status);
+    store().LinkStateChanged = kLinkChanged;
+  };
+  compareStatus(last, now, framed(words, pushLinks));
+}
+
+void checkFiberLink(const StatusWords& words) {
+  checkStatus(store().fiberlink_buff, kFiberLink, framed(words, [](auto) { store().SendFiberLinkInfo(); }));
+}
+
+// Bit p: port p has a link. A byte of the status holds four ports.
+uint16_t linkWord(std::span<const uint8_t> status) {
+  unsigned int word = 0;
+  for (std::size_t i = 0; i < status.size(); ++i) word |= (status[i] & 0x0FU) << 4 * i;
+  return static_cast<uint16_t>(word);
+}
+
+void logNetLinks(std::span<const uint8_t> now) {
+  PARLEND_TRACE(kInfo)
+      << "============SendNetLinktoLSD======= Check NetLink info change , send to LSD tmp_buff:" << now[0]
+      << ":" << now[1] << ":" << now[2] << ":" << now[3];
+  PARLEND_TRACE(kInfo) << "<<<<<<<< SendNetLinktoLSD -------- SourceLinkStatus:" << store().GigaPhyLinkSta
+                       << " -> NowChangedLinstatus:" << linkWord(now) << " >>>>>>>>";
+}
+
+// Whether the cards behind a changed link may be measured.
+bool linkHasSettled(bool lsdConnected, uint16_t fiber1, uint16_t fiber2) {
+  return store().LinkStateChanged >= kLinkSettled && lsdConnected &&
+         (store().GigaPhyLinkSta != 0 || fiber1 != 0 || fiber2 != 0);
+}
+
+// One tick more, or the end after the last one.
+void countTick(uint8_t last) {
+  RelaxedByte& counter = store().LinkStateChanged;
+  counter = counter < last ? static_cast<uint8_t>(counter + 1) : uint8_t{0};
+}
+
+}  // namespace
+
+void Tprocess_ctl::SendRedundtoLSD() {
+  const auto pushGroups = [this](auto) {
+    SendRedundtoLSD1_4();
+    SendRedundtoLSD5_8();
+    SendRedundtoLSD9_16();
+  };
+  checkStatus(store().SendRedundtoLSD_buff, kRedundancy, framed(kRedundancyWords, pushGroups));
+  checkBytes(store().SendOptRedundtoLSD_buff, kOptRedundancy, kOptRedundancyWords);
+}
+
+void Tprocess_ctl::SendNetLinktoLSD() {
+  checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, [this](std::span<const uint8_t> now) {
+    logNetLinks(now);
+    SendNetLinktoLSD1_4();
+    SendNetLinktoLSD5_8();
+    SendNetLinktoLSD9_16();
+    store().LinkStateChanged = kLinkChanged;
+    PARLEND_TRACE(kInfo)
+        << "============SendNetLinktoLSD====== Finish send NetLink info to LSD ======================";
+  });
+  store().GigaPhyLinkSta = linkWord(bytesOf(store().SendNetLinktoLSD_buff));
+}
+
+void Tprocess_ctl::SendFiberLinktoLSD() {
+  checkFiberLink(kFiberLinkWords);
+}
+
+void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
+  ByteImage<kBelowFiberLength>& last1 = store().Fiber1BelowLinkStatus_buff;
+  ByteImage<kBelowFiberLength>& last2 = store().Fiber2BelowLinkStatus_buff;
+  std::array<uint8_t, 2 * kBelowFiberLength> now{};
+  const auto fiber1 = std::span(now).first<kBelowFiberLength>();
+  const auto fiber2 = std::span(now).last<kBelowFiberLength>();
+  static_cast<void>(last1.copyTo(fiber1));
+  static_cast<void>(last2.copyTo(fiber2));
+  readStatus(kBelowFibers, now);
+  compareBelowFiber(last1, fiber1, fpga::kFiberBelowLink, kFiber1Words);
+  compareBelowFiber(last2, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
+}
+
+void Tprocess_ctl::SendFiberRedundtoLSD() {
+  checkBytes(store().fiberRedund_buff, kFiberRedundancy, kFiberRedundancyWords);
+}
+
+void Tprocess_ctl::SendFiberToNetStatustoLSD() {
+  checkBytes(store().FiberToNetStatus_buff, kFiberToNet, kFiberToNetWords);
+}
+
+void Tprocess_ctl::SendFiberCopyStatustoLSD() {
+  checkBytes(store().fiberCopyStatus_buff, kFiberRedundancy, kFiberCopyWords);
+}
+
+void Tprocess_ctl::SendGenLockLinktoLSD() {
+  checkFiberLink(kGenLockWords);
+}
+
+void Tprocess_ctl::SendRecvCardParaToLsdByLinkChange() {
+  if (store().LinkStateChanged == 0) return;
+  const uint16_t fiber1 = store().Fiber1BelowLinkStatus_buff.le16(0);
+  const uint16_t fiber2 = store().Fiber2BelowLinkStatus_buff.le16(0);
+  if (!linkHasSettled(apipc_connect_status, fiber1, fiber2)) {
+    PARLEND_TRACE(kInfo) << "=========Link changed ++ delay========";
+    countTick(kLastWait);
+    return;
+  }
+  PARLEND_TRACE(kInfo) << "============ SendRecvCardParaToLsdByLinkChange linkStatus= "
+                       << store().LinkStateChanged << " GigaPhyLinkSta=" << store().GigaPhyLinkSta
+                       << " Opt1GigaLinstate=" << fiber1 << "Opt2GigaLinstate=" << fiber2;
+  PARLEND_TRACE(kInfo)
+      << "============SendNetLinktoLSD======= NetLink info change Send RvCardWide&High state:"
+      << store().GigaPhyLinkSta << "=========";
+  if (store().GetRecvCardSize_EnvNew() != 0) {
+    countTick(kLastTry);
+    return;
+  }
+  PARLEND_TRACE(kInfo) << "============Read RvHW: " << store().ReceiveCardWidth() << " "
+                       << store().ReceiveCardHeight() << " ===";
+  store().SendRVCardWHtoLSD();
+  store().LinkStateChanged = 0;
+}
+
+void Tprocess_ctl::SendRedundtoLSD1_4() {
+  store().pushMirror(fpga::kRedundancyPorts1To4, 1, "Send 0x1E redundant info to LSD, the reg address = ");
+}
+void Tprocess_ctl::SendRedundtoLSD5_8() {
+  store().pushMirror(fpga::kRedundancyPorts5To8, 1, "Send 0x9E redundant info to LSD, the reg address = ");
+}
+void Tprocess_ctl::SendRedundtoLSD9_16() {
+  store().pushMirror(fpga::kRedundancyPorts9To16, 2,
+                     "Send 0x120~0x121 redundant info to LSD, the reg address = ");
+}
+
+void Tprocess_ctl::SendNetLinktoLSD1_4() {
+  store().pushMirror(fpga::kNetLinkPorts1To4, 1, "Send 0x1f redundant info to LSD, the reg address = ");
+}
+void Tprocess_ctl::SendNetLinktoLSD5_8() {
+  store().pushMirror(fpga::kNetLinkPorts5To8, 1, "Send 0x9f redundant info to LSD, the reg address = ");
+}
+void Tprocess_ctl::SendNetLinktoLSD9_16() {
+  store().pushMirror(fpga::kNetLinkPorts9To16, 2,
+                     "Send 0x126~0x127 redundant info to LSD, the reg address = ");
+}
+
+}  // namespace ORVE_MCUC

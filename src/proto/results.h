@@ -18,6 +18,7 @@ enum Result : int {
 // Acknowledge codes in a frame.
 enum Ack : uint8_t {
   kAckDone = 0,
+  kAckNoAnswer = 1,  // a receiving card did not answer a read
   kAckChecksum = 2,
   kAckRefused = 4,
 };

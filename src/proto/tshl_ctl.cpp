@@ -63,15 +63,6 @@ constexpr std::array<Fshl_cmd, 71> kRoot{
                                           "csendcard programm space register"),
 };
 
-// A card behind the ports, reached once the card tasks are there.
-int refuseCard(IMD_proto3rd* msgIMD, const char* task) {
-  PARLEND_TRACE(kError) << "=== " << task << " ===no task for device type " << msgIMD->proto.m_ucDeviceType
-                        << ", port " << msgIMD->proto.m_ucPortAddress << ", board "
-                        << msgIMD->proto.m_usBoardAddress;
-  msgIMD->proto.m_ucAck = kAckRefused;
-  return kRefused;
-}
-
 }  // namespace
 
 constinit std::array<Fshl_cmd, 71> Tshl_ctl::cmd_root = kRoot;
@@ -131,19 +122,6 @@ int Tshl_ctl::Ssh_StartSendCard(IMD_proto3rd* msgIMD) {
   }
   PARLEND_TRACE(kInfo) << "============================= Finish SendCard Task ==============================";
   return result;
-}
-
-int Tshl_ctl::Ssh_StartScanCard(IMD_proto3rd* msgIMD) {
-  return refuseCard(msgIMD, "Ssh_StartScanCard");
-}
-int Tshl_ctl::Ssh_StartMultiCard(IMD_proto3rd* msgIMD) {
-  return refuseCard(msgIMD, "Ssh_StartMultiCard");
-}
-int Tshl_ctl::Ssh_StartDistribute(IMD_proto3rd* msgIMD) {
-  return refuseCard(msgIMD, "Ssh_StartDistribute");
-}
-int Tshl_ctl::Ssh_Start3DLauncher(IMD_proto3rd* msgIMD) {
-  return refuseCard(msgIMD, "Ssh_Start3DLauncher");
 }
 
 void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {

@@ -10,6 +10,7 @@ constexpr const char* kFooter = R"(Examples:
   parlctl board show
   parlctl reg read 0x02100000:16
   parlctl reg write 0x02300010=01020304
+  parlctl card read 0x02000017:4 --port 2 --card 5
   parlctl --json watch --as lsd --for 10
 
 Exit status: 0 done, 2 usage, 3 no daemon or time-out, 4 refused by the daemon, 5 short reply)";
@@ -35,6 +36,7 @@ void build(CLI::App& app, parlctl::Options& options) {
   app.require_subcommand(1);
   app.footer(kFooter);
   parlctl::addReg(app, options);
+  parlctl::addCard(app, options);
   parlctl::addWatch(app, options);
   parlctl::addBoard(app, options);
   fallThrough(app);  // the options above may stand behind a verb, too

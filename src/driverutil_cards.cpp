@@ -1,0 +1,86 @@
+// Registers of the cards behind the output ports.
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <numeric>
+
+#include "driverutil.h"
+#include "mcuctrace.h"
+#include "platform/driver.h"
+#include "proto/data_common.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr uint8_t kRead = 0;
+constexpr uint8_t kWrite = 1;
+constexpr uint16_t kAllBoards = 0xFFFF;
+constexpr unsigned int kPorts = 16;
+constexpr std::size_t kSummedHead = offsetof(recvcard_mesg, data);
+static_assert(sizeof(recvcard_mesg) == 18 && kSummedHead == 12);
+static_assert(std::endian::native == std::endian::little, "the record goes out as it lies in memory");
+
+// A request with its checksum, which takes the data of a write as well.
+recvcard_mesg cardRequest(uint8_t code, uint32_t address, unsigned int port, uint16_t board, uint16_t length,
+                          uint8_t type, std::span<const uint8_t> data) {
+  recvcard_mesg request{};
+  request.DeviceType = type;
+  request.ProtAddr = static_cast<uint8_t>(port);
+  request.BoardAddr = board;
+  request.code = code;
+  request.RegisterAddr = address;
+  request.length = length;
+  const auto bytes = std::bit_cast<std::array<uint8_t, sizeof request>>(request);
+  const auto head = std::span(bytes).first<kSummedHead>();
+  request.checksum = static_cast<uint16_t>(
+      std::accumulate(data.begin(), data.end(), std::accumulate(head.begin(), head.end(), 0U)));
+  return request;
+}
+
+bool isLinked(unsigned int port) {
+  const Data_Global& store = *Data_Global::getInstance();
+  const uint16_t copper = store.GigaPhyLinkSta;
+  const uint16_t fiber1 = store.Fiber1BelowLinkStatus_buff.le16(0);
+  const uint16_t fiber2 = store.Fiber2BelowLinkStatus_buff.le16(0);
+  PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << copper << " fiber1link_buff: " << fiber1
+                       << " fiber2link_buff: " << fiber2;
+  return port < kPorts && ((copper | fiber1 | fiber2) >> port & 1) != 0;
+}
+
+}  // namespace
+
+int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short BoardAddr,
+                             unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex_read);
+  PARLEND_TRACE(kInfo) << "ReadCardPara: Address = " << CTrace::hex << RegStartAddr << " Port = " << PortAddr
+                       << " Board = " << BoardAddr << " length =" << Num;
+  if (BoardAddr == kAllBoards) {
+    std::fill_n(ParaPtr, Num, uint8_t{0});
+    PARLEND_TRACE(kInfo) << "================== BroadCast Read RecvCard para!!! Exit!!! ==================";
+    return 0;
+  }
+  if (!isLinked(PortAddr)) {
+    PARLEND_TRACE(kInfo) << "CardLink State Not link ! Port :" << PortAddr;
+    return kNoLink;
+  }
+  recvcard_mesg request = cardRequest(kRead, RegStartAddr, PortAddr, BoardAddr, Num, DevType, {});
+  return ReadFPGAformRecvCard(PLATFORM_FPGA_BUS, &request, request.ProtAddr, ParaPtr);
+}
+
+int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short Num,
+                             unsigned char* ParaPtr, unsigned char DevType) {
+  PARLEND_TRACE(kInfo) << "ReadCardPara addr=" << CTrace::hex << RegStartAddr << " num=" << Num;
+  return ReadCardPara(RegStartAddr, PortAddr, 0, Num, ParaPtr, DevType);
+}
+
+int DriverUtil::SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
+                             unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {
+  PARLEND_TRACE(kInfo) << "SendCardPara: Address = " << CTrace::hex << RegStartAddr << " Port = " << PortAddr
+                       << " Board = " << BoardAddr << " length =" << Num
+                       << " data[0]:" << (Num != 0 ? int{ParaPtr[0]} : 0);
+  recvcard_mesg request =
+      cardRequest(kWrite, RegStartAddr, PortAddr, BoardAddr, Num, DevType, {ParaPtr, Num});
+  return WriteFPGAToRecvCard(PLATFORM_FPGA_BUS, &request, PortAddr, ParaPtr);
+}
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,18 @@
+// Registers of the cards behind the output ports, by name.
+#pragma once
+
+#include <cstdint>
+
+namespace ORVE_MCUC::card {
+
+// Receiving cards.
+inline constexpr uint32_t kMirroredByte = 0x01000088;  // LSD mirrors it, as it does the brightness
+inline constexpr uint32_t kSlowCommand = 0x01000011;
+inline constexpr uint32_t kBrightness = 0x02000001;  // of the whole card
+inline constexpr uint32_t kCorrectionTop = 0x07;     // top byte of the addresses of correction data
+
+// 3D launchers.
+inline constexpr uint32_t kLauncherMode = 0x02000001;
+inline constexpr uint32_t kLauncherColour = 0x02000002;  // three bytes
+
+}  // namespace ORVE_MCUC::card

@@ -10,5 +10,6 @@ namespace parlctl {
 void addReg(CLI::App& app, const Options& options);
 void addWatch(CLI::App& app, const Options& options);
 void addBoard(CLI::App& app, const Options& options);
+void addWall(CLI::App& app, const Options& options);
 
 }  // namespace parlctl

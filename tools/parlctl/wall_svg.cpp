@@ -49,8 +49,10 @@ class WallDrawing {
   double wallWidth() const { return plan_.screen().columns * cardWidth_; }
   double wallHeight() const { return plan_.screen().rows * cardHeight_; }
   double smallSide() const { return std::min(cardWidth_, cardHeight_); }
-  double labelSize() const { return std::clamp(cardWidth_ / 5, 9.0, 14.0); }
-  bool labelled() const { return cardWidth_ >= 40 && cardHeight_ / 2 >= labelSize() + 8; }
+  // A label has the upper part of its card, in column modes only the half beside the cable.
+  bool rows() const { return ORVE_MCUC::runsAlongRows(plan_.screen().mode); }
+  double labelSize() const { return std::clamp(cardWidth_ / (rows() ? 5 : 6.5), 9.0, 14.0); }
+  bool labelled() const { return cardWidth_ >= (rows() ? 40 : 56) && cardHeight_ / 2 >= labelSize() + 8; }
   bool toScale() const;
   double drawnX(double pixels) const { return kLeft + pixels / plan_.screen().card.width * cardWidth_; }
   double drawnY(double pixels) const { return top_ + pixels / plan_.screen().card.height * cardHeight_; }
@@ -72,7 +74,7 @@ class WallDrawing {
   void square(Point at, double radius);
   void say(Point at, double size, const std::string& text, const char* anchor = "start",
            const char* weight = "normal");
-  void haloed(Point at, double size, const std::string& text, const char* anchor);
+  void openHalo(double width);
 
   const WallPlan& plan_;
   XmlWriter xml_;
@@ -111,12 +113,12 @@ void WallDrawing::say(Point at, double size, const std::string& text, const char
                text);
 }
 
-// Text that stands out from whatever lies behind it.
-void WallDrawing::haloed(Point at, double size, const std::string& text, const char* anchor) {
-  xml_.open("g", {{"stroke", "white"}, {"stroke-width", xmlNumber(size / 4)}, {"stroke-linejoin", "round"}});
-  say(at, size, text, anchor, "bold");
-  xml_.close();
-  say(at, size, text, anchor, "bold");
+// Text that stands out from whatever lies behind it, until the element is closed.
+void WallDrawing::openHalo(double width) {
+  xml_.open("g", {{"paint-order", "stroke"},
+                  {"stroke", "white"},
+                  {"stroke-width", xmlNumber(width)},
+                  {"stroke-linejoin", "round"}});
 }
 
 void WallDrawing::heading() {
@@ -285,9 +287,11 @@ void WallDrawing::ends(const WallPort& port) {
 
 void WallDrawing::labels(const WallPort& port) {
   const double size = labelSize();
+  openHalo(2);
   for (std::size_t i = 0; i < port.chain.size(); ++i)
     say({drawnX(port.chain[i].x) + 4, drawnY(port.chain[i].y) + size + 1}, size,
         std::to_string(port.port) + ':' + std::to_string(i));
+  xml_.close();
 }
 
 // In the middle of the port's cards, where they are too small for labels of their own.
@@ -299,7 +303,9 @@ void WallDrawing::portName(const WallPort& port) {
   const double size = std::clamp(std::min(narrow ? width : width / 5, height / 2), 10.0, 24.0);
   const Point middle{kLeft + block.column * cardWidth_ + width / 2,
                      top_ + block.row * cardHeight_ + height / 2 + size * 0.36};
-  haloed(middle, size, (narrow ? "" : "port ") + std::to_string(port.port), "middle");
+  openHalo(size / 4);
+  say(middle, size, (narrow ? "" : "port ") + std::to_string(port.port), "middle", "bold");
+  xml_.close();
 }
 
 std::string WallDrawing::draw() {

@@ -63,6 +63,21 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "board fault nothing 1",
                             "board fault card-read x",
                             "board show",
+                            "wall preview",
+                            "wall preview 4",
+                            "wall preview 0x6",
+                            "wall preview 4x256",
+                            "wall preview 4x6x8",
+                            "wall preview 4x6 --cards 0",
+                            "wall preview 4x6 --cards 65536",
+                            "wall preview 4x6 --cards 25",
+                            "wall preview 4x6 --mode 8",
+                            "wall preview 4x6 --mode middle-rows",
+                            "wall preview 4x6 --cards 6 --ports 4",
+                            "wall preview 4x6 --ports 11",
+                            "wall preview 4x6 --card-size 128",
+                            "wall preview 4x6 --svg /nonexistent/wall.svg",
+                            "wall set 4x6 --mode 8",
                             "frobnicate"}) {
     const Outcome outcome = run(wrong);
     EXPECT_EQ(outcome.status, 2) << wrong << ": " << outcome.output;
@@ -81,6 +96,24 @@ TEST_F(ParlctlTest, ABoardIsCreatedOnceAndShownWithoutADaemon) {
   EXPECT_EQ(run("reg read 0").status, 3);
   EXPECT_EQ(run("watch").status, 3);
   daemon.start();  // the daemon takes the file as it stands
+}
+
+TEST_F(ParlctlTest, AWallIsPreviewedWithoutADaemon) {
+  const std::string svg = (daemon.board().directory() / "wall.svg").string();
+  const json wall = json::parse(
+      run("--json wall preview 3x5 --cards 4 --mode top-left-columns --card-size 64x32 --svg " + svg).output);
+  EXPECT_EQ(wall["mode"], 1);
+  EXPECT_EQ(wall["size"], json({320, 96}));
+  EXPECT_EQ(wall["ports_in_use"], 3);
+  EXPECT_EQ(wall["ports"].size(), 10U);
+  EXPECT_EQ(wall["ports"][1]["offset"], json({128, 0}));
+  EXPECT_EQ(wall["ports"][1]["duplicate_of"], nullptr);
+  EXPECT_EQ(wall["ports"][4]["duplicate_of"], 1);
+  EXPECT_EQ(wall["ports"][4]["chain"][3], json({192, 64}));
+  EXPECT_THAT(contents(svg), HasSubstr("</svg>"));
+  EXPECT_THAT(run("wall preview 4x6 --ports 2").output, HasSubstr("12 cards per port, 2 ports in use"));
+  EXPECT_EQ(run("wall show").status, 3);
+  EXPECT_EQ(run("wall set 4x6").status, 3);
 }
 
 class RunningParlctlTest : public ParlctlTest {
@@ -108,6 +141,39 @@ TEST_F(RunningParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
   daemon.board().setFault(peer::faultIndex("message-send").value(), 1);
   EXPECT_EQ(run("--timeout 300 reg read 0x02300000").status, 3);
   EXPECT_EQ(run("reg read 0x02300000").status, 0);
+}
+
+TEST_F(RunningParlctlTest, AWallThatIsNotMappedIsNotSent) {
+  const Outcome refused = run("wall set 4x6 --cards 25");
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.output, HasSubstr("fewer than the 25"));
+  EXPECT_EQ(run("wall set 4x6 --cards 25 --force --wait").status, 2);
+  EXPECT_EQ(daemon.board().flash(0xB99011, 9), peer::Bytes(9));
+}
+
+TEST_F(RunningParlctlTest, AWallIsConfiguredVerifiedAndShown) {
+  daemon.board().setFlash(0xB99012, {1, 2, 3, 4});
+  const Outcome set = run("--timeout 20000 wall set 4x6 --cards 12 --mode bottom-left-rows --wait");
+  EXPECT_EQ(set.status, 0) << set.output;
+  EXPECT_THAT(set.output, HasSubstr("\nverified ("));
+  EXPECT_EQ(daemon.board().flash(0xB99011, 9), peer::fromHex("04 01020304 04 06 0C00"));
+  const json shown = json::parse(run("--json wall show").output);
+  EXPECT_EQ(shown["mode_name"], "bottom-left-rows");
+  EXPECT_EQ(shown["ports"][0]["offset"], json({0, 256}));
+  // Four ports are linked: without --cards as many are used.
+  const json linked = json::parse(run("--json --timeout 20000 wall set 8x2 --wait").output);
+  EXPECT_EQ(linked["verified"], true);
+  EXPECT_EQ(linked["cards_per_port"], 4);
+  EXPECT_THAT(run("wall set 16x1 --cards 1 --force").output,
+              HasSubstr("sent, although the wall needs 16 ports"));
+  EXPECT_THAT(run("wall show").output, HasSubstr("not mapped: the wall needs 16 ports"));
+}
+
+TEST_F(RunningParlctlTest, AWallThatDoesNotReachTheFpgaIsAMismatch) {
+  daemon.board().setFault(peer::faultIndex("fpga-write").value(), peer::kAlways);
+  const Outcome outcome = run("wall set 4x6 --cards 12 --wait");
+  EXPECT_EQ(outcome.status, 5);
+  EXPECT_THAT(outcome.output, HasSubstr("mismatch: port 0, window: expected 768 x 256 at 0, 0, found "));
 }
 
 TEST_F(RunningParlctlTest, WatchPrintsPushesUnderTheIdentityItIsGiven) {

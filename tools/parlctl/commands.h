@@ -11,5 +11,6 @@ void addReg(CLI::App& app, const Options& options);
 void addCard(CLI::App& app, const Options& options);
 void addWatch(CLI::App& app, const Options& options);
 void addBoard(CLI::App& app, const Options& options);
+void addWall(CLI::App& app, const Options& options);
 
 }  // namespace parlctl

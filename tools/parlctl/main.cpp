@@ -11,9 +11,10 @@ constexpr const char* kFooter = R"(Examples:
   parlctl reg read 0x02100000:16
   parlctl reg write 0x02300010=01020304
   parlctl card read 0x02000017:4 --port 2 --card 5
+  parlctl wall set 4x6 --cards 12 --mode top-left-rows --wait
   parlctl --json watch --as lsd --for 10
 
-Exit status: 0 done, 2 usage, 3 no daemon or time-out, 4 refused by the daemon, 5 short reply)";
+Exit status: 0 done, 2 usage, 3 no daemon or time-out, 4 refused by the daemon, 5 short reply or mismatch)";
 
 void fallThrough(CLI::App& app) {
   for (CLI::App* verb : app.get_subcommands({})) {
@@ -39,6 +40,7 @@ void build(CLI::App& app, parlctl::Options& options) {
   parlctl::addCard(app, options);
   parlctl::addWatch(app, options);
   parlctl::addBoard(app, options);
+  parlctl::addWall(app, options);
   fallThrough(app);  // the options above may stand behind a verb, too
 }
 

@@ -21,7 +21,8 @@ ExitStatus exitStatus(peer::Failure failure) {
     case peer::Failure::Acknowledge:
       return kRefused;
     case peer::Failure::ShortReply:
-      return kShortReply;
+    case peer::Failure::Mismatch:
+      return kWrongReply;
   }
   return kUsage;
 }

@@ -24,7 +24,7 @@ struct Options {
 };
 
 // What the shell sees of a failure.
-enum ExitStatus : int { kDone = 0, kUsage = 2, kNoDaemon = 3, kRefused = 4, kShortReply = 5 };
+enum ExitStatus : int { kDone = 0, kUsage = 2, kNoDaemon = 3, kRefused = 4, kWrongReply = 5 };
 ExitStatus exitStatus(peer::Failure failure);
 
 // Prints one result: the object on one line with --json, otherwise the text.

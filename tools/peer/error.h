@@ -13,6 +13,7 @@ enum class Failure {
   TimeOut,      // no answer within the time allowed
   Acknowledge,  // the daemon refused the request by its acknowledge code
   ShortReply,   // fewer data bytes than asked for, or not a frame at all
+  Mismatch,     // what was read back is not what it should be
   Board,        // the board's files are missing or cannot be used
 };
 

@@ -42,7 +42,8 @@ void mapAtOnce(Tables& tables) {
 // Each entry finds its port, line and card by division, as a formula in a document would say it.
 void mapByEntry(Tables& tables) {
   const PortSplit split = splitOf(kLargest);
-  for (uint32_t entry = 0; entry < kMappedPorts * kPortTableEntries; ++entry) {
+  constexpr auto kEntries = static_cast<uint32_t>(kMappedPorts * kPortTableEntries);
+  for (uint32_t entry = 0; entry < kEntries; ++entry) {
     const CardChain chain = chainAt(kLargest, split, entry / kPortTableEntries % split.UsedPortNum);
     const auto card = static_cast<uint32_t>(entry % kPortTableEntries % chain.cards());
     const CardPosition position = positionOf(chain, card / chain.lineLength, card % chain.lineLength);

@@ -11,6 +11,7 @@
 #include "daemon_process.h"
 
 using nlohmann::json;
+using testing::Contains;
 using testing::HasSubstr;
 
 namespace {
@@ -52,6 +53,9 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "reg write 5=0",
                             "reg write 5=zz",
                             "reg read 0 --port 256",
+                            "card read 0 --type sending",
+                            "card read 0 --type 0",
+                            "card write 0 --card 2",
                             "--timeout 0 reg read 0",
                             "watch --as nobody",
                             "watch --count 0",
@@ -92,7 +96,7 @@ TEST_F(ParlctlTest, ABoardIsCreatedOnceAndShownWithoutADaemon) {
   EXPECT_THAT(run("board init").output, HasSubstr("nothing changed"));
   const json shown = json::parse(run("board show --json").output);
   EXPECT_EQ(shown["daemon"], false);
-  EXPECT_THAT(shown["plugged_in"].get<std::vector<std::string>>(), testing::Contains("copper_ports = 0-3"));
+  EXPECT_THAT(shown["plugged_in"].get<std::vector<std::string>>(), Contains("copper_ports = 0-3"));
   EXPECT_EQ(run("reg read 0").status, 3);
   EXPECT_EQ(run("watch").status, 3);
   daemon.start();  // the daemon takes the file as it stands
@@ -141,6 +145,22 @@ TEST_F(RunningParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
   daemon.board().setFault(peer::faultIndex("message-send").value(), 1);
   EXPECT_EQ(run("--timeout 300 reg read 0x02300000").status, 3);
   EXPECT_EQ(run("reg read 0x02300000").status, 0);
+}
+
+TEST_F(RunningParlctlTest, CardsAreWrittenAndReadByKindPortAndPlace) {
+  const std::string place = " --type launcher --port 1 --card 2";
+  EXPECT_THAT(run("card write 0x03000000=0102" + place).output,
+              HasSubstr("0x03000000  3D launcher 2 of port 1: 2 bytes written\n"));
+  EXPECT_THAT(daemon.board().journal(), Contains(HasSubstr("card-write 4 1 2 0x03000000 2 0102")));
+  EXPECT_EQ(run("card write 2=05 --port 255 --card 65535").status, 0);
+  EXPECT_THAT(daemon.board().journal(), Contains(HasSubstr("card-write 1 255 65535 0x00000002 1 05")));
+  EXPECT_EQ(run("card read 0x02000017:4 --port 9").status, 4);
+  EXPECT_TRUE(eventually([&] { return run("card read 0x03000000:2" + place).status == 0; }));
+  const json shown = json::parse(run("--json card read 0x03000000:2" + place).output);
+  EXPECT_EQ(shown["data"], "0102");
+  EXPECT_EQ(shown["device_type"], 4);
+  EXPECT_EQ(shown["port"], 1);
+  EXPECT_EQ(shown["card"], 2);
 }
 
 TEST_F(RunningParlctlTest, AWallThatIsNotMappedIsNotSent) {

@@ -99,6 +99,7 @@ TEST_F(ParlctlTest, ABoardIsCreatedOnceAndShownWithoutADaemon) {
   EXPECT_THAT(shown["plugged_in"].get<std::vector<std::string>>(), Contains("copper_ports = 0-3"));
   EXPECT_EQ(run("reg read 0").status, 3);
   EXPECT_EQ(run("watch").status, 3);
+  EXPECT_EQ(run("status").status, 3);
   daemon.start();  // the daemon takes the file as it stands
 }
 
@@ -125,6 +126,15 @@ class RunningParlctlTest : public ParlctlTest {
   void SetUp() override { daemon.start(); }
 };
 
+// Without the FPGA's load notice the daemon does nothing that it is not asked for.
+class QuietParlctlTest : public ParlctlTest {
+ protected:
+  void SetUp() override {
+    daemon.prepare("board.conf", "fpga_autoload = no\n");
+    daemon.start();
+  }
+};
+
 TEST_F(RunningParlctlTest, RegistersAreWrittenAndReadBack) {
   EXPECT_EQ(run("reg write 0xF0C0FFE0=48656c6C6f 0xF0C0FFE6=01").status, 0);
   EXPECT_EQ(daemon.board().fpga(0x00C0FFE0, 7), peer::fromHex("48656c6c6f0001"));
@@ -137,7 +147,7 @@ TEST_F(RunningParlctlTest, RegistersAreWrittenAndReadBack) {
   EXPECT_EQ(json::parse(run("reg read 0xF0C0FFE0:5 --json").output)["data"], "48656c6c6f");
 }
 
-TEST_F(RunningParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
+TEST_F(QuietParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
   EXPECT_EQ(run("reg read 0x02300000:513").status, 4);
   EXPECT_EQ(run("reg write 0x18000000=" + std::string(512, '0')).status, 4);
   EXPECT_EQ(run("reg read 0x02250000:4").status, 5);
@@ -209,6 +219,30 @@ TEST_F(RunningParlctlTest, WatchPrintsPushesUnderTheIdentityItIsGiven) {
   EXPECT_EQ(push["data"], "c8");
   const peer::Peer lsd = daemon.connect(peer::kLsd);
   EXPECT_EQ(run("watch --as lsd --for 1").status, 3) << "two peers under one identity";
+}
+
+TEST_F(QuietParlctlTest, StatusShowsTheCardsHardwareBesideLsdAndWhatItIsNotTold) {
+  const peer::Peer lsd = daemon.connect(peer::kLsd);
+  EXPECT_EQ(run("board link 12,15 on").status, 0);
+  EXPECT_EQ(run("board link 9 --fiber2 on").status, 0);
+  daemon.board().setFpga(0x104, {0x80, 0, 0, 0x80});
+  daemon.board().setFpga(0x121, {7});
+  daemon.board().setFpga(0x24, {0x80, 0x07, 0x38, 0x04});
+  const json shown = json::parse(run("--json status").output);
+  EXPECT_EQ(shown["links"]["copper"], json({0, 1, 2, 3, 12, 15}));
+  EXPECT_EQ(shown["links"]["fiber1"], json::array());
+  EXPECT_EQ(shown["links"]["fiber2"], json({9}));
+  EXPECT_EQ(shown["ports"]["roles"].get<std::string>().substr(16), "0000000080000080");
+  EXPECT_EQ(shown["ports"]["redundancy"], "00000007");
+  EXPECT_EQ(shown["screen"], json({{"width", 1920}, {"height", 1080}}));
+  EXPECT_EQ(shown["cards"], json({{"width", 128}, {"height", 128}}));
+  EXPECT_THAT(run("status").output, HasSubstr("links    copper 0 1 2 3 12 15, fiber1 -, fiber2 9\n"));
+
+  daemon.board().setFault(peer::faultIndex("fpga-read").value(), peer::kAlways);
+  const Outcome untold = run("status");
+  EXPECT_EQ(untold.status, 0);
+  EXPECT_THAT(untold.output, HasSubstr("links    not told\n"));
+  EXPECT_THAT(untold.output, HasSubstr("cards    width 128, height 128\n"));
 }
 
 TEST_F(RunningParlctlTest, LinksAndFaultsOfTheBoardAreChanged) {

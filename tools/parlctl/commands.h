@@ -9,6 +9,7 @@ namespace parlctl {
 
 void addReg(CLI::App& app, const Options& options);
 void addCard(CLI::App& app, const Options& options);
+void addStatus(CLI::App& app, const Options& options);
 void addWatch(CLI::App& app, const Options& options);
 void addBoard(CLI::App& app, const Options& options);
 void addWall(CLI::App& app, const Options& options);

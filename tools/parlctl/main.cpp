@@ -8,6 +8,7 @@ namespace {
 
 constexpr const char* kFooter = R"(Examples:
   parlctl board show
+  parlctl status
   parlctl reg read 0x02100000:16
   parlctl reg write 0x02300010=01020304
   parlctl card read 0x02000017:4 --port 2 --card 5
@@ -38,6 +39,7 @@ void build(CLI::App& app, parlctl::Options& options) {
   app.footer(kFooter);
   parlctl::addReg(app, options);
   parlctl::addCard(app, options);
+  parlctl::addStatus(app, options);
   parlctl::addWatch(app, options);
   parlctl::addBoard(app, options);
   parlctl::addWall(app, options);

@@ -125,17 +125,22 @@ void preview(const Options& options, const WallArguments& arguments) {
 
 void show(const Options& options, const WallArguments& arguments) {
   peer::Peer daemon = options.connect(peer::toolServiceCode());
-  const SmartScreen screen = configuredScreen(daemon);
+  const auto [screen, inForce] = configuredScreen(daemon);
   const std::string problem = wallProblem(screen);
+  Json object;
+  std::string text;
   if (problem.empty() || !arguments.svg.empty()) {
     const WallPlan plan(screen);
     writeSvg(plan, arguments.svg);
-    print(options, planJson(plan), wallText(plan));
-    return;
+    object = planJson(plan);
+    text = wallText(plan);
+  } else {
+    object = screenJson(screen);
+    object["problem"] = problem;
+    text = summary(screen) + "\nnot mapped: " + problem;
   }
-  Json object = screenJson(screen);
-  object["problem"] = problem;
-  print(options, object, summary(screen) + "\nnot mapped: " + problem);
+  object["in_force"] = inForce;
+  print(options, object, text + (inForce ? "" : "\nnot in force: something else configured the ports last"));
 }
 
 void report(const Options& options, const Verdict& verdict) {

@@ -19,6 +19,8 @@ namespace fpga = ORVE_MCUC::fpga;
 
 // Fields of the configuration record.
 constexpr std::size_t kRecordLength = 32;
+constexpr std::size_t kStatusAt = 0x00;
+constexpr uint8_t kSmartStatus = 0xA8;
 constexpr std::size_t kModeAt = 0x11;
 constexpr std::size_t kRowsAt = 0x16;
 constexpr std::size_t kColumnsAt = 0x17;
@@ -55,13 +57,14 @@ CardSize cardSize(peer::Peer& daemon) {
   return {map::le16(size, 0), map::le16(size, 2)};
 }
 
-SmartScreen configuredScreen(peer::Peer& daemon) {
+Configured configuredScreen(peer::Peer& daemon) {
   const Bytes record = daemon.read(reg::kShortcutConfigScreen, kRecordLength);
-  return {.rows = record[kRowsAt],
-          .columns = record[kColumnsAt],
-          .cardsPerPort = map::le16(record, kCardsAt),
-          .mode = record[kModeAt],
-          .card = cardSize(daemon)};
+  return {.screen = {.rows = record[kRowsAt],
+                     .columns = record[kColumnsAt],
+                     .cardsPerPort = map::le16(record, kCardsAt),
+                     .mode = record[kModeAt],
+                     .card = cardSize(daemon)},
+          .inForce = record[kStatusAt] == kSmartStatus};
 }
 
 unsigned linkedPorts(peer::Peer& daemon) {

@@ -11,7 +11,11 @@ namespace parlctl {
 // Pixels of a receiving card, as the daemon measured it last.
 CardSize cardSize(peer::Peer& daemon);
 // What the configuration record says; nothing in it needs to be right.
-SmartScreen configuredScreen(peer::Peer& daemon);
+struct Configured {
+  SmartScreen screen;
+  bool inForce;  // it configured the ports last, not an advanced configuration or tables
+};
+Configured configuredScreen(peer::Peer& daemon);
 // Ports 0, 1, ... with a link, over copper or fiber, up to the first without; all when port 0 has none.
 unsigned linkedPorts(peer::Peer& daemon);
 // Sends a configuration. Bytes of the record that do not belong to it stay as they are.

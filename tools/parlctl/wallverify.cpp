@@ -103,7 +103,7 @@ Difference firstDifference(const WallPlan& plan, const ReadBack& way) {
     if (found != expected) return {port.port, "window", expected.text(), found.text()};
   }
   for (const WallPort& port : plan.ports()) {
-    const Difference difference = tableDifference(plan, port.port, readTable(way, port.port));
+    Difference difference = tableDifference(plan, port.port, readTable(way, port.port));
     if (!difference.none()) return difference;
   }
   return {};

@@ -76,10 +76,14 @@ Data_Global& store() {
   return *Data_Global::getInstance();
 }
 
-// Pushes a block byte by byte.
+// Pushes a block byte by byte; a register that the image mirrors is read into it.
 void pushBytes(uint32_t fpgaRegister, std::span<const uint8_t> bytes) {
-  for (; !bytes.empty(); bytes = bytes.subspan(1)) {
-    store().SendDatetoLSD(reg::ofFeature(fpgaRegister++), bytes.first(1));
+  for (; !bytes.empty(); bytes = bytes.subspan(1), ++fpgaRegister) {
+    if (fpgaRegister < fpga::kMirrorEnd) {
+      store().pushMirror(fpgaRegister, 1);
+    } else {
+      store().SendDatetoLSD(reg::ofFeature(fpgaRegister), bytes.first(1));
+    }
   }
 }
 
@@ -90,8 +94,10 @@ void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const StatusW
   checkStatus(last, block, framed(words, [first](auto now) { pushBytes(first, now); }));
 }
 
-void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t, kBelowFiberLength> now,
-                       uint32_t fpgaRegister, const StatusWords& words) {
+// links: the link word that card access goes by; last: what LSD was told of it.
+void compareBelowFiber(ByteImage<kBelowFiberLength>& links, ByteImage<kBelowFiberLength>& last,
+                       std::span<const uint8_t, kBelowFiberLength> now, uint32_t fpgaRegister,
+                       const StatusWords& words) {
   const auto pushLinks = [fpgaRegister](auto status) {
     pushBytes(fpgaRegister, status);
     store().LinkStateChanged = kLinkChanged;

@@ -6,6 +6,7 @@
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
+#include "proto/boardwrite.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
@@ -24,15 +25,16 @@ Data_Global& store() {
   return *Data_Global::getInstance();
 }
 
-void writeByte(uint32_t address, uint8_t value, const char* failed) {
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(address, 1, &value);
-  if (ret != 0) PARLEND_TRACE(kError) << failed << ret;
+void storeConfigStatus(uint8_t status) {
+  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kShortcutConfig, 1, &status);
+  if (ret != 0)
+    PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
 }
 
 void setConfigStatus(uint8_t status) {
+  CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
   store().LEDConfigStatus = status;
-  writeByte(flash::kShortcutConfig, status,
-            "=== WriteToBackupInfo ===Write backup info to flash failed. ret = ");
+  storeConfigStatus(status);
 }
 
 void takeScreen(const SmartScreen& screen) {
@@ -58,12 +60,12 @@ void logRecord(const HandlerWords& words, std::span<const uint8_t> record) {
 // A submission takes the backup marker back: the output ports are assigned anew.
 void clearBackupMark() {
   store().SendParameterReg[fpga::kBackupMark] = kNotABackup;
-  writeByte(flash::ofFeature(fpga::kBackupMark), kNotABackup,
-            "=== Sprocess_CalculateParaOfSender ===the backup marker was not stored. ret = ");
+  writeFlash(flash::ofFeature(fpga::kBackupMark), {&kNotABackup, 1}, "Sprocess_CalculateParaOfSender");
   store().NormalBackupStatus = 1;
 }
 
 void submit(std::span<const uint8_t> record) {
+  CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
   takeScreen(shortcut::smartScreenOf(record));
   MyTempParaCharTable[kTempRoleAt] = store().PbufMorSMode;
   PARLEND_TRACE(kInfo) << "MyTempParaTable[1] = " << MyTempParaTable.le16(kTempRowsAt)
@@ -147,11 +149,9 @@ int handleCommand(const HandlerWords& words, Work work) {
 
 int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
   return handleCommand({"Sprocess_SaveSendCardPara", "SaveSendCardParaKey"}, [] {
-    if (store().LEDConfigStatus == shortcut::kByTables) setConfigStatus(shortcut::kByTables);
+    if (store().LEDConfigStatus == shortcut::kByTables) storeConfigStatus(shortcut::kByTables);
     std::array<uint8_t, kScreenParaSaved> bytes{};
-    if (store().ScreenParaReg.copyTo(bytes)) {
-      DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenPara, bytes.size(), bytes.data());
-    }
+    if (store().ScreenParaReg.copyTo(bytes)) writeFlash(flash::kScreenPara, bytes, "Sprocess_SaveSendCardPara");
     store().SaveParaToFlash(1);
   });
 }

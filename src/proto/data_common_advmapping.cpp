@@ -12,6 +12,8 @@
 namespace ORVE_MCUC {
 namespace {
 
+constexpr char kCaller[] = "AdvCalcParaOfSenderInMosaicMode";
+
 AdvancedScreen screenOf(const PortValues& rows, const PortValues& columns, const PortValues& xs,
                         const PortValues& ys) {
   AdvancedScreen screen;
@@ -59,7 +61,7 @@ void countCards(const AdvancedScreen& screen) {
   std::array<uint32_t, kMappedPorts> counts{};
   std::transform(screen.begin(), screen.end(), counts.begin(),
                  [](const AdvancedPort& port) { return port.cards(); });
-  writeCardCounts(counts);
+  writeCardCounts(counts, kCaller);
 }
 
 // False when the ports cannot be calculated; then nothing is changed.
@@ -79,17 +81,31 @@ CardSize measuredCard(Data_Global& store) {
   return card;
 }
 
+void mapPort(unsigned int port, const CardChain& chain) {
+  PARLEND_TRACE(kInfo) << "CasMode " << chain.mode << "RepTimes "
+                       << kPortTableEntries / std::max<std::size_t>(1, chain.cards())
+                       << " TempCardNumofCable " << std::max<uint32_t>(1, chain.cards())
+                       << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
+                       << chain.lines;
+  updatePortTable(port, chain);
+  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth " << chain.card.width;
+  if (const int ret = writePortTable(port)) {
+    PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
+                          << " was not written. ret = " << ret;
+  }
+}
+
+// The cards are measured once, so that windows and tables agree.
 void mapScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
   CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
   storeScreen(store, screen, card);
   setWindows(store, screen, card);
   countCards(screen);
   for (unsigned int i = 0; i < kMappedPorts; ++i) {
-    const AdvancedPort& port = screen[i];
-    store.AdvCordinateCalc(0, port.mode, i, port.x, port.y, port.rows, port.columns);
+    mapPort(i, screen[i].chain(card));
   }
   store.SendMasterOrBackup(store.PbufMorSMode);
-  writeAndSaveFeature(store);
+  writeAndSaveFeature(store, kCaller);
 }
 
 }  // namespace
@@ -123,19 +139,7 @@ int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
 
 int Data_Global::AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t, uint16_t, uint16_t rows,
                                   uint16_t columns) {
-  const CardSize card = ReceiveCardSize;
-  const CardChain chain = chainOf(mode, rows, columns, card);
-  PARLEND_TRACE(kInfo) << "CasMode " << mode << "RepTimes "
-                       << kPortTableEntries / std::max<std::size_t>(1, chain.cards())
-                       << " TempCardNumofCable " << std::max<uint32_t>(1, chain.cards())
-                       << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
-                       << chain.lines;
-  updatePortTable(port, chain);
-  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << card.height << " ReceiveCardWidth " << card.width;
-  if (const int ret = writePortTable(port)) {
-    PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
-                          << " was not written. ret = " << ret;
-  }
+  mapPort(port, chainOf(mode, rows, columns, ReceiveCardSize));
   return 0;
 }
 

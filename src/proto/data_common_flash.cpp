@@ -56,7 +56,7 @@ int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
 void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
   PARLEND_TRACE(kInfo)
       << "===============================Storage Dvi Wide ADVcalc===================================";
-  storeOutputSize(width, height);
+  storeOutputSize(width, height, "ChangeOutScreenPara");
 }
 
 int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {

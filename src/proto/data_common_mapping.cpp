@@ -12,6 +12,7 @@ namespace {
 
 constexpr uint16_t kLeastOutput = 128;  // pixels, in place of a size that is zero
 constexpr uint8_t kBackup = 0x80;
+constexpr char kCaller[] = "CalculateParaOfSenderInMosaicMode";
 constexpr int kImageTextRoom = 3 * 512 + 1;
 
 SmartScreen screenOf(const ByteImage<1024>& table, const ByteImage<32>& chars, CardSize card) {
@@ -38,7 +39,7 @@ void logSplit(const SmartScreen& screen, const PortSplit& split) {
   PARLEND_TRACE(kInfo) << " line: LastPortWidth = " << split.LastPortWidth
                        << " LastPortHeight = " << split.LastPortHeight;
   PARLEND_TRACE(kInfo) << "The used port number = " << split.UsedPortNum
-                       << " and connect mode = " << screen.mode;
+                       << " connect mode = " << screen.mode;
 }
 
 void storeScreen(Data_Global& store, const SmartScreen& screen) {
@@ -86,7 +87,7 @@ void countCards(const PortSplit& split) {
   refreshNumberParts();
   std::array<uint32_t, kMappedPorts> counts{};
   for (unsigned int port = 0; port < kMappedPorts; ++port) counts[port] = cardsBehind(split, port);
-  writeCardCounts(counts);
+  writeCardCounts(counts, kCaller);
   for (int i = 0; i < 2; ++i) {
     PARLEND_TRACE(kInfo)
         << "========================= Finish calculate number para ==========================";
@@ -101,7 +102,7 @@ bool placeCards(const SmartScreen& screen, const PortSplit& split) {
     if (repetitionsOf(chain) == 0) continue;
     if (port >= kMappedPorts) {
       constexpr int kEntry = 0;
-      PARLEND_TRACE(kError) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
+      PARLEND_TRACE(kInfo) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
       return false;
     }
     updatePortTable(port, chain);
@@ -176,8 +177,8 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   clearScreenOffset(*this,
                     "=== CalculateParaGetSreenSize ===Clear XY_Offset failed! When smart LED configure.");
   const CardSize card = ReceiveCardSize;
-  auto width = static_cast<uint16_t>(card.width * table.le16(kTempColumnsAt));
-  auto height = static_cast<uint16_t>(card.height * table.le16(kTempRowsAt));
+  auto width = static_cast<uint16_t>(uint32_t{card.width} * table.le16(kTempColumnsAt));
+  auto height = static_cast<uint16_t>(uint32_t{card.height} * table.le16(kTempRowsAt));
   PARLEND_TRACE(kInfo)
       << "===============================Storage Dvi Wide calc===================================";
   PARLEND_TRACE(kInfo) << " SM2W : DVI_Width =" << width << "; DVI_Height =" << height;
@@ -186,7 +187,8 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
     PARLEND_TRACE(kInfo) << " Change Parlend Card : DVI_Width =" << width << "; DVI_Height =" << height;
   }
   PARLEND_TRACE(kInfo) << " SM2W===2 : DVI_Width =" << width << "; DVI_Height =" << height;
-  storeOutputSize(width, height);
+  if (const auto counter = storeOutputSize(width, height, "CalculateParaGetSreenSize"))
+    logScreenChangeCounter(*counter);
   setOutputSize(*this, width, height, 7, "CalculateParaGetSreenSize, calc screen!!");
   copyOutputToScreen(*this);
   SaveParaToFlash(1);
@@ -210,7 +212,7 @@ void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table
   } else if (!mapScreen(*this, screen, chars[kTempRoleAt])) {
     return;
   }
-  writeAndSaveFeature(*this);
+  writeAndSaveFeature(*this, kCaller);
   PARLEND_TRACE(kInfo) << "=================== Finish CalculateParaOfSenderInMosaicMode ====================";
 }
 

@@ -5,6 +5,7 @@
 #include "driverutil.h"
 #include "envstore.h"
 #include "mcuctrace.h"
+#include "proto/boardwrite.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
@@ -16,28 +17,25 @@
 namespace ORVE_MCUC {
 namespace {
 
+constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kBackupMarks[] = {0x5A, 0xA5};
 constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
 constexpr uint8_t kOutputOpen = 0x5A;
 constexpr int kNumberTextRoom = 3 * 768 + 1;
-
-void writeFpga(uint32_t address, std::span<const uint8_t> bytes, const char* what) {
-  const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(
-      0, 0, address, static_cast<unsigned int>(bytes.size()), bytes.data());
-  if (ret != 0) PARLEND_TRACE(kError) << "=== RestoreFPGA ===" << what << " was not written. ret = " << ret;
-}
 
 bool isOnline(const Data_Global& store) {
   return store.FpgaOnlineFlag == 1;
 }
 
 void readConfigStatus(Data_Global& store, const char* logLine) {
-  uint8_t status = store.LEDConfigStatus;
+  uint8_t status = 0;
   const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, 1, &status);
-  if (ret != 0)
+  if (ret == 0) {
+    store.LEDConfigStatus = status;
+  } else {
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the configuration status cannot be read. ret = " << ret;
-  store.LEDConfigStatus = status;
-  PARLEND_TRACE(kInfo) << logLine << status;
+  }
+  PARLEND_TRACE(kInfo) << logLine << store.LEDConfigStatus;
 }
 
 // What the environment says of this start.
@@ -56,21 +54,29 @@ Boot readFirstBoot() {
   return Boot::Normal;
 }
 
-// The reset left the size of the receiving cards in the place of the screen's.
+bool isSize(uint32_t pixels) {
+  return pixels != 0 && pixels <= 0xFFFF;
+}
+
+// The reset left the size of the receiving cards in the place of the screen's. Without a good one there the
+// default stays, and so does what is stored.
 void takeCardSizeOfReset(Data_Global& store) {
   uint32_t screen[2] = {};
   uint32_t card[2] = {};
-  store.Read_ScreenSize_FromFlash(screen);
+  const bool stored =
+      store.Read_ScreenSize_FromFlash(screen) == 0 && isSize(screen[0]) && isSize(screen[1]);
   read_CardSize_flag = store.Read_CardSize_FromFlash(card) == 0 ? 1U : 0U;
-  RecvCardSize_befor[0] = screen[0];
-  RecvCardSize_befor[1] = screen[1];
-  store.ReceiveCardSize = CardSize{static_cast<uint16_t>(screen[0]), static_cast<uint16_t>(screen[1])};
   factory_flag = 1U;
-  std::array<uint8_t, 8> record{};
-  putLe32(record, 0, store.ReceiveCardWidth());
-  putLe32(record, 4, store.ReceiveCardHeight());
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenSize, record.size(), record.data());
-  resetScreenChangeCounter();
+  if (stored) {
+    RecvCardSize_befor[0] = screen[0];
+    RecvCardSize_befor[1] = screen[1];
+    store.ReceiveCardSize = CardSize{static_cast<uint16_t>(screen[0]), static_cast<uint16_t>(screen[1])};
+    std::array<uint8_t, 8> record{};
+    putLe32(record, 0, screen[0]);
+    putLe32(record, 4, screen[1]);
+    writeFlash(flash::kScreenSize, record, kCaller);
+  }
+  resetScreenChangeCounter(kCaller);
   setOutputSize(store, store.ReceiveCardWidth(), store.ReceiveCardHeight(), 6,
                 "RestoreFPGA, use ReceiveCardWidth change screen!!");
   store.Read_ScreenSize_FromFlash(screen);
@@ -111,7 +117,7 @@ void mendImage(ByteImage<512>& image) {
 void restoreFeature(const Data_Global& store) {
   std::array<uint8_t, fpga::kFeatureRestoreLength> bytes{};
   if (!store.SendParameterReg.copyTo(bytes, fpga::kFeatureFirst)) return;
-  writeFpga(fpga::kFeatureFirst, bytes, "the feature image");
+  writeFpga(fpga::kFeatureFirst, bytes, kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
   applyScreenOffset(store.SendParameterReg);
 }
@@ -167,9 +173,9 @@ void restoreNumberTable(bool online) {
 void openOutput(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
   store.SendParameterReg[fpga::kOutputEnable] = kClosed;
-  writeFpga(fpga::kOutputEnable, {&kClosed, 1}, "the output enable");
+  writeFpga(fpga::kOutputEnable, {&kClosed, 1}, kCaller);
   store.SendParameterReg[fpga::kOutputEnable] = kOutputOpen;
-  resetScreenChangeCounter();
+  resetScreenChangeCounter(kCaller);
   store.FpgaParaLoadFinish = true;
 }
 
@@ -192,11 +198,12 @@ void restoreConfigured(Data_Global& store) {
 
 void Data_Global::BootRecover() {
   DriverUtil& driver = *DriverUtil::getInstance();
-  uint8_t role = PbufMorSMode;
-  if (driver.ReadBytesFromFlash(flash::kRole, 1, &role) != 0) {
+  uint8_t role = 0;
+  if (driver.ReadBytesFromFlash(flash::kRole, 1, &role) == 0) {
+    PbufMorSMode = role;
+  } else {
     PARLEND_TRACE(kError) << "=== BootRecover ===Can not read flash when get the PbufMorSMode in poweron! ";
   }
-  PbufMorSMode = role;
   if (isOnline(*this)) {
     uint8_t mark = 0;
     driver.ReadFPGABusOneWord(fpga::kBackupMark, &mark);

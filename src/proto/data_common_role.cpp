@@ -1,6 +1,7 @@
 // Master and backup roles of the output ports.
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/boardwrite.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
@@ -24,10 +25,10 @@ constexpr RoleGroup kGroups[] = {
 };
 constexpr uint32_t kPortsOfGroup = 4;
 
-void saveRoles(uint32_t firstRegister, unsigned int count, uint8_t role) {
+void saveRoles(uint32_t firstRegister, std::size_t count, uint8_t role) {
   std::array<uint8_t, 8> bytes{};
   bytes.fill(role);
-  DriverUtil::getInstance()->WriteDataToFlash(flash::ofFeature(firstRegister), count, bytes.data());
+  writeFlash(flash::ofFeature(firstRegister), std::span(bytes).first(count), "SendMasterOrBackup");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Saving the parameters to flash.
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/boardwrite.h"
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
@@ -25,7 +26,7 @@ void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> byt
   PARLEND_TRACE(kInfo) << words.begin;
   const int ret = DriverUtil::getInstance()->WriteDataToFlash(
       address, static_cast<unsigned int>(bytes.size()), bytes.data());
-  if (ret != 0) PARLEND_TRACE(kError) << words.failed << ret;
+  if (ret != 0) PARLEND_TRACE(kInfo) << words.failed << ret;
 }
 
 // Saves the first Size bytes of an image.
@@ -87,10 +88,7 @@ void saveParameters(const Data_Global& store) {
                  flash::kFeature, store.SendParameterReg);
   saveImage<kGlobalParaSize>({"Save Global para to flash :", "=== Save Global para to flash failed! ret = "},
                              flash::kGlobalPara, ParaTable);
-  if (newTag) {
-    DriverUtil::getInstance()->WriteDataToFlash(flash::kFormatTag, Data_Global::IsNewFlashTag.size(),
-                                                Data_Global::IsNewFlashTag.data());
-  }
+  if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, "SaveParaToFlash");
   saveImage<kPortTablesSize>(
       {"Save position para to flash :", "=== Save position para to flash failed! ret = "},
       flash::kPositionTables, PortsTopoPara);
@@ -103,6 +101,8 @@ void saveParameters(const Data_Global& store) {
 }  // namespace
 
 void Data_Global::SaveParaToFlash(int type) {
+  // Whoever saves later also saves later values.
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:"
                        << SendParameterReg[fpga::kOutputWidth] << " "
                        << SendParameterReg[fpga::kOutputHeight];

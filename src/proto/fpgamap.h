@@ -39,6 +39,8 @@ inline constexpr uint32_t kSignedOffsetX = 0x1F0;  // pixels, i32
 inline constexpr uint32_t kSignedOffsetY = 0x1F4;
 inline constexpr uint32_t kOffsetMode = 0x1F8;
 
+inline constexpr uint32_t kMirrorEnd = kSignedOffsetX;  // the image mirrors the registers before
+
 // The registers that a restore and a mapping write in one block.
 inline constexpr uint32_t kFeatureFirst = 0x18;
 inline constexpr uint32_t kFeatureRestoreLength = 0x1F0 - kFeatureFirst;

@@ -2,6 +2,7 @@
 
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/boardwrite.h"
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
 #include "proto/porttables.h"
@@ -16,10 +17,6 @@ constexpr std::size_t kLayoutAt = 10;
 
 uint16_t low16(uint32_t value) {
   return static_cast<uint16_t>(value);
-}
-
-void logChangeCounter(uint8_t counter) {
-  PARLEND_TRACE(kInfo) << "============================= Wrtie CfgScreenStatusPara = " << counter;
 }
 
 }  // namespace
@@ -59,26 +56,27 @@ void clearScreenOffset(Data_Global& store, const char* failed) {
   store.SendParameterReg.putLe16(fpga::kScreenOffsetY, 0);
 }
 
-void storeOutputSize(uint32_t width, uint32_t height) {
-  DriverUtil& driver = *DriverUtil::getInstance();
+std::optional<uint8_t> storeOutputSize(uint32_t width, uint32_t height, const char* caller) {
   std::array<uint8_t, 8> record{};
   putLe32(record, 0, width);
   putLe32(record, 4, height);
-  if (driver.WriteDataToFlash(flash::kScreenSize, record.size(), record.data()) != 0) {
-    PARLEND_TRACE(kError) << "=== storeOutputSize ===the output size was not stored.";
-    return;
-  }
+  if (writeFlash(flash::kScreenSize, record, caller) != 0) return std::nullopt;
   uint8_t counter = 0;
-  if (driver.ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0) return;
+  if (DriverUtil::getInstance()->ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0)
+    return std::nullopt;
   ++counter;
-  driver.WriteDataToFlash(flash::kScreenChangeCounter, 1, &counter);
-  logChangeCounter(counter);
+  if (writeFlash(flash::kScreenChangeCounter, {&counter, 1}, caller) != 0) return std::nullopt;
+  return counter;
 }
 
-void resetScreenChangeCounter() {
+void resetScreenChangeCounter(const char* caller) {
   constexpr uint8_t kNone = 0;
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenChangeCounter, 1, &kNone);
-  logChangeCounter(kNone);
+  writeFlash(flash::kScreenChangeCounter, {&kNone, 1}, caller);
+  logScreenChangeCounter(kNone);
+}
+
+void logScreenChangeCounter(uint8_t counter) {
+  PARLEND_TRACE(kInfo) << "============================= Wrtie CfgScreenStatusPara = " << counter;
 }
 
 bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
@@ -100,16 +98,18 @@ int readScreenPara(Data_Global& store) {
   return ret == 0 && !store.ScreenParaReg.copyFrom(bytes) ? -1 : ret;
 }
 
-void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts) {
+void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller) {
   DriverUtil& driver = *DriverUtil::getInstance();
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     const uint16_t count = low16(counts[port]);
     const uint32_t at = cardCountOnFpga(port);
     VsPartPara.putLe16(cardCountAt(port), count);
-    driver.FPGAC5_WriteOneWord(0, 0, at, static_cast<unsigned char>(count));
-    driver.FPGAC5_WriteOneWord(0, 0, at + 1, static_cast<unsigned char>(count >> 8));
+    const int low = driver.FPGAC5_WriteOneWord(0, 0, at, static_cast<unsigned char>(count));
+    const int high = driver.FPGAC5_WriteOneWord(0, 0, at + 1, static_cast<unsigned char>(count >> 8));
     PARLEND_TRACE(kInfo) << "Weite CardNumEachPort " << port << " : addr" << CTrace::hex << at
                          << " Para: " << count;
+    if (low != 0 || high != 0)
+      PARLEND_TRACE(kError) << "=== " << caller << " ===the card count of port " << port << " was not written.";
   }
 }
 
@@ -132,10 +132,10 @@ void updatePortTable(unsigned int port, const CardChain& chain) {
   if (!PortsTopoPara.copyFrom(table, portTableAt(port))) return;
 }
 
-void writeAndSaveFeature(Data_Global& store) {
+void writeAndSaveFeature(Data_Global& store, const char* caller) {
   std::array<uint8_t, fpga::kFeatureMappingLength> bytes{};
   if (!store.SendParameterReg.copyTo(bytes, fpga::kFeatureFirst)) return;
-  DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kFeatureFirst, bytes.data(), bytes.size());
+  writeFpga(fpga::kFeatureFirst, bytes, caller);
   store.SaveParaToFlash(1);
 }
 

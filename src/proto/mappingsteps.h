@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "proto/data_common.h"
@@ -28,9 +29,11 @@ void copyOutputToScreen(Data_Global& store);
 // No offset, on the FPGA and in the image.
 void clearScreenOffset(Data_Global& store, const char* failed);
 
-// Output size to flash, and one more change counted; the counter starts at 0 after a restore.
-void storeOutputSize(uint32_t width, uint32_t height);
-void resetScreenChangeCounter();
+// Output size to flash, and one more change counted: the count, or nothing when it could not be stored. The
+// counter starts at 0 after a restore.
+std::optional<uint8_t> storeOutputSize(uint32_t width, uint32_t height, const char* caller);
+void resetScreenChangeCounter(const char* caller);
+void logScreenChangeCounter(uint8_t counter);
 
 // Bytes 0..14 of the screen parameters: to the image and to flash. layout: rows, columns, mode and cards per
 // port, as 5 bytes. False, and logged, when they could not be stored.
@@ -40,13 +43,13 @@ bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t,
 int readScreenPara(Data_Global& store);
 
 // Card counts of ports 0..9, to the image of the number table and byte by byte to the FPGA.
-void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts);
+void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller);
 // A port's table of positions from the image to the FPGA, in four blocks. 0, or the first failure.
 int writePortTable(unsigned int port);
 // Calculates a port's table in the image.
 void updatePortTable(unsigned int port, const CardChain& chain);
 
 // What a mapping changes of the feature image: to the FPGA, then everything to flash.
-void writeAndSaveFeature(Data_Global& store);
+void writeAndSaveFeature(Data_Global& store, const char* caller);
 
 }  // namespace ORVE_MCUC

@@ -1,43 +1,35 @@
 #include "proto/screenoffset.h"
 
 #include <array>
-#include <span>
 
-#include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/boardwrite.h"
 #include "proto/fpgamap.h"
 
 namespace ORVE_MCUC {
 namespace {
 
+constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kSignedOffsets = 2;  // offset modes
 constexpr uint8_t kNoOffsets = 0;
 constexpr uint16_t kForward = 0xFFFF;
 
-void writeOffset(uint32_t address, std::span<const uint8_t> bytes) {
-  const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(
-      0, 0, address, static_cast<unsigned int>(bytes.size()), bytes.data());
-  if (ret != 0)
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen offset was not written. ret = " << ret;
-}
-
 void writeWord(uint32_t address, uint16_t value) {
   std::array<uint8_t, 2> bytes{};
   putLe16(bytes, 0, value);
-  writeOffset(address, bytes);
+  writeFpga(address, bytes, kCaller);
 }
 
 int32_t signedOffset(const ByteImage<512>& image, std::size_t at) {
   return static_cast<int32_t>(image.le16(at) | static_cast<uint32_t>(image.le16(at + 2)) << 16);
 }
 
-// An offset as the FPGA takes it: its magnitude, and which way it goes.
-void writeSignedOffset(int32_t offset, uint32_t magnitudeAt, uint32_t directionAt) {
+constexpr uint16_t magnitudeOf(int32_t offset) {
   const auto bits = static_cast<uint32_t>(offset);
-  const uint16_t direction = offset > 0 ? kForward : uint16_t{0};
-  writeWord(magnitudeAt, static_cast<uint16_t>(offset < 0 ? 0U - bits : bits));
-  writeWord(directionAt, direction);
-  PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << direction;
+  return static_cast<uint16_t>(offset < 0 ? 0U - bits : bits);
+}
+constexpr uint16_t directionOf(int32_t offset) {
+  return offset > 0 ? kForward : uint16_t{0};
 }
 
 void applySignedOffsets(const ByteImage<512>& image) {
@@ -46,8 +38,11 @@ void applySignedOffsets(const ByteImage<512>& image) {
   const int32_t y = signedOffset(image, fpga::kSignedOffsetY);
   PARLEND_TRACE(kInfo) << "============== LSD Para OffsetXPara:0x" << CTrace::hex << x << " int:" << x;
   PARLEND_TRACE(kInfo) << "============== LSD Para OffsetYPara:0x" << CTrace::hex << y << " int:" << y;
-  writeSignedOffset(x, fpga::kScreenOffsetX, fpga::kScreenDirectionX);
-  writeSignedOffset(y, fpga::kScreenOffsetY, fpga::kScreenDirectionY);
+  writeWord(fpga::kScreenOffsetX, magnitudeOf(x));
+  writeWord(fpga::kScreenDirectionX, directionOf(x));
+  PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << directionOf(x);
+  writeWord(fpga::kScreenOffsetY, magnitudeOf(y));
+  writeWord(fpga::kScreenDirectionY, directionOf(y));
 }
 
 }  // namespace
@@ -64,7 +59,7 @@ void applyScreenOffset(const ByteImage<512>& image) {
   writeWord(fpga::kScreenDirectionX, 0);
   writeWord(fpga::kScreenDirectionY, 0);
   std::array<uint8_t, 4> offsets{};
-  if (image.copyTo(offsets, fpga::kScreenOffsetX)) writeOffset(fpga::kScreenOffsetX, offsets);
+  if (image.copyTo(offsets, fpga::kScreenOffsetX)) writeFpga(fpga::kScreenOffsetX, offsets, kCaller);
 }
 
 }  // namespace ORVE_MCUC

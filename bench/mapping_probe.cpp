@@ -44,7 +44,8 @@ void mapByEntry(Tables& tables) {
   const PortSplit split = splitOf(kLargest);
   constexpr auto kEntries = static_cast<uint32_t>(kMappedPorts * kPortTableEntries);
   for (uint32_t entry = 0; entry < kEntries; ++entry) {
-    const CardChain chain = chainAt(kLargest, split, entry / kPortTableEntries % split.UsedPortNum);
+    const auto port = static_cast<uint32_t>(entry / kPortTableEntries);
+    const CardChain chain = chainAt(kLargest, split, port % split.UsedPortNum);
     const auto card = static_cast<uint32_t>(entry % kPortTableEntries % chain.cards());
     const CardPosition position = positionOf(chain, card / chain.lineLength, card % chain.lineLength);
     putLe16(tables, 4 * std::size_t{entry}, position.x);

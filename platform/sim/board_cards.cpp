@@ -44,17 +44,29 @@ class Registers {
     const auto page = pages_.find(address / kPage);
     return page == pages_.end() ? uint8_t{0} : page->second[address % kPage];
   }
-  void write(uint32_t address, std::span<const unsigned char> data) {
+  // False, with nothing written, when all cards together hold as much as they may: a peer that writes
+  // everywhere does not fill the machine's memory.
+  bool write(uint32_t address, std::span<const unsigned char> data) {
+    if (pageCount + data.size() / kPage + 2 > kMostPages) return false;
     while (!data.empty()) {
       const auto count = std::min<std::size_t>(data.size(), kPage - address % kPage);
-      std::memcpy(pages_[address / kPage].data() + address % kPage, data.data(), count);
+      const auto [page, made] = pages_.try_emplace(address / kPage);
+      if (made) ++pageCount;
+      std::memcpy(page->second.data() + address % kPage, data.data(), count);
       data = data.subspan(count);
       address += static_cast<uint32_t>(count);
     }
+    return true;
   }
+  ~Registers() { pageCount -= pages_.size(); }
+  Registers() = default;
+  Registers(const Registers&) = delete;
+  Registers& operator=(const Registers&) = delete;
 
  private:
   static constexpr uint32_t kPage = 256;
+  static constexpr std::size_t kMostPages = std::size_t{1} << 18;  // 64 MiB of registers
+  static inline std::size_t pageCount = 0;
   std::unordered_map<uint32_t, std::array<uint8_t, kPage>> pages_;
 };
 
@@ -108,8 +120,10 @@ Registers& cardAt(const CardKey& key) {
 // Under cardsLock.
 bool writeCards(const recvcard_mesg& request, std::span<const unsigned char> data) {
   if (request.code != kWrite || checksum(request, data) != request.checksum) return false;
-  return forEachCard(request, [&](const CardKey& key) { cardAt(key).write(request.RegisterAddr, data); }) !=
-         0;
+  bool written = true;
+  const unsigned count = forEachCard(
+      request, [&](const CardKey& key) { written &= cardAt(key).write(request.RegisterAddr, data); });
+  return written && count != 0;
 }
 
 // The place in board.conf of the sensor that a card's registers ask for; as many as there are when none is

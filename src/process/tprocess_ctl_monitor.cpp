@@ -94,10 +94,8 @@ void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const StatusW
   checkStatus(last, block, framed(words, [first](auto now) { pushBytes(first, now); }));
 }
 
-// links: the link word that card access goes by; last: what LSD was told of it.
-void compareBelowFiber(ByteImage<kBelowFiberLength>& links, ByteImage<kBelowFiberLength>& last,
-                       std::span<const uint8_t, kBelowFiberLength> now, uint32_t fpgaRegister,
-                       const StatusWords& words) {
+void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t, kBelowFiberLength> now,
+                       uint32_t fpgaRegister, const StatusWords& words) {
   const auto pushLinks = [fpgaRegister](auto status) {
     pushBytes(fpgaRegister, status);
     store().LinkStateChanged = kLinkChanged;
@@ -166,16 +164,18 @@ void Tprocess_ctl::SendFiberLinktoLSD() {
 }
 
 void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
-  ByteImage<kBelowFiberLength>& last1 = store().Fiber1BelowLinkStatus_buff;
-  ByteImage<kBelowFiberLength>& last2 = store().Fiber2BelowLinkStatus_buff;
+  ByteImage<kBelowFiberLength>& links1 = store().Fiber1BelowLinkStatus_buff;
+  ByteImage<kBelowFiberLength>& links2 = store().Fiber2BelowLinkStatus_buff;
   std::array<uint8_t, 2 * kBelowFiberLength> now{};
   const auto fiber1 = std::span(now).first<kBelowFiberLength>();
   const auto fiber2 = std::span(now).last<kBelowFiberLength>();
-  static_cast<void>(last1.copyTo(fiber1));
-  static_cast<void>(last2.copyTo(fiber2));
+  static_cast<void>(links1.copyTo(fiber1));
+  static_cast<void>(links2.copyTo(fiber2));
   readStatus(kBelowFibers, now);
-  compareBelowFiber(last1, fiber1, fpga::kFiberBelowLink, kFiber1Words);
-  compareBelowFiber(last2, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
+  static_cast<void>(links1.copyFrom(fiber1));
+  static_cast<void>(links2.copyFrom(fiber2));
+  compareBelowFiber(store().fiber1BelowTold, fiber1, fpga::kFiberBelowLink, kFiber1Words);
+  compareBelowFiber(store().fiber2BelowTold, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
 }
 
 void Tprocess_ctl::SendFiberRedundtoLSD() {

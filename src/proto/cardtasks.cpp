@@ -51,12 +51,12 @@ void keepTwice(std::span<const uint8_t> data, uint32_t address, uint32_t copy) {
 void tellLsdAndKeep3D(const CardWrite& write) {
   constexpr uint32_t kLsdOffset = 0x2000;
   const std::span data(write.data);
-  if (data.empty()) return;
   if (!write.fromLsd) {
     PARLEND_TRACE(kInfo) << "=============================1-3D Para to Videod & LSD Addr:" << CTrace::hex
                          << write.address << "==============================";
     Data_Global::getInstance()->SendDatetoLSD(write.address + kLsdOffset, data);
   }
+  if (data.empty()) return;
   if (write.address == card::kLauncherMode) {
     PARLEND_TRACE(kInfo) << "=============================0x000024006 : " << byteAt(data, 0);
     keepTwice(data, flash::kLauncher3D, flash::kLauncher3DCopy);

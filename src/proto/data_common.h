@@ -97,12 +97,13 @@ class Data_Global {
   void SendFiberLinkInfo();
 
   // Pushes to peers: sent and forgotten.
+  static constexpr char kSendDate[] = "Send Date to LSD, the reg address = ";
   void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
   void SendRebootMsgtoLSD(std::span<const uint8_t> data);
   void SendRVCardWHtoLSD();
   // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
   // cannot be read are pushed as they were; beyond 0x1EF the image mirrors no registers.
-  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine);
+  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine = kSendDate);
   void SendMStoLSD1_4();
   void SendMStoLSD5_8();
   void SendMStoLSD9_16();
@@ -131,8 +132,10 @@ class Data_Global {
   ByteImage<1> fiberRedund_buff;
   ByteImage<1> fiberCopyStatus_buff;
   ByteImage<2> FiberToNetStatus_buff;
-  ByteImage<2> Fiber1BelowLinkStatus_buff;
+  ByteImage<2> Fiber1BelowLinkStatus_buff;  // bit p: port p has a link below fiber 1
   ByteImage<2> Fiber2BelowLinkStatus_buff;
+  ByteImage<2> fiber1BelowTold;  // what LSD was told of them
+  ByteImage<2> fiber2BelowTold;
   ByteImage<6> SendOptRedundtoLSD_buff;
   RelaxedByte LocalAddr;
   ByteImage<4> ScanRecvBuf;

@@ -17,10 +17,9 @@ constexpr StatusWords kRoleWords{
 }  // namespace
 
 void Data_Global::SendRedundStatustoLSD() {
-  const auto pushRoles = [this](std::span<const uint8_t> now) {
+  const auto pushRoles = [this](auto) {
     for (const StatusBlock& block : kRoles) {
-      SendDatetoLSD(reg::ofFeature(block.fpgaRegister), now.first(block.length));
-      now = now.subspan(block.length);
+      pushMirror(block.fpgaRegister, block.length);
     }
   };
   checkStatus(SendRedundStatustoLSD_buff, kRoles, framed(kRoleWords, pushRoles));

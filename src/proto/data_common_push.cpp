@@ -32,7 +32,7 @@ void push(uint32_t service, uint32_t address, std::span<const uint8_t> data) {
 }  // namespace
 
 void Data_Global::SendDatetoLSD(uint32_t address, std::span<const uint8_t> data) {
-  logPush("Send Date to LSD, the reg address = ", address, data.size());
+  logPush(kSendDate, address, data.size());
   push(kServiceLsd, address, data);
 }
 
@@ -64,12 +64,13 @@ void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const ch
 }
 
 bool Data_Global::refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes) {
+  // Nothing may come between the read and the image: whoever changes the image holds the lock until the FPGA
+  // has it.
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  // What cannot be read stays what it was.
-  if (!SendParameterReg.copyTo(bytes, fpgaRegister)) return false;
   const int ret = DriverUtil::getInstance()->ReadFPGABusBlock(fpgaRegister, bytes.data(),
                                                               static_cast<unsigned int>(bytes.size()));
-  return ret != 0 || SendParameterReg.copyFrom(bytes, fpgaRegister);
+  return ret == 0 ? SendParameterReg.copyFrom(bytes, fpgaRegister)
+                  : SendParameterReg.copyTo(bytes, fpgaRegister);
 }
 
 void Data_Global::SendMStoLSD1_4() {

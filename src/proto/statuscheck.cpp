@@ -19,9 +19,12 @@ void logTold(const StatusWords& words) {
 
 void readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
   for (const StatusBlock& block : blocks) {
-    if (block.length > now.size()) return;
-    DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, block.fpgaRegister,
-                                                    static_cast<unsigned int>(block.length), now.data());
+    std::array<uint8_t, kLongestBlock> bytes{};
+    if (block.length > now.size() || block.length > bytes.size()) return;
+    if (DriverUtil::getInstance()->FPGAC5_ReadDataBlock(
+            0, 0, block.fpgaRegister, static_cast<unsigned int>(block.length), bytes.data()) == 0) {
+      std::copy_n(bytes.begin(), block.length, now.begin());
+    }
     now = now.subspan(block.length);
   }
 }

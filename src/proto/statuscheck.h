@@ -11,7 +11,8 @@
 
 namespace ORVE_MCUC {
 
-// Registers that are read together.
+// Registers that are read together, at most kLongestBlock.
+inline constexpr std::size_t kLongestBlock = 8;
 struct StatusBlock {
   uint32_t fpgaRegister;
   std::size_t length;

@@ -59,6 +59,7 @@ class McuIMDThread {
     std::atomic<bool> exit{false};
   };
   int CreateThread(Worker& worker, void* (*entry)(void*));
+  void bringUp();
   void watchStatus();
   int takeMessage();
   void rememberPeer(uint32_t uiid);

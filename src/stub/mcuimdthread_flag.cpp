@@ -25,8 +25,9 @@ void forgetPushes() {
   store.fiberlink_buff.fill(0xFF);
   store.fiberRedund_buff.fill(0);
   store.FiberToNetStatus_buff.fill(0);
-  store.Fiber1BelowLinkStatus_buff.fill(0);
-  store.Fiber2BelowLinkStatus_buff.fill(0);
+  // Not the link words themselves: cards are reached by them meanwhile.
+  store.fiber1BelowTold.fill(0);
+  store.fiber2BelowTold.fill(0);
   store.fiberCopyStatus_buff.fill(0);
   store.SendOptRedundtoLSD_buff.fill(0);
 }
@@ -41,11 +42,7 @@ int McuIMDThread::CheckFPGAOnline() {
 void McuIMDThread::FlagMsg() {
   PARLEND_TRACE(kDebug) << "FlagMsg process thread begin.";
   while (CheckFPGAOnline() != 0 && !m_flag.exit.load()) waitForFpgaLoadFlag();
-  if (m_flag.exit.load()) return;
-  PARLEND_TRACE(kError) << "----------------- receive file /etc/init.d/flag_fpgaload.";
-  Data_Global::getInstance()->FpgaOnlineFlag = 1;
-  Data_Global::getInstance()->RestoreFPGA();
-  Data_Global::getInstance()->SendFlag_parlendload();
+  if (!m_flag.exit.load()) bringUp();
   while (!m_flag.exit.load()) {
     tick();
     Delay(kTickMs);
@@ -53,12 +50,20 @@ void McuIMDThread::FlagMsg() {
   PARLEND_TRACE(kDebug) << "FlagMsg process thread exit.";
 }
 
+void McuIMDThread::bringUp() {
+  PARLEND_TRACE(kError) << "----------------- receive file /etc/init.d/flag_fpgaload.";
+  Data_Global::getInstance()->FpgaOnlineFlag = 1;
+  Data_Global::getInstance()->RestoreFPGA();
+  Data_Global::getInstance()->SendFlag_parlendload();
+}
+
 void McuIMDThread::tick() {
   auto& state = Data_Global::getInstance()->RebootRF;
   // The factory reset's step comes first; until the reset is over nothing else is done.
   if (state == 0) watchStatus();
-  if (state > kHighestResetState) {
-    PARLEND_TRACE(kError) << "=== getInstance()->RebootRF is error large 4! restart it to 0,num is " << state;
+  const uint8_t reset = state;
+  if (reset > kHighestResetState) {
+    PARLEND_TRACE(kError) << "=== getInstance()->RebootRF is error large 4! restart it to 0,num is " << reset;
     state = 0;
   }
 }

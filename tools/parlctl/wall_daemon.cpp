@@ -7,6 +7,7 @@
 #include "mcucdatablock.h"
 #include "proto/fpgamap.h"
 #include "proto/registermap.h"
+#include "proto/shortcutrecord.h"
 
 namespace parlctl {
 
@@ -16,16 +17,9 @@ using peer::Bytes;
 namespace map = ORVE_MCUC;
 namespace reg = ORVE_MCUC::reg;
 namespace fpga = ORVE_MCUC::fpga;
+namespace shortcut = ORVE_MCUC::shortcut;
 
-// Fields of the configuration record.
-constexpr std::size_t kRecordLength = 32;
-constexpr std::size_t kStatusAt = 0x00;
-constexpr uint8_t kSmartStatus = 0xA8;
-constexpr std::size_t kModeAt = 0x11;
-constexpr std::size_t kRowsAt = 0x16;
-constexpr std::size_t kColumnsAt = 0x17;
-constexpr std::size_t kCardsAt = 0x18;
-constexpr std::size_t kWrittenEnd = 0x1A;  // mode to cards per port go in one write
+constexpr std::size_t kWrittenEnd = shortcut::kCardsPerPortAt + 2;  // mode to cards per port go in one write
 
 constexpr peer::milliseconds kShortestWait{5000};
 constexpr peer::milliseconds kPause{50};
@@ -58,13 +52,13 @@ CardSize cardSize(peer::Peer& daemon) {
 }
 
 Configured configuredScreen(peer::Peer& daemon) {
-  const Bytes record = daemon.read(reg::kShortcutConfigScreen, kRecordLength);
-  return {.screen = {.rows = record[kRowsAt],
-                     .columns = record[kColumnsAt],
-                     .cardsPerPort = map::le16(record, kCardsAt),
-                     .mode = record[kModeAt],
+  const Bytes record = daemon.read(reg::kShortcutConfigScreen, shortcut::kRecordSize);
+  return {.screen = {.rows = record[shortcut::kRowsAt],
+                     .columns = record[shortcut::kColumnsAt],
+                     .cardsPerPort = map::le16(record, shortcut::kCardsPerPortAt),
+                     .mode = record[shortcut::kModeAt],
                      .card = cardSize(daemon)},
-          .inForce = record[kStatusAt] == kSmartStatus};
+          .inForce = record[shortcut::kStatusAt] == shortcut::kSmart};
 }
 
 unsigned linkedPorts(peer::Peer& daemon) {
@@ -80,13 +74,13 @@ unsigned linkedPorts(peer::Peer& daemon) {
 }
 
 void submit(peer::Peer& daemon, const SmartScreen& screen) {
-  Bytes record = daemon.read(reg::kShortcutConfigScreen, kRecordLength);
-  record[kModeAt] = screen.mode;
-  record[kRowsAt] = static_cast<uint8_t>(screen.rows);
-  record[kColumnsAt] = static_cast<uint8_t>(screen.columns);
-  map::putLe16(record, kCardsAt, screen.cardsPerPort);
-  daemon.write(reg::kShortcutConfigScreen + kModeAt,
-               Bytes(record.begin() + kModeAt, record.begin() + kWrittenEnd));
+  Bytes record = daemon.read(reg::kShortcutConfigScreen, shortcut::kRecordSize);
+  record[shortcut::kModeAt] = screen.mode;
+  record[shortcut::kRowsAt] = static_cast<uint8_t>(screen.rows);
+  record[shortcut::kColumnsAt] = static_cast<uint8_t>(screen.columns);
+  map::putLe16(record, shortcut::kCardsPerPortAt, screen.cardsPerPort);
+  daemon.write(reg::kShortcutConfigScreen + shortcut::kModeAt,
+               Bytes(record.begin() + shortcut::kModeAt, record.begin() + kWrittenEnd));
 }
 
 Verdict verify(const Options& options, peer::Peer& daemon, SmartScreen screen) {

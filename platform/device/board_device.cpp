@@ -3,10 +3,11 @@
 #include <sys/wait.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <thread>
+#include <mutex>
 
 #include "platform/apipc.h"
 #include "platform/board.h"
@@ -17,6 +18,11 @@ namespace {
 int exitStatus(int status) {
   return status != -1 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
+
+// The device's queue has no call that waits: who puts a message there tells who takes it.
+std::mutex queueLock;
+std::condition_variable queueFilled;
+bool told = false;
 
 }  // namespace
 
@@ -50,7 +56,16 @@ int board_clock_set(time_t seconds) {
   return settimeofday(&time, nullptr);
 }
 
-// The device's library has no call that waits for a message.
-void apipc_que_wait(int /*timeout_ms*/) {
-  std::this_thread::sleep_for(std::chrono::microseconds(100));
+void apipc_que_wait(int timeout_ms) {
+  std::unique_lock lock(queueLock);
+  queueFilled.wait_for(lock, std::chrono::milliseconds(timeout_ms), [] { return told; });
+  told = false;
+}
+
+void apipc_que_told(void) {
+  {
+    const std::lock_guard lock(queueLock);
+    told = true;
+  }
+  queueFilled.notify_one();
 }

@@ -67,6 +67,9 @@ void apipc_que_wait(int timeout_ms) {
   std::this_thread::sleep_for(std::chrono::milliseconds(timeout_ms));
 }
 
+// The queue itself wakes who waits for it.
+void apipc_que_told(void) {}
+
 void* apipc_que_attach(apipc_msg_t message) {
   return message ? message->contents() : nullptr;
 }

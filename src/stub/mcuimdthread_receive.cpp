@@ -27,7 +27,10 @@ int ipc_event_deal(__apsess_st*, void*, apipc_msg_t message, int) {
     return kErrNoMessage;
   }
   const int queued = apipc_enq(&message);
-  if (queued >= 0) return queued;
+  if (queued >= 0) {
+    apipc_que_told();
+    return queued;
+  }
   PARLEND_TRACE(kError) << "=== ipc_event_deal ===Apipc, Data into queue invalid, return.";
   return kErrNoMessage;
 }

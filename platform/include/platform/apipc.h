@@ -41,9 +41,12 @@ int apipc_enq(apipc_msg_t* message);
 /* Takes the oldest queued handle. Negative: the queue is empty. Never blocks. */
 int apipc_deq(apipc_msg_t* message);
 
-/* Sleeps until a message is queued or the time is over; may return early. Our own beside apipc_deq: a device
- * library that has no such call is given a short sleep in its place. */
+/* Sleeps until a message is queued or the time is over; may return early. Our own beside apipc_deq, which
+ * does not block. */
 void apipc_que_wait(int timeout_ms);
+/* Says that apipc_enq has queued a message, for a back end whose apipc_enq does not wake apipc_que_wait. Any
+ * thread. */
+void apipc_que_told(void);
 
 /* The contents of a message: head, label, and a frame of as many bytes as the label says (at most 65536).
  * Null: unreadable (the handle is still the caller's). */

@@ -200,6 +200,8 @@ void Tprocess::CalculateParaOfSenderHandler() {
   global.GetRecvCardSize_EnvNew();
   global.SendRVCardWHtoLSD();
   global.ShortCfgReadRvStatus = 0;
+  // A submission that comes meanwhile waits, so that table and calculation belong to one record.
+  CMutexGuardT<CMutexThreadRecursive> guard(global.m_mutex);
   if (record) takeStored(*record);
   PARLEND_TRACE(kInfo) << kBanner;
   global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);

@@ -74,10 +74,4 @@ void Data_Global::PortMorSUpdate(unsigned int port, uint8_t value) {
   if (port < kPorts) SendParameterReg[portRole(port)] = value;
 }
 
-void Data_Global::refreshCardSizeInScreenPara() {
-  const CardSize card = ReceiveCardSize;
-  ScreenParaReg.putLe16(6, card.width);
-  ScreenParaReg.putLe16(8, card.height);
-}
-
 }  // namespace ORVE_MCUC

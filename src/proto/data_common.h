@@ -59,7 +59,8 @@ class Data_Global {
   int CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data);
   // Writes a diagnostic line to a file when the output size in the feature image is zero.
   void DebugForScreenZero(int point, unsigned int addr, const char* description);
-  // Puts the receiving cards' size into bytes 6..9 of the screen parameters.
+  // Measures the receiving cards and puts their size into bytes 6..9 of the screen parameters: 128 x 128 when it
+  // cannot be measured.
   void refreshCardSizeInScreenPara();
 
   // Type 0: basic hardware page; type 1: feature, global, position and number parameters. Each failure is

@@ -68,4 +68,11 @@ int Data_Global::GetRecvCardSize_EnvNew() {
   return result;
 }
 
+void Data_Global::refreshCardSizeInScreenPara() {
+  CardSize card;
+  if (GetRecvCardSize_EnvNew() == 0) card = ReceiveCardSize;
+  ScreenParaReg.putLe16(6, card.width);
+  ScreenParaReg.putLe16(8, card.height);
+}
+
 }  // namespace ORVE_MCUC

@@ -38,6 +38,27 @@ TEST_F(FirstBootTest, MapsOneCardAndTellsLsd) {
   EXPECT_EQ(daemon.board().flash(0xC20040, 15), (Bytes{1, 0x55, 0, 0, 0, 0, 0, 1, 0x80, 0, 1, 1, 0, 1, 0}));
 }
 
+class LateRestoreTest : public SystemTest {
+ protected:
+  void SetUp() override {}
+};
+TEST_F(LateRestoreTest, WhatWasSavedIsInMemoryBeforeTheFpgaIsThere) {
+  daemon.prepare("board.conf", "fpga_autoload = no\n");
+  daemon.prepare("hw/flash.bin", "");
+  daemon.board().setFlash(kFlashFeature + 0x51, counting(8));
+  daemon.board().setFlash(0xA3C000, counting(16));
+  daemon.board().setFlash(0xB99000, {0xA8});
+  start();
+  EXPECT_EQ(read(0x02810000, 1).data, Bytes{0xA8});
+  // The size step of a submission saves everything that memory holds.
+  ASSERT_EQ(write(0x02810016, {2, 2, 2, 0}).ack, 0);
+  EXPECT_TRUE(flashBecomes(0xD17000, {1}));
+  EXPECT_TRUE(flashBecomes(0xB88000, peer::fromHex("39F6A55A")));
+  EXPECT_TRUE(flashBecomes(kFlashFeature + 0x51, counting(8)));
+  EXPECT_TRUE(flashBecomes(0xA3C000, counting(16)));
+  EXPECT_EQ(daemon.board().fpga(0x600000, 16), zeros(16));
+}
+
 // Offsets of the screen as the restore hands them to the FPGA.
 struct OffsetCase {
   const char* name;
@@ -58,8 +79,8 @@ TEST_P(OffsetTest, IsRestored) {
   daemon.board().setFlash(kFlashFeature + 0x91, {0x55, 0x66});
   daemon.board().setFlash(kFlashFeature + 0xAC, {0x77, 0x88});
   daemon.board().setFlash(kFlashFeature + 0x1F0, GetParam().image);
-  start("-debug");
-  ASSERT_TRUE(eventually([&] { return daemon.trace().find("Finish Restore FPGA") != std::string::npos; }));
+  start();
+  ASSERT_TRUE(eventually([&] { return journaled("fpga-write 0x000001de") == 1; })) << "not restored";
   EXPECT_EQ(daemon.board().fpga(0x28, 2), GetParam().x);
   EXPECT_EQ(daemon.board().fpga(0x2A, 2), GetParam().y);
   EXPECT_EQ(daemon.board().fpga(0x91, 2), GetParam().directionX);

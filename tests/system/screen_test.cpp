@@ -87,12 +87,6 @@ class ScreenTest : public SystemTest {
     start();
     ASSERT_TRUE(eventually([&] { return journaled("fpga-write 0x000001de") == 1; })) << "not restored";
   }
-  std::size_t journaled(const std::string& text) const {
-    std::size_t count = 0;
-    for (const std::string& line : daemon.board().journal())
-      count += line.find(text) != std::string::npos ? 1 : 0;
-    return count;
-  }
   peer::Frame submit(const SmartScreen& wall) {
     Bytes fields(9);
     fields[0] = wall.mode;

@@ -56,7 +56,7 @@ std::vector<std::string> pluggedIn(const fs::path& board) {
   return lines;
 }
 
-std::vector<unsigned> linkedPorts(const peer::Board& board, Medium medium) {
+std::vector<unsigned> portsWithLink(const peer::Board& board, Medium medium) {
   std::vector<unsigned> ports;
   for (unsigned port = 0; port < peer::kPorts; ++port)
     if (board.link(port, medium)) ports.push_back(port);
@@ -77,34 +77,27 @@ Json hardware(const peer::Board& board) {
   for (unsigned i = 0; i < peer::kFaultNames.size(); ++i)
     if (const uint32_t count = board.fault(i); count != 0) faults[std::string(peer::kFaultNames[i])] = count;
   return {{"links",
-           {{"copper", linkedPorts(board, Medium::Copper)},
-            {"fiber1", linkedPorts(board, Medium::Fiber1)},
-            {"fiber2", linkedPorts(board, Medium::Fiber2)}}},
+           {{"copper", portsWithLink(board, Medium::Copper)},
+            {"fiber1", portsWithLink(board, Medium::Fiber1)},
+            {"fiber2", portsWithLink(board, Medium::Fiber2)}}},
           {"faults", faults},
           {"clock_offset", board.clockOffset()}};
 }
 
-// "copper 0 1 2 3, fiber1 -"; numbers and lists alike.
-std::string words(const Json& values) {
-  std::string text;
-  for (const auto& [key, value] : values.items()) {
-    text += (text.empty() ? "" : ", ") + key;
-    if (!value.is_array())
-      text += ' ' + (value == peer::kAlways ? "always" : value.dump());
-    else if (value.empty())
-      text += " -";
-    else
-      for (const Json& item : value) text += ' ' + item.dump();
+// A fault counter that never runs out has a name.
+std::string faultWords(Json faults) {
+  for (Json& count : faults) {
+    if (count == peer::kAlways) count = "always";
   }
-  return text.empty() ? "none" : text;
+  return faults.empty() ? "none" : words(faults);
 }
 
-std::string description(const Json& shown) {
+std::string boardText(const Json& shown) {
   std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
                      (shown["daemon"].get<bool>() ? "answers" : "does not answer");
   if (shown["powered"].get<bool>())
-    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " + words(shown["faults"]) + "\nclock    " +
-            shown["clock_offset"].dump() + " s from this machine's";
+    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " + faultWords(shown["faults"]) +
+            "\nclock    " + shown["clock_offset"].dump() + " s from this machine's";
   else
     text += "\npower    never switched on";
   text += "\nplugged in";
@@ -119,7 +112,7 @@ void showBoard(const Options& options) {
              {"powered", board.hasHardware()},
              {"plugged_in", pluggedIn(board.directory())}};
   if (board.hasHardware()) shown.update(hardware(board));
-  print(options, shown, description(shown));
+  print(options, shown, boardText(shown));
 }
 
 // "0-3,7" as a list.
@@ -154,7 +147,7 @@ void fault(const Options& options, const BoardArguments& arguments) {
   const peer::Board board = options.board();
   board.setFault(*index, count);
   const Json faults = hardware(board)["faults"];
-  print(options, {{"faults", faults}}, "faults   " + words(faults));
+  print(options, {{"faults", faults}}, "faults   " + faultWords(faults));
 }
 
 void addLink(CLI::App& board, const Options& options) {

@@ -32,6 +32,23 @@ void print(const Options& options, const Json& object, const std::string& text) 
             << std::endl;  // at once: somebody may be watching a pipe
 }
 
+std::string words(const Json& object) {
+  if (object.is_null()) return "not told";
+  std::string text;
+  for (const auto& [key, value] : object.items()) {
+    std::string name = key;
+    std::replace(name.begin(), name.end(), '_', ' ');
+    text += (text.empty() ? "" : ", ") + name;
+    if (value.is_array()) {
+      for (const Json& item : value) text += ' ' + item.dump();
+      if (value.empty()) text += " -";
+    } else {
+      text += ' ' + (value.is_string() ? value.get<std::string>() : value.dump());
+    }
+  }
+  return text;
+}
+
 uint32_t number(const std::string& text, uint32_t limit) {
   const bool hex = text.starts_with("0x") || text.starts_with("0X");
   const char* begin = text.data() + (hex ? 2 : 0);

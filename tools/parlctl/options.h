@@ -30,6 +30,9 @@ ExitStatus exitStatus(peer::Failure failure);
 // Prints one result: the object on one line with --json, otherwise the text.
 void print(const Options& options, const Json& object, const std::string& text);
 
+// An object's entries in one line: "copper 0 1 2 3, fiber1 -"; null as "not told".
+std::string words(const Json& object);
+
 // A decimal number or a hexadecimal one after 0x; throws Error (Usage), naming the text, on anything else, on
 // a leading zero (nobody knows what it means) and above the limit.
 uint32_t number(const std::string& text, uint32_t limit = 0xFFFFFFFF);

@@ -117,24 +117,7 @@ Json ofWall(const std::optional<Bytes>& told) {
 }
 
 // "copper 0 1 2 3, fiber1 -"
-std::string words(const Json& value) {
-  if (value.is_null()) return "not told";
-  std::string text;
-  for (const auto& [key, entry] : value.items()) {
-    std::string name = key;
-    std::ranges::replace(name, '_', ' ');
-    text += (text.empty() ? "" : ", ") + name;
-    if (entry.is_array()) {
-      for (const Json& port : entry) text += ' ' + port.dump();
-      if (entry.empty()) text += " -";
-    } else {
-      text += ' ' + (entry.is_string() ? entry.get<std::string>() : entry.dump());
-    }
-  }
-  return text;
-}
-
-std::string description(const Json& shown) {
+std::string statusText(const Json& shown) {
   std::string text;
   for (const auto& [key, value] : shown.items()) {
     text += (text.empty() ? "" : "\n") + key + std::string(9 - key.size(), ' ') + words(value);
@@ -147,7 +130,7 @@ void status(const Options& options) {
   Json shown = ofFpga(askFpga(daemon));
   shown["cards"] = ofCards(ask(daemon, reg::kReceivingCardSize, 4));
   shown["wall"] = ofWall(ask(daemon, reg::kShortcutConfigScreen, shortcut::kRecordSize));
-  print(options, shown, description(shown));
+  print(options, shown, statusText(shown));
 }
 
 }  // namespace

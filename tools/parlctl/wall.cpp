@@ -140,7 +140,7 @@ void show(const Options& options, const WallArguments& arguments) {
     text = summary(screen) + "\nnot mapped: " + problem;
   }
   object["in_force"] = inForce;
-  print(options, object, text + (inForce ? "" : "\nnot in force: something else configured the ports last"));
+  print(options, object, text + (inForce ? "" : "\nnot in force: another configuration was submitted last"));
 }
 
 void report(const Options& options, const Verdict& verdict) {

@@ -8,7 +8,7 @@ namespace parlctl {
 
 // The requests below throw peer::Error as the peer does.
 
-// Pixels of a receiving card, as the daemon measured it last.
+// Pixels of a receiving card, as the daemon measures it now.
 CardSize cardSize(peer::Peer& daemon);
 // What the configuration record says; nothing in it needs to be right.
 struct Configured {

@@ -17,6 +17,7 @@
 #include "proto/addr_shortcutconfigscreenregister.h"
 #include "proto/data_common.h"
 #include "proto/mapping.h"
+#include "proto/shortcutrecord.h"
 #include "rounds.h"
 
 namespace {
@@ -39,7 +40,7 @@ void mapAtOnce(Tables& tables) {
   }
 }
 
-// Each entry finds its port, line and card by division, as a formula in a document would say it.
+// Each entry finds its port, line and card by division.
 void mapByEntry(Tables& tables) {
   const PortSplit split = splitOf(kLargest);
   constexpr auto kEntries = static_cast<uint32_t>(kMappedPorts * kPortTableEntries);
@@ -68,16 +69,14 @@ double medianTime(int rounds, Work work) {
 void submit() {
   IMD_proto3rd request;
   request.proto.m_ucCode = kCodeWrite;
-  request.proto.m_uiRegisterUnitAddress = reg::kShortcutConfigScreen + 0x11;
-  request.proto.m_data = {kLargest.mode, 0, 0, 0, 0, kLargest.rows, kLargest.columns, 0x00, 0x04};
+  std::array<uint8_t, shortcut::kRecordSize> record{};
+  shortcut::putSmartScreen(std::span(record).first<shortcut::kUsedSize>(), kLargest);
+  request.proto.m_uiRegisterUnitAddress = reg::kShortcutConfigScreen + shortcut::kModeAt;
+  request.proto.m_data.assign(record.begin() + shortcut::kModeAt,
+                              record.begin() + shortcut::kCardsPerPortAt + 2);
   request.proto.m_usValidDataLength = static_cast<uint16_t>(request.proto.m_data.size());
   Addr_ShortcutConfigScreenRegister::Ssh_cmd(&request, nullptr, 0);
-  std::array<char, 32> record{};
-  record[0x11] = static_cast<char>(kLargest.mode);
-  record[0x16] = static_cast<char>(kLargest.rows);
-  record[0x17] = static_cast<char>(kLargest.columns);
-  record[0x19] = 0x04;
-  Tprocess::Sprocess_CalculateParaOfSender(record.size(), record.data());
+  Tprocess::Sprocess_CalculateParaOfSender(record.size(), reinterpret_cast<char*>(record.data()));
   Tprocess::CalculateParaOfSenderHandler();
 }
 

@@ -15,7 +15,6 @@ namespace {
 constexpr uint8_t kRead = 0;
 constexpr uint8_t kWrite = 1;
 constexpr uint16_t kAllBoards = 0xFFFF;
-constexpr unsigned int kPorts = 16;
 constexpr std::size_t kSummedHead = offsetof(recvcard_mesg, data);
 static_assert(sizeof(recvcard_mesg) == 18 && kSummedHead == 12);
 static_assert(std::endian::native == std::endian::little, "the record goes out as it lies in memory");
@@ -44,7 +43,7 @@ bool isLinked(unsigned int port) {
   const uint16_t fiber2 = store.Fiber2BelowLinkStatus_buff.le16(0);
   PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << copper << " fiber1link_buff: " << fiber1
                        << " fiber2link_buff: " << fiber2;
-  return port < kPorts && ((copper | fiber1 | fiber2) >> port & 1) != 0;
+  return port < kOutputPorts && ((copper | fiber1 | fiber2) >> port & 1) != 0;
 }
 
 }  // namespace

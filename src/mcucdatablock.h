@@ -144,6 +144,20 @@ class ByteImage {
     std::copy(from.begin(), from.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
     return true;
   }
+  // Ranges that are known to lie inside.
+  template <std::size_t At, std::size_t Count>
+  std::array<uint8_t, Count> part() const {
+    static_assert(fits(N, At, Count));
+    std::array<uint8_t, Count> bytes{};
+    std::copy_n(bytes_.begin() + At, Count, bytes.begin());
+    return bytes;
+  }
+  std::array<uint8_t, N> bytes() const { return part<0, N>(); }
+  template <std::size_t At, std::size_t Count>
+  void put(std::span<const uint8_t, Count> from) {
+    static_assert(fits(N, At, Count));
+    std::copy(from.begin(), from.end(), bytes_.begin() + At);
+  }
   void fill(uint8_t value) { bytes_.fill(value); }
 
   // A 16-bit field; one that does not lie inside reads as 0 and is not written (false).

@@ -23,10 +23,8 @@ constexpr StatusWords kOptRedundancyWords{
     "======================",
     "============Send OPT RedundtoLSD====== Finish send redundant info to LSD ======================"};
 
-constexpr StatusBlock kNetLinks[] = {{fpga::kNetLinkPorts1To4, 1},
-                                     {fpga::kNetLinkPorts5To8, 1},
-                                     {fpga::kNetLinkPorts9To16, 1},
-                                     {fpga::kNetLinkPorts9To16 + 1, 1}};
+constexpr StatusBlock kNetLinks[] = {
+    {fpga::kNetLinks[0], 1}, {fpga::kNetLinks[1], 1}, {fpga::kNetLinks[2], 1}, {fpga::kNetLinks[3], 1}};
 
 constexpr StatusBlock kFiberLink[] = {{fpga::kFiberLink, 1}};
 constexpr StatusWords kFiberLinkWords{
@@ -107,25 +105,17 @@ void checkFiberLink(const StatusWords& words) {
   checkStatus(store().fiberlink_buff, kFiberLink, framed(words, [](auto) { store().SendFiberLinkInfo(); }));
 }
 
-// Bit p: port p has a link. A byte of the status holds four ports.
-uint16_t linkWord(std::span<const uint8_t> status) {
-  unsigned int word = 0;
-  for (std::size_t i = 0; i < status.size(); ++i) word |= (status[i] & 0x0FU) << 4 * i;
-  return static_cast<uint16_t>(word);
-}
-
-void logNetLinks(std::span<const uint8_t> now) {
+void logNetLinks(std::span<const uint8_t, 4> now) {
   PARLEND_TRACE(kInfo)
       << "============SendNetLinktoLSD======= Check NetLink info change , send to LSD tmp_buff:" << now[0]
       << ":" << now[1] << ":" << now[2] << ":" << now[3];
   PARLEND_TRACE(kInfo) << "<<<<<<<< SendNetLinktoLSD -------- SourceLinkStatus:" << store().GigaPhyLinkSta
-                       << " -> NowChangedLinstatus:" << linkWord(now) << " >>>>>>>>";
+                       << " -> NowChangedLinstatus:" << fpga::netLinkWord(now) << " >>>>>>>>";
 }
 
 // Whether the cards behind a changed link may be measured.
-bool linkHasSettled(bool lsdConnected, uint16_t fiber1, uint16_t fiber2) {
-  return store().LinkStateChanged >= kLinkSettled && lsdConnected &&
-         (store().GigaPhyLinkSta != 0 || fiber1 != 0 || fiber2 != 0);
+bool linkHasSettled(bool lsdConnected) {
+  return store().LinkStateChanged >= kLinkSettled && lsdConnected && store().linkedPorts() != 0;
 }
 
 // One tick more, or the end after the last one.
@@ -148,7 +138,7 @@ void Tprocess_ctl::SendRedundtoLSD() {
 
 void Tprocess_ctl::SendNetLinktoLSD() {
   checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, [this](std::span<const uint8_t> now) {
-    logNetLinks(now);
+    logNetLinks(now.first<4>());
     SendNetLinktoLSD1_4();
     SendNetLinktoLSD5_8();
     SendNetLinktoLSD9_16();
@@ -156,7 +146,7 @@ void Tprocess_ctl::SendNetLinktoLSD() {
     PARLEND_TRACE(kInfo)
         << "============SendNetLinktoLSD====== Finish send NetLink info to LSD ======================";
   });
-  store().GigaPhyLinkSta = linkWord(bytesOf(store().SendNetLinktoLSD_buff));
+  store().GigaPhyLinkSta = fpga::netLinkWord(store().SendNetLinktoLSD_buff.part<0, 4>());
 }
 
 void Tprocess_ctl::SendFiberLinktoLSD() {
@@ -169,11 +159,11 @@ void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
   std::array<uint8_t, 2 * kBelowFiberLength> now{};
   const auto fiber1 = std::span(now).first<kBelowFiberLength>();
   const auto fiber2 = std::span(now).last<kBelowFiberLength>();
-  static_cast<void>(links1.copyTo(fiber1));
-  static_cast<void>(links2.copyTo(fiber2));
+  std::ranges::copy(links1.bytes(), fiber1.begin());
+  std::ranges::copy(links2.bytes(), fiber2.begin());
   readStatus(kBelowFibers, now);
-  static_cast<void>(links1.copyFrom(fiber1));
-  static_cast<void>(links2.copyFrom(fiber2));
+  links1.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber1));
+  links2.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber2));
   compareBelowFiber(store().fiber1BelowTold, fiber1, fpga::kFiberBelowLink, kFiber1Words);
   compareBelowFiber(store().fiber2BelowTold, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
 }
@@ -196,16 +186,15 @@ void Tprocess_ctl::SendGenLockLinktoLSD() {
 
 void Tprocess_ctl::SendRecvCardParaToLsdByLinkChange() {
   if (store().LinkStateChanged == 0) return;
-  const uint16_t fiber1 = store().Fiber1BelowLinkStatus_buff.le16(0);
-  const uint16_t fiber2 = store().Fiber2BelowLinkStatus_buff.le16(0);
-  if (!linkHasSettled(apipc_connect_status, fiber1, fiber2)) {
+  if (!linkHasSettled(apipc_connect_status)) {
     PARLEND_TRACE(kInfo) << "=========Link changed ++ delay========";
     countTick(kLastWait);
     return;
   }
   PARLEND_TRACE(kInfo) << "============ SendRecvCardParaToLsdByLinkChange linkStatus= "
                        << store().LinkStateChanged << " GigaPhyLinkSta=" << store().GigaPhyLinkSta
-                       << " Opt1GigaLinstate=" << fiber1 << "Opt2GigaLinstate=" << fiber2;
+                       << " Opt1GigaLinstate=" << store().Fiber1BelowLinkStatus_buff.le16(0)
+                       << "Opt2GigaLinstate=" << store().Fiber2BelowLinkStatus_buff.le16(0);
   PARLEND_TRACE(kInfo)
       << "============SendNetLinktoLSD======= NetLink info change Send RvCardWide&High state:"
       << store().GigaPhyLinkSta << "=========";
@@ -213,8 +202,8 @@ void Tprocess_ctl::SendRecvCardParaToLsdByLinkChange() {
     countTick(kLastTry);
     return;
   }
-  PARLEND_TRACE(kInfo) << "============Read RvHW: " << store().ReceiveCardWidth() << " "
-                       << store().ReceiveCardHeight() << " ===";
+  const CardSize card = store().ReceiveCardSize;
+  PARLEND_TRACE(kInfo) << "============Read RvHW: " << card.width << " " << card.height << " ===";
   store().SendRVCardWHtoLSD();
   store().LinkStateChanged = 0;
 }

@@ -13,8 +13,8 @@ namespace {
 constexpr auto& kValidTag = Data_Global::IsNewFlashTag;
 
 // Writes into flash; a failure is logged under the name of what was written.
-void store(uint32_t address, std::span<const uint8_t> bytes, const char* depth, const char* colour,
-           const char* what) {
+void writeGamma(uint32_t address, std::span<const uint8_t> bytes, const char* depth, const char* colour,
+                const char* what) {
   const int ret = DriverUtil::getInstance()->WriteDataToFlash(
       address, static_cast<unsigned int>(bytes.size()), bytes.data());
   if (ret == 0) return;
@@ -25,12 +25,12 @@ void store(uint32_t address, std::span<const uint8_t> bytes, const char* depth, 
 void storeSegment(const GammaTable& table, uint32_t address, std::span<const uint8_t> data) {
   const auto room = static_cast<std::size_t>(table.end() - address);
   const auto inTable = data.first(std::min(data.size(), room));
-  store(table.flash + (address - table.first), inTable, table.depth, table.colour, "Gamma info");
+  writeGamma(table.flash + (address - table.first), inTable, table.depth, table.colour, "Gamma info");
   if (inTable.size() < data.size()) {
     PARLEND_TRACE(kError) << "=== Sprocess_SenderRGBGamma ===segment at " << CTrace::hex << address << " of "
                           << data.size() << " bytes runs past its table, stored " << inTable.size();
   } else if (data.size() == room) {
-    store(table.tag, kValidTag, table.depth, table.colour, "Gamma tag");
+    writeGamma(table.tag, kValidTag, table.depth, table.colour, "Gamma tag");
   }
 }
 
@@ -43,7 +43,7 @@ int Tprocess::Sprocess_SenderRGBGamma(int lenth, char* data) {
                            if (const auto* table = findGammaTable(address)) {
                              storeSegment(*table, address, info.data);
                            } else if (const auto* value = findGammaValue(address, info.length)) {
-                             store(value->flash, info.data.first(1), value->depth, "", "Gamma value");
+                             writeGamma(value->flash, info.data.first(1), value->depth, "", "Gamma value");
                            }
                          });
 }

@@ -11,6 +11,7 @@
 #include "proto/flashmap.h"
 #include "proto/fpgamap.h"
 #include "proto/shortcutrecord.h"
+#include "proto/smarttable.h"
 #include "stub/hextext.h"
 
 namespace ORVE_MCUC {
@@ -37,18 +38,10 @@ void setConfigStatus(uint8_t status) {
   storeConfigStatus(status);
 }
 
-void takeScreen(const SmartScreen& screen) {
-  MyTempParaTable.putLe16(kTempRowsAt, screen.rows);
-  MyTempParaTable.putLe16(kTempColumnsAt, screen.columns);
-  MyTempParaTable.putLe16(kTempCardsPerPortAt, screen.cardsPerPort);
-  MyTempParaCharTable[kTempModeAt] = screen.mode;
-}
-
 bool isTaken(const SmartScreen& screen) {
-  return MyTempParaTable.le16(kTempRowsAt) == screen.rows &&
-         MyTempParaTable.le16(kTempColumnsAt) == screen.columns &&
-         MyTempParaTable.le16(kTempCardsPerPortAt) == screen.cardsPerPort &&
-         MyTempParaCharTable[kTempModeAt] == screen.mode;
+  const SmartScreen taken = screenIn(MyTempParaTable, MyTempParaCharTable);
+  return taken.rows == screen.rows && taken.columns == screen.columns &&
+         taken.cardsPerPort == screen.cardsPerPort && taken.mode == screen.mode;
 }
 
 void logRecord(const HandlerWords& words, std::span<const uint8_t> record) {
@@ -66,12 +59,12 @@ void clearBackupMark() {
 
 void submit(std::span<const uint8_t> record) {
   CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
-  takeScreen(shortcut::smartScreenOf(record));
+  const SmartScreen screen = shortcut::smartScreenOf(record.first<shortcut::kUsedSize>());
+  putScreen(MyTempParaTable, MyTempParaCharTable, screen);
   MyTempParaCharTable[kTempRoleAt] = store().PbufMorSMode;
-  PARLEND_TRACE(kInfo) << "MyTempParaTable[1] = " << MyTempParaTable.le16(kTempRowsAt)
-                       << " MyTempParaTable[2] = " << MyTempParaTable.le16(kTempColumnsAt)
-                       << " MyTempParaTable[3] = " << MyTempParaTable.le16(kTempCardsPerPortAt)
-                       << " MyTempParaCharTable[0] = " << MyTempParaCharTable[kTempModeAt]
+  PARLEND_TRACE(kInfo) << "MyTempParaTable[1] = " << screen.rows << " MyTempParaTable[2] = " << screen.columns
+                       << " MyTempParaTable[3] = " << screen.cardsPerPort
+                       << " MyTempParaCharTable[0] = " << screen.mode
                        << " MyTempParaCharTable[2]=" << MyTempParaCharTable[kTempRoleAt];
   clearBackupMark();
   store().CalculateParaGetSreenSize(MyTempParaTable);
@@ -79,10 +72,12 @@ void submit(std::span<const uint8_t> record) {
   store().CalculateParaHandlerCnt.add(1);
 }
 
-void logFields(const char* text, uint8_t rows, uint8_t columns, uint8_t cardsLow, uint8_t cardsHigh,
-               uint8_t mode) {
-  PARLEND_TRACE(kInfo) << text << rows << " " << columns << " " << cardsLow << " " << cardsHigh << " ,[0x11] "
-                       << mode;
+// Any image with the fields of a record.
+template <class Image>
+void logFields(const char* text, const Image& image) {
+  PARLEND_TRACE(kInfo) << text << image[shortcut::kRowsAt] << " " << image[shortcut::kColumnsAt] << " "
+                       << image[shortcut::kCardsPerPortAt] << " " << image[shortcut::kCardsPerPortAt + 1]
+                       << " ,[0x11] " << image[shortcut::kModeAt];
 }
 
 using Record = std::array<uint8_t, shortcut::kUsedSize>;
@@ -95,9 +90,8 @@ std::optional<Record> readRecord() {
     PARLEND_TRACE(kError) << "=== CalculateParaOfSenderHandler ===the record cannot be read. ret = " << ret;
     return std::nullopt;
   }
-  logFields("buff_new[0x16~0x19] = ", record[0x16], record[0x17], record[0x18], record[0x19], record[0x11]);
-  const auto& copy = store().TmpCalcScreenPara;
-  logFields("TmpCalcScreenPara[0x16~0x19] = ", copy[0x16], copy[0x17], copy[0x18], copy[0x19], copy[0x11]);
+  logFields("buff_new[0x16~0x19] = ", record);
+  logFields("TmpCalcScreenPara[0x16~0x19] = ", store().TmpCalcScreenPara);
   return record;
 }
 
@@ -107,7 +101,7 @@ void takeStored(const Record& record) {
   if (isTaken(stored)) return;
   PARLEND_TRACE(kInfo) << "============================ Read Flash Para is diff CalculateParaOfSenderHandler "
                           "===========================";
-  takeScreen(stored);
+  putScreen(MyTempParaTable, MyTempParaCharTable, stored);
 }
 
 bool takeAdvancedScreen() {
@@ -123,8 +117,10 @@ bool takeAdvancedScreen() {
     PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
   }
   for (std::size_t p = 0; p < kMappedPorts; ++p) {
-    const AdvancedPort port = shortcut::advancedPortOf(
-        std::span(area).subspan(shortcut::kPortsAt + p * shortcut::kPortSize, shortcut::kPortSize));
+    const AdvancedPort port =
+        shortcut::advancedPortOf(std::span<const uint8_t>(area)
+                                     .subspan(shortcut::kPortsAt + p * shortcut::kPortSize)
+                                     .first<shortcut::kPortSize>());
     TempAdvPortCM[p] = port.mode;
     TempAdvCfgPortRow[p] = port.rows;
     TempAdvCfgPortCol[p] = port.columns;
@@ -150,8 +146,8 @@ int handleCommand(const HandlerWords& words, Work work) {
 int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
   return handleCommand({"Sprocess_SaveSendCardPara", "SaveSendCardParaKey"}, [] {
     if (store().LEDConfigStatus == shortcut::kByTables) storeConfigStatus(shortcut::kByTables);
-    std::array<uint8_t, kScreenParaSaved> bytes{};
-    if (store().ScreenParaReg.copyTo(bytes)) writeFlash(flash::kScreenPara, bytes, "Sprocess_SaveSendCardPara");
+    writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(),
+               "Sprocess_SaveSendCardPara");
     store().SaveParaToFlash(1);
   });
 }

@@ -3,6 +3,7 @@
 #include "proto/data_common.h"
 #include "proto/flashmap.h"
 #include "proto/flashread.h"
+#include "proto/mappingsteps.h"
 #include "proto/shortcutrecord.h"
 
 namespace ORVE_MCUC {
@@ -62,7 +63,7 @@ int readRecord(IMD_proto3rd& request) {
   return kDone;
 }
 
-int store(uint32_t offset, std::span<const uint8_t> data) {
+int writeRecordBytes(uint32_t offset, std::span<const uint8_t> data) {
   const int ret = DriverUtil::getInstance()->PageProgram(
       0, flash::kShortcutConfig + offset, static_cast<unsigned short>(data.size()), data.data());
   if (ret == 0) return kDone;
@@ -84,12 +85,11 @@ void measureCardsOnce() {
 }
 
 void logExpectedSplit(std::span<const uint8_t> record, const SmartScreen& screen) {
-  PARLEND_TRACE(kInfo) << "buff_new[0x16~0x19] = " << record[0x16] << " " << record[0x17] << " "
-                       << record[0x18] << " " << record[0x19];
-  const PortSplit split = splitOf(screen);
-  PARLEND_TRACE(kInfo) << (runsAlongRows(screen.mode) ? "horizontal line: RowOrColInOnePort = "
-                                                      : "vertical line: RowOrColInOnePort = ")
-                       << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
+  if (!tracePasses(kInfo)) return;
+  PARLEND_TRACE(kInfo) << "buff_new[0x16~0x19] = " << record[shortcut::kRowsAt] << " "
+                       << record[shortcut::kColumnsAt] << " " << record[shortcut::kCardsPerPortAt] << " "
+                       << record[shortcut::kCardsPerPortAt + 1];
+  logPortLoad(screen, splitOf(screen));
 }
 
 }  // namespace
@@ -148,7 +148,7 @@ int Addr_ShortcutConfigScreenRegister::writeRecord(IMD_proto3rd& request) {
         Data_Global::getInstance()->TmpCalcScreenPara.copyFrom(data, offset)) {
       PARLEND_TRACE(kInfo) << "ShortcutConfig memcpy ";
     }
-    result = store(offset, data);
+    result = writeRecordBytes(offset, data);
   }
   if (offset >= kCalculationFirst && offset <= kCalculationLast) {
     if (const int refused = submitSmart(request)) return refused;
@@ -167,7 +167,7 @@ int Addr_ShortcutConfigScreenRegister::writeRecord(IMD_proto3rd& request) {
   return result;
 }
 
-int Addr_ShortcutConfigScreenRegister::submitSmart(const IMD_proto3rd& request) {
+int Addr_ShortcutConfigScreenRegister::submitSmart(IMD_proto3rd& request) {
   std::array<uint8_t, shortcut::kRecordSize> record{};
   const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, shortcut::kUsedSize,
                                                                 record.data());
@@ -176,7 +176,8 @@ int Addr_ShortcutConfigScreenRegister::submitSmart(const IMD_proto3rd& request) 
                           << ret;
     return kRefused;
   }
-  const SmartScreen screen = shortcut::smartScreenOf(record);
+  const SmartScreen screen =
+      shortcut::smartScreenOf(std::span<const uint8_t>(record).first<shortcut::kUsedSize>());
   if (screen.rows == 0 || screen.columns == 0 || screen.cardsPerPort == 0) {
     PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===Check Para stage: Para invalid! Row = "
                           << screen.rows << " Colume = " << screen.columns
@@ -185,7 +186,7 @@ int Addr_ShortcutConfigScreenRegister::submitSmart(const IMD_proto3rd& request) 
   }
   measureCardsOnce();
   logExpectedSplit(record, screen);
-  const int stored = store(0, record);
+  const int stored = writeRecordBytes(0, record);
   PARLEND_TRACE(kInfo) << "Para is OK. Continue...";
   const int queued = queuePayload(request, CalculateParaOfSenderKey, "CalculateParaOfSenderKey", record);
   return queued != kDone ? queued : stored;

@@ -24,10 +24,10 @@ class Addr_ShortcutConfigScreenRegister : public RegisterSpace<Addr_ShortcutConf
 
  private:
   static int writeRecord(IMD_proto3rd& request);
-  static int submitSmart(const IMD_proto3rd& request);
+  static int submitSmart(IMD_proto3rd& request);
 
   static uint8_t m_cfgScreenFlag;
-  static uint8_t m_advCfgSubmit;  // an advanced configuration was submitted and is not queued yet
+  static uint8_t m_advCfgSubmit;  // the write at hand submits an advanced configuration
 };
 
 }  // namespace ORVE_MCUC

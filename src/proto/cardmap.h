@@ -5,10 +5,17 @@
 
 namespace ORVE_MCUC::card {
 
+// Device types.
+inline constexpr uint8_t kReceivingCard = 1;
+inline constexpr uint8_t kMultiFunctionCard = 2;
+inline constexpr uint8_t kDistributionCard = 3;
+inline constexpr uint8_t kLauncher3D = 4;
+
 // Receiving cards.
 inline constexpr uint32_t kMirroredByte = 0x01000088;  // LSD mirrors it, as it does the brightness
 inline constexpr uint32_t kSlowCommand = 0x01000011;
 inline constexpr uint32_t kBrightness = 0x02000001;  // of the whole card
+inline constexpr uint32_t kSize = 0x02000017;        // width u16, height u16, in pixels
 inline constexpr uint32_t kCorrectionTop = 0x07;     // top byte of the addresses of correction data
 
 // 3D launchers.

@@ -75,7 +75,7 @@ void say3DReached(uint32_t reached) {
 }  // namespace
 
 constinit const CardTask kReceivingCards{
-    .selector = 1,
+    .selector = card::kReceivingCard,
     .chunkSize = 512,
     .noAnswer = kAckNoAnswer,
     .outspoken = true,
@@ -91,7 +91,7 @@ constinit const CardTask kReceivingCards{
     .readFailed = "=== Ssh_StartScanCard ===Read receive card failed, return  ",
 };
 constinit const CardTask kMultiCards{
-    .selector = 2,
+    .selector = card::kMultiFunctionCard,
     .chunkSize = 256,
     .noAnswer = kAckRefused,
     .pause = &fixedPause<23000>,
@@ -103,7 +103,7 @@ constinit const CardTask kMultiCards{
     .readFailed = "=== Ssh_StartMultiCard ===Read multi card failed, return! ",
 };
 constinit const CardTask kDistributionCards{
-    .selector = 3,
+    .selector = card::kDistributionCard,
     .chunkSize = 256,
     .noAnswer = kAckRefused,
     .asksTheLink = true,
@@ -116,7 +116,7 @@ constinit const CardTask kDistributionCards{
     .readFailed = "=== Ssh_StartDistribute ===Read Distribute failed, return! ",
 };
 constinit const CardTask kLaunchers3D{
-    .selector = 4,
+    .selector = card::kLauncher3D,
     .chunkSize = 512,
     .noAnswer = kAckRefused,
     .outspoken = true,

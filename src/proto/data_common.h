@@ -10,7 +10,7 @@
 
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
-#include "proto/mapping.h"
+#include "proto/cardgeometry.h"
 #include "proto/paratables.h"
 
 namespace ORVE_MCUC {
@@ -47,6 +47,9 @@ class Data_Global {
   void PortOffsetYUpdate(unsigned int port, uint16_t value);
   void PortMorSUpdate(unsigned int port, uint8_t value);
 
+  // Bit p: output port p has a link, over copper or one of the fibers.
+  uint16_t linkedPorts() const;
+
   // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
   // result, or -1 for another type.
   int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
@@ -59,8 +62,8 @@ class Data_Global {
   int CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data);
   // Writes a diagnostic line to a file when the output size in the feature image is zero.
   void DebugForScreenZero(int point, unsigned int addr, const char* description);
-  // Measures the receiving cards and puts their size into bytes 6..9 of the screen parameters: 128 x 128 when it
-  // cannot be measured.
+  // Measures the receiving cards and puts their size into bytes 6..9 of the screen parameters: 128 x 128 when
+  // it cannot be measured.
   void refreshCardSizeInScreenPara();
 
   // Type 0: basic hardware page; type 1: feature, global, position and number parameters. Each failure is
@@ -73,7 +76,8 @@ class Data_Global {
   // The same in the image alone.
   void setPortRoles(uint8_t backup);
 
-  // Measures the receiving cards behind the first linked port. 0; -1 when the size is not a measured one.
+  // Measures the receiving cards behind the first linked port, behind port 0 with an optical module. 0; -1
+  // when the size is not a measured one.
   int GetRecvCardSize_EnvNew();
   // Smart configuration. table: fields 1, 2, 3 are rows, columns, cards per port; chars: byte 0 connection
   // mode, byte 2 master/backup. The size step applies the output size at once; the mapping writes windows,
@@ -89,9 +93,6 @@ class Data_Global {
   // positions are relative to the port's block. Returns 0.
   int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
                        uint16_t columns);
-  uint16_t ReceiveCardWidth() const { return static_cast<CardSize>(ReceiveCardSize).width; }
-  uint16_t ReceiveCardHeight() const { return static_cast<CardSize>(ReceiveCardSize).height; }
-
   // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
   // fiber link.
   void SendRedundStatustoLSD();

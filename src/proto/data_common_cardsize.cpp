@@ -1,28 +1,27 @@
 // Measuring the receiving cards.
+#include <bit>
+
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/cardmap.h"
 #include "proto/data_common.h"
 #include "proto/fpgamap.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint32_t kSizeRegister = 0x02000017;  // of a receiving card: width u16, height u16
-constexpr uint8_t kReceivingCard = 1;
-constexpr unsigned int kFirstCard = 0;
-constexpr uint8_t kFiberPresent = 0xA0;  // of the fiber module's state
-constexpr uint8_t kFiberLinks = 0x0F;
+constexpr unsigned short kFirstCard = 0;
 
 bool isOptical(uint8_t module) {
-  return (module & kFiberPresent) != 0 && (module & kFiberLinks) != 0;
+  return (module & fpga::kFiberModuleBits) != 0 && (module & fpga::kFiberLinkBits) != 0;
 }
 
 // Reads the size from the first card behind a port. 0, or -1 with the size a default one or unchanged.
 int measure(Data_Global& store, unsigned int port) {
   std::array<uint8_t, 4> answer{};
   const int ret =
-      DriverUtil::getInstance()->ReadCardPara(kSizeRegister, static_cast<unsigned short>(port), kFirstCard,
-                                              answer.size(), answer.data(), kReceivingCard);
+      DriverUtil::getInstance()->ReadCardPara(card::kSize, static_cast<unsigned short>(port), kFirstCard,
+                                              answer.size(), answer.data(), card::kReceivingCard);
   if (ret != 0) {
     store.ReceiveCardSize = CardSize{};
     PARLEND_TRACE(kInfo) << "=== Read receive card failed, return ====";
@@ -44,19 +43,16 @@ int measureFirstLinked(Data_Global& store) {
   const auto module = static_cast<uint8_t>(driver.FPGAC5_ReadOneWord(0, 0, fpga::kFiberLink));
   store.OptModuleLinkSta = module;
   PARLEND_TRACE(kInfo) << "Detect Opt link status = " << module;
-  const unsigned int copper = store.GigaPhyLinkSta;
-  PARLEND_TRACE(kError) << "=== GetRecvCardSize_Env === Get tty16 Status =  " << copper;
-  const unsigned int linked =
-      copper | store.Fiber1BelowLinkStatus_buff.le16(0) | store.Fiber2BelowLinkStatus_buff.le16(0);
+  PARLEND_TRACE(kError) << "=== GetRecvCardSize_Env === Get tty16 Status =  " << store.GigaPhyLinkSta;
+  const unsigned int linked = store.linkedPorts();
   const bool optical = isOptical(module);
   if (!optical && linked == 0) {
     store.ReceiveCardSize = CardSize{};
     return -1;
   }
-  for (unsigned int port = 0; port < kMappedPorts; ++port) {
-    if (optical || (linked >> port & 1) != 0) return measure(store, port);
-  }
-  return -1;
+  // Behind a fiber converter every port reaches cards.
+  const auto first = static_cast<unsigned int>(optical ? 0 : std::countr_zero(linked));
+  return first < kMappedPorts ? measure(store, first) : -1;
 }
 
 }  // namespace
@@ -71,8 +67,8 @@ int Data_Global::GetRecvCardSize_EnvNew() {
 void Data_Global::refreshCardSizeInScreenPara() {
   CardSize card;
   if (GetRecvCardSize_EnvNew() == 0) card = ReceiveCardSize;
-  ScreenParaReg.putLe16(6, card.width);
-  ScreenParaReg.putLe16(8, card.height);
+  ScreenParaReg.putLe16(screenpara::kCardSizeAt, card.width);
+  ScreenParaReg.putLe16(screenpara::kCardSizeAt + 2, card.height);
 }
 
 }  // namespace ORVE_MCUC

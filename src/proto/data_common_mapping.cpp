@@ -5,32 +5,24 @@
 #include "proto/fpgamap.h"
 #include "proto/mappingsteps.h"
 #include "proto/porttables.h"
+#include "proto/smarttable.h"
 #include "stub/hextext.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint16_t kLeastOutput = 128;  // pixels, in place of a size that is zero
-constexpr uint8_t kBackup = 0x80;
+constexpr uint16_t kOutputForZero = 128;  // pixels, in place of a size that is zero
 constexpr char kCaller[] = "CalculateParaOfSenderInMosaicMode";
 constexpr int kImageTextRoom = 3 * 512 + 1;
 
-SmartScreen screenOf(const ByteImage<1024>& table, const ByteImage<32>& chars, CardSize card) {
-  return {table.le16(kTempRowsAt), table.le16(kTempColumnsAt), table.le16(kTempCardsPerPortAt),
-          chars[kTempModeAt], card};
-}
-
 void logImage(const char* text, const Data_Global& store) {
   if (!tracePasses(kInfo)) return;
-  std::array<uint8_t, 512> bytes{};
-  if (!store.SendParameterReg.copyTo(bytes)) return;
+  const auto bytes = store.SendParameterReg.bytes();
   PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes.data(), bytes.size()).view();
 }
 
 void logSplit(const SmartScreen& screen, const PortSplit& split) {
-  PARLEND_TRACE(kInfo) << (runsAlongRows(screen.mode) ? "horizontal line: RowOrColInOnePort = "
-                                                      : "vertical line: RowOrColInOnePort = ")
-                       << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
+  logPortLoad(screen, split);
   PARLEND_TRACE(kInfo) << " line: UsedPortNum = " << split.UsedPortNum
                        << " LastPortRowOrColInOnePort = " << split.LastPortRowOrColInOnePort;
   PARLEND_TRACE(kInfo) << " line: PortWidth = " << split.PortWidth << " PortHeight = " << split.PortHeight;
@@ -38,8 +30,7 @@ void logSplit(const SmartScreen& screen, const PortSplit& split) {
                        << " PortOffsetY = " << split.PortOffsetY;
   PARLEND_TRACE(kInfo) << " line: LastPortWidth = " << split.LastPortWidth
                        << " LastPortHeight = " << split.LastPortHeight;
-  PARLEND_TRACE(kInfo) << "The used port number = " << split.UsedPortNum
-                       << " connect mode = " << screen.mode;
+  PARLEND_TRACE(kInfo) << "The used port number = " << split.UsedPortNum << " connect mode = " << screen.mode;
 }
 
 void storeScreen(Data_Global& store, const SmartScreen& screen) {
@@ -53,9 +44,8 @@ void storeScreen(Data_Global& store, const SmartScreen& screen) {
                        "driverRet = ")) {
     return;
   }
-  for (int i = 0; i < 15; ++i) {
-    PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i
-                         << "] = " << store.ScreenParaReg[static_cast<std::size_t>(i)];
+  for (std::size_t i = 0; i < screenpara::kStored; ++i) {
+    PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i << "] = " << store.ScreenParaReg[i];
   }
 }
 
@@ -143,12 +133,12 @@ void assignRoles(Data_Global& store, const PortSplit& split, uint8_t backup) {
   for (unsigned int i = 0; i < 4; ++i) {
     PARLEND_TRACE(kInfo) << "MasterSlaveVal 0x" << CTrace::hex
                          << static_cast<int>(fpga::kMasterSlavePorts1To4 + i) << ": 0x" << CTrace::hex
-                         << int{backup != 0 ? kBackup : uint8_t{0}};
+                         << int{backup != 0 ? fpga::kBackup : fpga::kMaster};
   }
   if (store.NormalBackupStatus != 0) {
     const unsigned int linked = store.GigaPhyLinkSta;
     for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
-      if ((linked >> port & 1) != 0) store.PortMorSUpdate(port, kBackup);
+      if ((linked >> port & 1) != 0) store.PortMorSUpdate(port, fpga::kBackup);
     }
   }
   logImage("WriteFpgaData SendParameterReg:", store);
@@ -177,13 +167,14 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   clearScreenOffset(*this,
                     "=== CalculateParaGetSreenSize ===Clear XY_Offset failed! When smart LED configure.");
   const CardSize card = ReceiveCardSize;
-  auto width = static_cast<uint16_t>(uint32_t{card.width} * table.le16(kTempColumnsAt));
-  auto height = static_cast<uint16_t>(uint32_t{card.height} * table.le16(kTempRowsAt));
+  const SmartScreen screen = screenIn(table, {});
+  auto width = static_cast<uint16_t>(uint32_t{card.width} * screen.columns);
+  auto height = static_cast<uint16_t>(uint32_t{card.height} * screen.rows);
   PARLEND_TRACE(kInfo)
       << "===============================Storage Dvi Wide calc===================================";
   PARLEND_TRACE(kInfo) << " SM2W : DVI_Width =" << width << "; DVI_Height =" << height;
   if (width == 0 || height == 0) {
-    width = height = kLeastOutput;
+    width = height = kOutputForZero;
     PARLEND_TRACE(kInfo) << " Change Parlend Card : DVI_Width =" << width << "; DVI_Height =" << height;
   }
   PARLEND_TRACE(kInfo) << " SM2W===2 : DVI_Width =" << width << "; DVI_Height =" << height;
@@ -192,8 +183,7 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   setOutputSize(*this, width, height, 7, "CalculateParaGetSreenSize, calc screen!!");
   copyOutputToScreen(*this);
   SaveParaToFlash(1);
-  std::array<uint8_t, 4> output{};
-  if (!SendParameterReg.copyTo(output, fpga::kOutputWidth)) return;
+  const auto output = SendParameterReg.part<fpga::kOutputWidth, 4>();
   const int ret =
       DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kOutputWidth, output.data(), output.size());
   if (ret != 0) {
@@ -206,7 +196,8 @@ void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table
                                                     const ByteImage<32>& chars) {
   PARLEND_TRACE(kInfo) << "=================== Begin CalculateParaOfSenderInMosaicMode ====================";
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  const SmartScreen screen = screenOf(table, chars, ReceiveCardSize);
+  SmartScreen screen = screenIn(table, chars);
+  screen.card = ReceiveCardSize;
   if (!isValid(screen)) {
     PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===Invalid Parameter! ";
   } else if (!mapScreen(*this, screen, chars[kTempRoleAt])) {

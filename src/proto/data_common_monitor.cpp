@@ -1,7 +1,6 @@
 // The monitor's parts that the store carries out itself.
 #include "proto/data_common.h"
 #include "proto/fpgamap.h"
-#include "proto/registermap.h"
 #include "proto/statuscheck.h"
 
 namespace ORVE_MCUC {

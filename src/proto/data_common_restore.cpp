@@ -12,6 +12,7 @@
 #include "proto/mappingsteps.h"
 #include "proto/porttables.h"
 #include "proto/screenoffset.h"
+#include "proto/smarttable.h"
 #include "stub/hextext.h"
 
 namespace ORVE_MCUC {
@@ -20,7 +21,7 @@ namespace {
 constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kBackupMarks[] = {0x5A, 0xA5};
 constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
-constexpr uint8_t kOutputOpen = 0x5A;
+constexpr uint8_t kOutputRestored = 0x5A;
 constexpr int kNumberTextRoom = 3 * 768 + 1;
 
 bool isOnline(const Data_Global& store) {
@@ -63,8 +64,7 @@ bool isSize(uint32_t pixels) {
 void takeCardSizeOfReset(Data_Global& store) {
   uint32_t screen[2] = {};
   uint32_t card[2] = {};
-  const bool stored =
-      store.Read_ScreenSize_FromFlash(screen) == 0 && isSize(screen[0]) && isSize(screen[1]);
+  const bool stored = store.Read_ScreenSize_FromFlash(screen) == 0 && isSize(screen[0]) && isSize(screen[1]);
   read_CardSize_flag = store.Read_CardSize_FromFlash(card) == 0 ? 1U : 0U;
   factory_flag = 1U;
   if (stored) {
@@ -77,16 +77,16 @@ void takeCardSizeOfReset(Data_Global& store) {
     writeFlash(flash::kScreenSize, record, kCaller);
   }
   resetScreenChangeCounter(kCaller);
-  setOutputSize(store, store.ReceiveCardWidth(), store.ReceiveCardHeight(), 6,
-                "RestoreFPGA, use ReceiveCardWidth change screen!!");
-  store.Read_ScreenSize_FromFlash(screen);
+  const CardSize size = store.ReceiveCardSize;
+  setOutputSize(store, size.width, size.height, 6, "RestoreFPGA, use ReceiveCardWidth change screen!!");
+  store.Read_ScreenSize_FromFlash(screen);  // says so when what is stored now is zero
 }
 
 // A screen of one card, by the master.
 void mapOneCard(Data_Global& store) {
   ByteImage<1024> table;
-  const ByteImage<32> chars;
-  for (std::size_t field = 1; field <= 3; ++field) table.putLe16(2 * field, 1);
+  ByteImage<32> chars;
+  putScreen(table, chars, {1, 1, 1, 0, {}});
   store.CalculateParaOfSenderInMosaicMode(table, chars);
 }
 
@@ -111,13 +111,12 @@ void mendImage(ByteImage<512>& image) {
   const uint8_t mode = image[fpga::kOutputMode];
   if (std::find(std::begin(kOutputModes), std::end(kOutputModes), mode) == std::end(kOutputModes))
     image[fpga::kOutputMode] = kOutputModes[0];
-  if (image[fpga::kOutputEnable] == kOutputOpen) image[fpga::kOutputEnable] = 0;
+  if (image[fpga::kOutputEnable] == kOutputRestored) image[fpga::kOutputEnable] = 0;
 }
 
 void restoreFeature(const Data_Global& store) {
-  std::array<uint8_t, fpga::kFeatureRestoreLength> bytes{};
-  if (!store.SendParameterReg.copyTo(bytes, fpga::kFeatureFirst)) return;
-  writeFpga(fpga::kFeatureFirst, bytes, kCaller);
+  writeFpga(fpga::kFeatureFirst,
+            store.SendParameterReg.part<fpga::kFeatureFirst, fpga::kFeatureRestoreLength>(), kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
   applyScreenOffset(store.SendParameterReg);
 }
@@ -164,17 +163,17 @@ void restoreNumberTable(bool online) {
   const int ret =
       DriverUtil::getInstance()->ReadBytesFromFlash(flash::kNumberTable, table.size(), table.data());
   if (ret != 0) PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
-  if (ret == 0 ? !VsPartPara.copyFrom(table) : !VsPartPara.copyTo(table)) return;
+  if (ret == 0) VsPartPara.put<0>(std::span<const uint8_t, VsPartPara.size()>(table));
   if (tracePasses(kInfo))
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
-  if (online) writeNumberParts(table);
+  if (online) writeNumberParts(VsPartPara.bytes());
 }
 
-void openOutput(Data_Global& store) {
+void endRestore(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
   store.SendParameterReg[fpga::kOutputEnable] = kClosed;
   writeFpga(fpga::kOutputEnable, {&kClosed, 1}, kCaller);
-  store.SendParameterReg[fpga::kOutputEnable] = kOutputOpen;
+  store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
   resetScreenChangeCounter(kCaller);
   store.FpgaParaLoadFinish = true;
 }
@@ -188,7 +187,7 @@ void restoreConfigured(Data_Global& store) {
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
   restorePortTables(online);
   restoreNumberTable(online);
-  if (online) openOutput(store);
+  if (online) endRestore(store);
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
   if (const int ret = readScreenPara(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
@@ -216,9 +215,9 @@ void Data_Global::BootRecover() {
         << "=== BootRecover ===Can not read flash when get the ScreenParaReg[0x01] in poweron! ";
     return;
   }
-  for (int i = 0; i < 15; ++i) {
+  for (std::size_t i = 0; i < screenpara::kStored; ++i) {
     PARLEND_TRACE(kInfo) << "====BootRecover=== after read flash 0210000" << i << " =0x" << CTrace::hex
-                         << ScreenParaReg[static_cast<std::size_t>(i)];
+                         << ScreenParaReg[i];
   }
 }
 
@@ -229,7 +228,7 @@ void Data_Global::RestoreFPGA() {
   const int ret = RestoreDataFromFlash(1, image);
   if (ret != 0)
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the feature parameters cannot be read. ret = " << ret;
-  if (ret == 0 && !SendParameterReg.copyFrom(image)) return;
+  if (ret == 0) SendParameterReg.put<0>(std::span<const uint8_t, 512>(image));
   RebootRF = 0;
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space:";
   BootRecover();

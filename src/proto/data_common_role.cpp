@@ -9,9 +9,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint8_t kMaster = 0x00;
-constexpr uint8_t kBackup = 0x80;
-
 // Four ports' roles lie behind each other.
 struct RoleGroup {
   uint32_t fpga;
@@ -25,6 +22,10 @@ constexpr RoleGroup kGroups[] = {
 };
 constexpr uint32_t kPortsOfGroup = 4;
 
+constexpr uint8_t roleOf(uint8_t backup) {
+  return backup != 0 ? fpga::kBackup : fpga::kMaster;
+}
+
 void saveRoles(uint32_t firstRegister, std::size_t count, uint8_t role) {
   std::array<uint8_t, 8> bytes{};
   bytes.fill(role);
@@ -34,13 +35,13 @@ void saveRoles(uint32_t firstRegister, std::size_t count, uint8_t role) {
 }  // namespace
 
 void Data_Global::setPortRoles(uint8_t backup) {
-  const uint8_t role = backup != 0 ? kBackup : kMaster;
-  for (unsigned int port = 0; port < PortParaXOffsetIndex.size(); ++port) PortMorSUpdate(port, role);
+  const uint8_t role = roleOf(backup);
+  for (unsigned int port = 0; port < kOutputPorts; ++port) PortMorSUpdate(port, role);
 }
 
 void Data_Global::SendMasterOrBackup(uint8_t backup) {
   PARLEND_TRACE(kInfo) << "============================ Begin set master/slave =============================";
-  const uint8_t role = backup != 0 ? kBackup : kMaster;
+  const uint8_t role = roleOf(backup);
   PARLEND_TRACE(kInfo) << "Master or Slave = " << role;
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   setPortRoles(backup);

@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::size_t kBasicHardwareSize = 256;
 constexpr std::size_t kGlobalParaSize = 512;
-constexpr unsigned int kPorts = 16;
 constexpr uint16_t kLargestMeasure = 3840;  // pixels, of a sound screen or window
 constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
@@ -32,9 +31,7 @@ void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> byt
 // Saves the first Size bytes of an image.
 template <std::size_t Size, std::size_t N>
 void saveImage(const SaveWords& words, uint32_t address, const ByteImage<N>& image) {
-  static_assert(Size <= N);
-  std::array<uint8_t, Size> bytes{};
-  if (image.copyTo(bytes)) save(words, address, bytes);
+  save(words, address, image.template part<0, Size>());
 }
 
 bool isSound(uint16_t measure) {
@@ -51,11 +48,9 @@ bool screenIsSound(const ByteImage<512>& image) {
 }
 
 bool windowsAreSound(const ByteImage<512>& image) {
-  for (unsigned int port = 0; port < kPorts; ++port) {
-    // Width, height, X and Y lie behind each other.
-    const std::size_t record = PortParaXOffsetIndex[port] - 4U;
-    for (std::size_t field = 0; field < 8; field += 2) {
-      if (!isSound(image.le16(record + field))) return false;
+  for (unsigned int port = 0; port < kOutputPorts; ++port) {
+    for (const uint32_t field : {0U, fpga::kWindowHeightAt, fpga::kWindowXAt, fpga::kWindowYAt}) {
+      if (!isSound(image.le16(fpga::portWindow(port) + field))) return false;
     }
   }
   return true;

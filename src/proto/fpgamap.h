@@ -1,7 +1,9 @@
 // Registers of the sending FPGA's bus, by name.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <span>
 
 namespace ORVE_MCUC::fpga {
 
@@ -34,6 +36,41 @@ inline constexpr uint32_t kOutputHeight = 0x1EE;
 inline constexpr uint32_t kFiberBelowLink = 0x1F2;  // two bytes a fiber path
 inline constexpr uint32_t kOptRedundancy = 0x1F6;
 
+// Window of an output port: width, height, X and Y, each u16 in pixels, and one byte that belongs to the
+// FPGA.
+inline constexpr uint32_t kWindowSize = 9;
+inline constexpr uint32_t kWindowHeightAt = 2;
+inline constexpr uint32_t kWindowXAt = 4;
+inline constexpr uint32_t kWindowYAt = 6;
+constexpr uint32_t portWindow(unsigned port) {
+  if (port < 4) return 0x51 + kWindowSize * port;
+  if (port < 8) return 0xB1 + kWindowSize * (port - 4);
+  return 0x131 + kWindowSize * (port - 8);
+}
+static_assert(portWindow(12) + kWindowXAt == 0x159 && portWindow(7) + kWindowXAt == 0xD0);
+
+// Role of an output port.
+inline constexpr uint8_t kMaster = 0x00;
+inline constexpr uint8_t kBackup = 0x80;
+constexpr uint32_t portRole(unsigned port) {
+  if (port < 4) return kMasterSlavePorts1To4 + port;
+  if (port < 8) return kMasterSlavePorts5To8 + (port - 4);
+  return kMasterSlavePorts9To16 + (port - 8);
+}
+
+// The fiber module's state: whether it is there, and which of its links are up.
+inline constexpr uint8_t kFiberModuleBits = 0xA0;
+inline constexpr uint8_t kFiberLinkBits = 0x0F;
+
+// The copper links of sixteen ports as one word, bit p for port p: a register holds four ports.
+inline constexpr std::array<uint32_t, 4> kNetLinks{kNetLinkPorts1To4, kNetLinkPorts5To8, kNetLinkPorts9To16,
+                                                   kNetLinkPorts9To16 + 1};
+constexpr uint16_t netLinkWord(std::span<const uint8_t, 4> bytes) {
+  unsigned word = 0;
+  for (unsigned i = 0; i < 4; ++i) word |= (bytes[i] & 0x0FU) << 4 * i;
+  return static_cast<uint16_t>(word);
+}
+
 // Settings of the feature image that the FPGA has no register for: its status registers lie there.
 inline constexpr uint32_t kSignedOffsetX = 0x1F0;  // pixels, i32
 inline constexpr uint32_t kSignedOffsetY = 0x1F4;
@@ -43,7 +80,7 @@ inline constexpr uint32_t kMirrorEnd = kSignedOffsetX;  // the image mirrors the
 
 // The registers that a restore and a mapping write in one block.
 inline constexpr uint32_t kFeatureFirst = 0x18;
-inline constexpr uint32_t kFeatureRestoreLength = 0x1F0 - kFeatureFirst;
+inline constexpr uint32_t kFeatureRestoreLength = kMirrorEnd - kFeatureFirst;
 inline constexpr uint32_t kFeatureMappingLength = 430;
 
 inline constexpr uint32_t kTestPatternEnable = 0x00100051;

@@ -7,8 +7,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint32_t kMostPorts = 16;  // of a screen that is calculated at all
-
 // What a connection mode says of a chain, beside the direction of its lines.
 struct ModeTraits {
   bool firstLineReversed;  // the first line runs from right to left, or from bottom to top
@@ -49,13 +47,10 @@ void fillPortTable(const CardChain& chain, std::span<uint8_t, kPortTableSize> ta
   const std::size_t repetitions = repetitionsOf(chain);
   if (repetitions == 0) return;
   ByteWriter once(table);
-  for (uint32_t line = 0; line < chain.lines; ++line) {
-    for (uint32_t card = 0; card < chain.lineLength; ++card) {
-      const CardPosition position = positionOf(chain, line, card);
-      once.le16(position.x);
-      once.le16(position.y);
-    }
-  }
+  forEachCard(chain, [&once](CardPosition position) {
+    once.le16(position.x);
+    once.le16(position.y);
+  });
   const auto first = table.first(once.written());
   for (std::size_t i = 1; i < repetitions; ++i)
     std::copy(first.begin(), first.end(), table.subspan(i * first.size()).begin());
@@ -64,7 +59,7 @@ void fillPortTable(const CardChain& chain, std::span<uint8_t, kPortTableSize> ta
 bool isValid(const SmartScreen& screen) {
   if (screen.cards() == 0 || screen.cardsPerPort == 0) return false;
   if (screen.card.width == 0 || screen.card.height == 0 || screen.mode >= kConnectionModes) return false;
-  return screen.cards() >= screen.cardsPerPort && screen.cards() <= kMostPorts * screen.cardsPerPort;
+  return screen.cards() >= screen.cardsPerPort && screen.cards() <= kOutputPorts * screen.cardsPerPort;
 }
 
 PortSplit splitOf(const SmartScreen& screen) {

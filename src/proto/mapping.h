@@ -7,19 +7,11 @@
 #include <cstdint>
 #include <span>
 
+#include "proto/cardgeometry.h"
+
 namespace ORVE_MCUC {
 
-inline constexpr unsigned kMappedPorts = 10;  // output ports that a screen is cut between
-inline constexpr std::size_t kPortTableEntries = 1024;
-inline constexpr std::size_t kPortTableSize = 4 * kPortTableEntries;  // an entry: X u16, Y u16, little-endian
-inline constexpr std::size_t kPortTablesSize = kMappedPorts * kPortTableSize;
 inline constexpr uint8_t kConnectionModes = 8;
-
-// Pixels of one receiving card.
-struct CardSize {
-  uint16_t width = 128;
-  uint16_t height = 128;
-};
 
 // Cards chained by one cable. Line after line is run through in serpentines: rows in an even connection mode,
 // columns in an odd one. Modes 0 and 1 begin top left, 2 and 3 top right, 4 and 5 bottom left, 6 and 7 bottom
@@ -48,6 +40,13 @@ struct CardPosition {
   bool operator==(const CardPosition&) const = default;
 };
 CardPosition positionOf(const CardChain& chain, uint32_t line, uint32_t card);
+// Calls use(position) for each card in the order of the cable.
+template <class Use>
+void forEachCard(const CardChain& chain, Use use) {
+  for (uint32_t line = 0; line < chain.lines; ++line) {
+    for (uint32_t card = 0; card < chain.lineLength; ++card) use(positionOf(chain, line, card));
+  }
+}
 
 // Times that a chain fits into a port table as a whole; 0 for a chain that is empty or longer than the table.
 constexpr std::size_t repetitionsOf(const CardChain& chain) {

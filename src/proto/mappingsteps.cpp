@@ -11,9 +11,6 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr unsigned int kBlock = 1024;  // bytes of a port table that go to the FPGA at once
-constexpr std::size_t kStoredScreenPara = 15;
-constexpr std::size_t kCardSizeAt = 6;  // of the screen parameters
-constexpr std::size_t kLayoutAt = 10;
 
 uint16_t low16(uint32_t value) {
   return static_cast<uint16_t>(value);
@@ -81,21 +78,28 @@ void logScreenChangeCounter(uint8_t counter) {
 
 bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
                      const char* failed) {
-  std::array<uint8_t, kStoredScreenPara> bytes{1, 0x55};
-  putLe16(bytes, kCardSizeAt, card.width);
-  putLe16(bytes, kCardSizeAt + 2, card.height);
-  std::copy(layout.begin(), layout.end(), bytes.begin() + kLayoutAt);
-  if (!store.ScreenParaReg.copyFrom(bytes)) return false;
+  std::array<uint8_t, screenpara::kStored> bytes{1, 0x55};
+  putLe16(bytes, screenpara::kCardSizeAt, card.width);
+  putLe16(bytes, screenpara::kCardSizeAt + 2, card.height);
+  std::copy(layout.begin(), layout.end(), bytes.begin() + screenpara::kLayoutAt);
+  store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
   const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenPara, bytes.size(), bytes.data());
   if (ret != 0) PARLEND_TRACE(kError) << failed << ret;
   return ret == 0;
 }
 
 int readScreenPara(Data_Global& store) {
-  std::array<uint8_t, kStoredScreenPara> bytes{};
+  std::array<uint8_t, screenpara::kStored> bytes{};
   const int ret =
       DriverUtil::getInstance()->ReadBytesFromFlash(flash::kScreenPara, bytes.size(), bytes.data());
-  return ret == 0 && !store.ScreenParaReg.copyFrom(bytes) ? -1 : ret;
+  if (ret == 0) store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
+  return ret;
+}
+
+void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
+  PARLEND_TRACE(kInfo) << (runsAlongRows(screen.mode) ? "horizontal line: RowOrColInOnePort = "
+                                                      : "vertical line: RowOrColInOnePort = ")
+                       << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
 }
 
 void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller) {
@@ -109,7 +113,8 @@ void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const cha
     PARLEND_TRACE(kInfo) << "Weite CardNumEachPort " << port << " : addr" << CTrace::hex << at
                          << " Para: " << count;
     if (low != 0 || high != 0)
-      PARLEND_TRACE(kError) << "=== " << caller << " ===the card count of port " << port << " was not written.";
+      PARLEND_TRACE(kError) << "=== " << caller << " ===the card count of port " << port
+                            << " was not written.";
   }
 }
 
@@ -133,8 +138,7 @@ void updatePortTable(unsigned int port, const CardChain& chain) {
 }
 
 void writeAndSaveFeature(Data_Global& store, const char* caller) {
-  std::array<uint8_t, fpga::kFeatureMappingLength> bytes{};
-  if (!store.SendParameterReg.copyTo(bytes, fpga::kFeatureFirst)) return;
+  const auto bytes = store.SendParameterReg.part<fpga::kFeatureFirst, fpga::kFeatureMappingLength>();
   writeFpga(fpga::kFeatureFirst, bytes, caller);
   store.SaveParaToFlash(1);
 }

@@ -42,6 +42,9 @@ bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t,
 // The same 15 bytes from flash; the image keeps what it holds when they cannot be read.
 int readScreenPara(Data_Global& store);
 
+// How many lines and cards a port takes, to the log.
+void logPortLoad(const SmartScreen& screen, const PortSplit& split);
+
 // Card counts of ports 0..9, to the image of the number table and byte by byte to the FPGA.
 void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller);
 // A port's table of positions from the image to the FPGA, in four blocks. 0, or the first failure.

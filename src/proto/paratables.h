@@ -15,12 +15,15 @@ inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced co
 inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
 inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
 
-// Where the smart configuration being calculated lies in them.
-inline constexpr std::size_t kTempRowsAt = 2;  // of MyTempParaTable, u16 each
-inline constexpr std::size_t kTempColumnsAt = 4;
-inline constexpr std::size_t kTempCardsPerPortAt = 6;
-inline constexpr std::size_t kTempModeAt = 0;  // of MyTempParaCharTable
+// Byte 2 of the character table: master/backup of the configuration being calculated.
 inline constexpr std::size_t kTempRoleAt = 2;
+
+// Screen parameters that are kept in flash.
+namespace screenpara {
+inline constexpr std::size_t kStored = 15;
+inline constexpr std::size_t kCardSizeAt = 6;  // width u16, height u16, in pixels
+inline constexpr std::size_t kLayoutAt = 10;   // rows, columns, connection mode, cards per port u16
+}  // namespace screenpara
 
 // Working values of the advanced configuration, ports 0..9.
 using PortValues = std::array<RelaxedValue<uint16_t>, 10>;

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "mcucdatablock.h"
+#include "proto/cardgeometry.h"
 #include "proto/fpgamap.h"
-#include "proto/mapping.h"
 
 namespace ORVE_MCUC {
 

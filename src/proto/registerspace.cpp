@@ -15,13 +15,15 @@ void banner(const char* begin, const char* keyName) {
                        << " message to list===========================";
 }
 
-// A work item for a payload of that length, which is at payload. Nothing, and logged, without memory.
-std::unique_ptr<MCUProcessDataBlock> makeItem(const IMD_proto3rd& request, int32_t key, std::size_t length,
+// A work item for a payload of that length, which is at payload. Nothing, and the request refused, without
+// memory.
+std::unique_ptr<MCUProcessDataBlock> makeItem(IMD_proto3rd& request, int32_t key, std::size_t length,
                                               std::span<uint8_t>& payload) {
   std::unique_ptr<MCUProcessDataBlock> block(new (std::nothrow) MCUProcessDataBlock);
   char* room = block ? block->allocate(static_cast<int>(length)) : nullptr;
   if (room == nullptr) {
     PARLEND_TRACE(kError) << "=== MCUProcessDataBlock ===: new a pDataBlock, but it's NULL. return.";
+    request.proto.m_ucAck = kAckRefused;
     return nullptr;
   }
   payload = {reinterpret_cast<uint8_t*>(room), length};
@@ -57,10 +59,7 @@ int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName) {
   }
   std::span<uint8_t> payload;
   auto block = makeItem(*request, key, kPenetrateHeadLength + proto.m_data.size(), payload);
-  if (!block) {
-    request->proto.m_ucAck = kAckRefused;
-    return kRefused;
-  }
+  if (!block) return kRefused;
   ByteWriter writer(payload);
   writer.le32(proto.m_uiRegisterUnitAddress);
   writer.le16(proto.m_usValidDataLength);
@@ -70,8 +69,7 @@ int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName) {
   return kDone;
 }
 
-int queuePayload(const IMD_proto3rd& request, int32_t key, const char* keyName,
-                 std::span<const uint8_t> payload) {
+int queuePayload(IMD_proto3rd& request, int32_t key, const char* keyName, std::span<const uint8_t> payload) {
   banner("Begin", keyName);
   std::span<uint8_t> room;
   auto block = makeItem(request, key, payload.size(), room);

@@ -31,8 +31,7 @@ void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes);
 // 0; kRefused for no request, more data than an item holds or no memory; kBadAccess for a write without data.
 int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName);
 // Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
-int queuePayload(const IMD_proto3rd& request, int32_t key, const char* keyName,
-                 std::span<const uint8_t> payload);
+int queuePayload(IMD_proto3rd& request, int32_t key, const char* keyName, std::span<const uint8_t> payload);
 
 // Reads for a read, writes for a write: the common body of the handling operations.
 template <class Read, class Write>

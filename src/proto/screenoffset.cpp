@@ -58,8 +58,7 @@ void applyScreenOffset(const ByteImage<512>& image) {
   if (mode == kNoOffsets) return;
   writeWord(fpga::kScreenDirectionX, 0);
   writeWord(fpga::kScreenDirectionY, 0);
-  std::array<uint8_t, 4> offsets{};
-  if (image.copyTo(offsets, fpga::kScreenOffsetX)) writeFpga(fpga::kScreenOffsetX, offsets, kCaller);
+  writeFpga(fpga::kScreenOffsetX, image.part<fpga::kScreenOffsetX, 4>(), kCaller);
 }
 
 }  // namespace ORVE_MCUC

@@ -34,8 +34,8 @@ inline constexpr std::size_t kPortColumnsAt = 7;
 inline constexpr std::size_t kPortXAt = 9;     // u16
 inline constexpr std::size_t kPortYAt = 0x0B;  // u16
 
-// A smart configuration from a record of at least kUsedSize bytes; the card size is not in it.
-constexpr SmartScreen smartScreenOf(std::span<const uint8_t> record) {
+// The smart configuration of a record; the card size is not in it.
+constexpr SmartScreen smartScreenOf(std::span<const uint8_t, kUsedSize> record) {
   SmartScreen screen;
   screen.rows = record[kRowsAt];
   screen.columns = record[kColumnsAt];
@@ -44,8 +44,16 @@ constexpr SmartScreen smartScreenOf(std::span<const uint8_t> record) {
   return screen;
 }
 
-// A port's block of kPortSize bytes; a port without rows or columns counts as one of 1 x 1.
-constexpr AdvancedPort advancedPortOf(std::span<const uint8_t> block) {
+// The same into a record; rows and columns up to 255.
+constexpr void putSmartScreen(std::span<uint8_t, kUsedSize> record, const SmartScreen& screen) {
+  record[kRowsAt] = static_cast<uint8_t>(screen.rows);
+  record[kColumnsAt] = static_cast<uint8_t>(screen.columns);
+  putLe16(record, kCardsPerPortAt, screen.cardsPerPort);
+  record[kModeAt] = screen.mode;
+}
+
+// A port's block; a port without rows or columns counts as one of 1 x 1.
+constexpr AdvancedPort advancedPortOf(std::span<const uint8_t, kPortSize> block) {
   const auto atLeastOne = [](uint8_t count) -> uint16_t { return count == 0 ? 1 : count; };
   return {block[kPortModeAt], atLeastOne(block[kPortRowsAt]), atLeastOne(block[kPortColumnsAt]),
           le16(block, kPortXAt), le16(block, kPortYAt)};

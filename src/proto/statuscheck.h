@@ -42,25 +42,18 @@ auto framed(const StatusWords& words, Tell tell) {
   };
 }
 
-template <std::size_t N>
-std::array<uint8_t, N> bytesOf(const ByteImage<N>& image) {
-  std::array<uint8_t, N> bytes{};
-  static_cast<void>(image.copyTo(bytes));
-  return bytes;
-}
-
 // Calls tell(now) when now is not what it was last, and then remembers it.
 template <std::size_t N, class Tell>
 void compareStatus(ByteImage<N>& last, std::span<const uint8_t, N> now, Tell tell) {
-  const auto was = bytesOf(last);
+  const auto was = last.bytes();
   if (std::equal(was.begin(), was.end(), now.begin())) return;
   tell(std::span<const uint8_t>(now));
-  static_cast<void>(last.copyFrom(now));
+  last.template put<0>(now);
 }
 
 template <std::size_t N, class Tell>
 void checkStatus(ByteImage<N>& last, std::span<const StatusBlock> blocks, Tell tell) {
-  auto now = bytesOf(last);
+  auto now = last.bytes();
   readStatus(blocks, now);
   compareStatus(last, std::span<const uint8_t, N>(now), tell);
 }

@@ -4,6 +4,7 @@
 
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/cardgeometry.h"
 #include "proto/fpgamap.h"
 #include "proto/tshl_ctl.h"
 
@@ -11,11 +12,9 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr unsigned int kAllPorts = 0xFF;
-constexpr unsigned int kPorts = 16;
 constexpr unsigned int kPortsOfNetByte = 4;
 constexpr unsigned int kPortsOfFiberByte = 8;
 constexpr unsigned int kBytesOfFiberPath = 2;
-constexpr uint8_t kNoFiberModule = 0xA0;
 
 // Registers of the FPGA; zeros, and an Error line, when they cannot be read.
 template <std::size_t Length>
@@ -34,7 +33,7 @@ unsigned char Tshl_ctl::PortLinkVerify(unsigned char PortAddr) {
     PARLEND_TRACE(kError) << "=== PortLinkVerify === PortAddr = 0xFF, LinkVerify = 1 , return 1";
     return 1;
   }
-  if (PortAddr >= kPorts) {
+  if (PortAddr >= kOutputPorts) {
     PARLEND_TRACE(kError) << "=== PortLinkVerify ===NetPort = " << PortAddr << " is invalid! ";
     return 0;
   }
@@ -44,7 +43,7 @@ unsigned char Tshl_ctl::PortLinkVerify(unsigned char PortAddr) {
   if ((net[PortAddr / kPortsOfNetByte] >> PortAddr % kPortsOfNetByte & 1) != 0) return 1;
   const unsigned int at = PortAddr / kPortsOfFiberByte;
   const int paths = fiber[at] | fiber[at + kBytesOfFiberPath];
-  if (module != kNoFiberModule && (paths >> PortAddr % kPortsOfFiberByte & 1) != 0) return 1;
+  if (module != fpga::kFiberModuleBits && (paths >> PortAddr % kPortsOfFiberByte & 1) != 0) return 1;
   const unsigned int first = PortAddr / kPortsOfNetByte * kPortsOfNetByte;
   PARLEND_TRACE(kError) << "=== PortLinkVerify ===((PortAddr>=" << int(first)
                         << ")&&(PortAddr<=" << int(first + kPortsOfNetByte - 1) << ")) no linked , return 0";

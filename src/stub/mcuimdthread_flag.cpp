@@ -16,7 +16,7 @@ constexpr int kTickMs = 200;
 constexpr uint8_t kHighestResetState = 3;
 constexpr int kNotConnected = -1;
 
-// Every status counts as changed from here on, except those that are zero.
+// Every status counts as changed from here on, except those that are zero, and a fiber link of 0xFF.
 void forgetPushes() {
   Data_Global& store = *Data_Global::getInstance();
   store.SendRedundStatustoLSD_buff.fill(0);

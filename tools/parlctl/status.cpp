@@ -11,6 +11,7 @@
 #include "proto/fpgamap.h"
 #include "proto/registermap.h"
 #include "proto/shortcutrecord.h"
+#include "wall_daemon.h"
 
 namespace parlctl {
 
@@ -44,15 +45,6 @@ std::vector<unsigned> portsOf(unsigned bits) {
   for (unsigned port = 0; port < peer::kPorts; ++port)
     if ((bits >> port & 1) != 0) ports.push_back(port);
   return ports;
-}
-
-unsigned copperLinks(const Bytes& registers) {
-  constexpr std::array kFourPortsEach{fpga::kNetLinkPorts1To4, fpga::kNetLinkPorts5To8,
-                                      fpga::kNetLinkPorts9To16, fpga::kNetLinkPorts9To16 + 1};
-  unsigned bits = 0;
-  for (std::size_t i = 0; i < kFourPortsEach.size(); ++i)
-    bits |= (registers[kFourPortsEach[i]] & 0x0FU) << 4 * i;
-  return bits;
 }
 
 // Registers that lie apart as one text of digits.
@@ -108,7 +100,8 @@ std::string howConfigured(uint8_t status) {
 
 Json ofWall(const std::optional<Bytes>& told) {
   if (!told) return nullptr;
-  const ORVE_MCUC::SmartScreen screen = shortcut::smartScreenOf(*told);
+  const ORVE_MCUC::SmartScreen screen =
+      shortcut::smartScreenOf(std::span<const uint8_t>(*told).first<shortcut::kUsedSize>());
   return {{"configured", howConfigured((*told)[shortcut::kStatusAt])},
           {"rows", screen.rows},
           {"columns", screen.columns},

@@ -1,6 +1,8 @@
 #include "wall_daemon.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <chrono>
 #include <thread>
 
@@ -23,6 +25,10 @@ constexpr std::size_t kWrittenEnd = shortcut::kCardsPerPortAt + 2;  // mode to c
 
 constexpr peer::milliseconds kShortestWait{5000};
 constexpr peer::milliseconds kPause{50};
+
+std::span<const uint8_t, shortcut::kUsedSize> used(const Bytes& record) {
+  return std::span(record).first<shortcut::kUsedSize>();
+}
 
 std::vector<ReadBack> waysToRead(const Options& options, peer::Peer& daemon) {
   std::vector<ReadBack> ways{{"position registers",
@@ -53,32 +59,29 @@ CardSize cardSize(peer::Peer& daemon) {
 
 Configured configuredScreen(peer::Peer& daemon) {
   const Bytes record = daemon.read(reg::kShortcutConfigScreen, shortcut::kRecordSize);
-  return {.screen = {.rows = record[shortcut::kRowsAt],
-                     .columns = record[shortcut::kColumnsAt],
-                     .cardsPerPort = map::le16(record, shortcut::kCardsPerPortAt),
-                     .mode = record[shortcut::kModeAt],
-                     .card = cardSize(daemon)},
-          .inForce = record[shortcut::kStatusAt] == shortcut::kSmart};
+  Configured configured{.screen = shortcut::smartScreenOf(used(record)),
+                        .inForce = record[shortcut::kStatusAt] == shortcut::kSmart};
+  configured.screen.card = cardSize(daemon);
+  return configured;
+}
+
+uint16_t copperLinks(std::span<const uint8_t> registers) {
+  std::array<uint8_t, fpga::kNetLinks.size()> bytes{};
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = registers[fpga::kNetLinks[i]];
+  return fpga::netLinkWord(bytes);
 }
 
 unsigned linkedPorts(peer::Peer& daemon) {
   const Bytes registers = daemon.read(reg::kTestPrint, fpga::kFiberBelowLink + 4);
-  constexpr std::array<uint32_t, 3> kCopper{fpga::kNetLinkPorts1To4, fpga::kNetLinkPorts5To8,
-                                            fpga::kNetLinkPorts9To16};
-  unsigned links =
-      map::le16(registers, fpga::kFiberBelowLink) | map::le16(registers, fpga::kFiberBelowLink + 2);
-  for (unsigned i = 0; i < kCopper.size(); ++i) links |= (registers[kCopper[i]] & 0x0FU) << (4 * i);
-  unsigned count = 0;
-  while (count < map::kMappedPorts && (links >> count & 1) != 0) ++count;
+  const unsigned links = copperLinks(registers) | map::le16(registers, fpga::kFiberBelowLink) |
+                         map::le16(registers, fpga::kFiberBelowLink + 2);
+  const auto count = static_cast<unsigned>(std::min<int>(std::countr_one(links), map::kMappedPorts));
   return count == 0 ? map::kMappedPorts : count;
 }
 
 void submit(peer::Peer& daemon, const SmartScreen& screen) {
   Bytes record = daemon.read(reg::kShortcutConfigScreen, shortcut::kRecordSize);
-  record[shortcut::kModeAt] = screen.mode;
-  record[shortcut::kRowsAt] = static_cast<uint8_t>(screen.rows);
-  record[shortcut::kColumnsAt] = static_cast<uint8_t>(screen.columns);
-  map::putLe16(record, shortcut::kCardsPerPortAt, screen.cardsPerPort);
+  shortcut::putSmartScreen(std::span(record).first<shortcut::kUsedSize>(), screen);
   daemon.write(reg::kShortcutConfigScreen + shortcut::kModeAt,
                Bytes(record.begin() + shortcut::kModeAt, record.begin() + kWrittenEnd));
 }

@@ -18,6 +18,8 @@ struct Configured {
 Configured configuredScreen(peer::Peer& daemon);
 // Ports 0, 1, ... with a link, over copper or fiber, up to the first without; all when port 0 has none.
 unsigned linkedPorts(peer::Peer& daemon);
+// Copper links of ports 0..15 from the feature registers, of which at least 0x128 are given.
+uint16_t copperLinks(std::span<const uint8_t> registers);
 // Sends a configuration. Bytes of the record that do not belong to it stay as they are.
 void submit(peer::Peer& daemon, const SmartScreen& screen);
 

@@ -54,12 +54,9 @@ std::string limit(const SmartScreen& screen) {
 std::vector<Pixel> absolute(const map::CardChain& chain, Pixel offset) {
   std::vector<Pixel> cards;
   cards.reserve(chain.cards());
-  for (uint32_t line = 0; line < chain.lines; ++line) {
-    for (uint32_t card = 0; card < chain.lineLength; ++card) {
-      const map::CardPosition position = map::positionOf(chain, line, card);
-      cards.push_back({offset.x + position.x, offset.y + position.y});
-    }
-  }
+  map::forEachCard(chain, [&](map::CardPosition position) {
+    cards.push_back({offset.x + position.x, offset.y + position.y});
+  });
   return cards;
 }
 

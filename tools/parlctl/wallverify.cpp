@@ -15,15 +15,9 @@ namespace map = ORVE_MCUC;
 
 constexpr std::size_t kPiece = 2048;  // bytes of a read: every way gives as much at once
 
-// The records of the ports among the feature registers: width, height, X, Y, 16 bits each, and one byte more.
-constexpr uint32_t kRecordSize = 9;
-constexpr uint32_t kRecordsFirst = 0x51;
-constexpr uint32_t kRecordsEnd = 0x131 + 2 * kRecordSize;
-constexpr uint32_t recordOf(unsigned port) {
-  constexpr std::array<uint32_t, 3> kBases{kRecordsFirst, 0xB1, 0x131};  // four ports each
-  return kBases[port / 4] + kRecordSize * (port % 4);
-}
-static_assert(recordOf(map::kMappedPorts) == kRecordsEnd);
+// All windows, from the first port's to the last one's.
+constexpr uint32_t kWindowsFirst = map::fpga::portWindow(0);
+constexpr uint32_t kWindowsEnd = map::fpga::portWindow(map::kMappedPorts);
 
 struct Window {
   PixelSize size;
@@ -33,12 +27,12 @@ struct Window {
 };
 
 peer::Bytes readRecords(const ReadBack& way) {
-  return way.read(kRecordsFirst, kRecordsEnd - kRecordsFirst);
+  return way.read(kWindowsFirst, kWindowsEnd - kWindowsFirst);
 }
 
 Window windowIn(const peer::Bytes& records, unsigned port) {
-  map::ByteReader record(
-      std::span<const uint8_t>(records).subspan(recordOf(port) - kRecordsFirst, kRecordSize));
+  map::ByteReader record(std::span<const uint8_t>(records).subspan(
+      map::fpga::portWindow(port) - kWindowsFirst, map::fpga::kWindowSize));
   Window window;
   window.size.width = record.le16();
   window.size.height = record.le16();

@@ -4,6 +4,7 @@
 #include "../platform/board_fixture.h"
 #include "driverutil.h"
 #include "mcucutil.h"
+#include "proto/cardtasks.h"
 #include "proto/data_common.h"
 #include "proto/tshl_ctl.h"
 
@@ -221,6 +222,20 @@ TEST_F(PortLinkTest, WhatCannotBeReadCountsAsNoLinkAndAllPortsAreNotAsked) {
   failNext(Fault::FpgaRead, kEveryCall);
   EXPECT_EQ(Tshl_ctl::PortLinkVerify(5), 0);
   EXPECT_EQ(Tshl_ctl::PortLinkVerify(0xFF), 1);
+}
+
+TEST(CardPauses, FollowTheKindOfCardAndTheAddressReached) {
+  constexpr uint32_t kCorrection = 0x07000200;
+  Data_Global::getInstance()->_gCorroentHighSpeed = 0;
+  EXPECT_EQ(kReceivingCards.pause(0x02000201), 10000);
+  EXPECT_EQ(kReceivingCards.pause(kCorrection), 5000);
+  Data_Global::getInstance()->_gCorroentHighSpeed = 1;
+  EXPECT_EQ(kReceivingCards.pause(kCorrection), 200);
+  EXPECT_EQ(kReceivingCards.pause(0x08000000), 10000);
+  EXPECT_EQ(kMultiCards.pause(kCorrection), 23000);
+  EXPECT_EQ(kDistributionCards.pause(kCorrection), 25000);
+  EXPECT_EQ(kLaunchers3D.pause(kCorrection), 5000);
+  Data_Global::deleteInstance();
 }
 
 }  // namespace

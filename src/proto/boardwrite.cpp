@@ -8,8 +8,8 @@ namespace {
 
 int reported(int ret, const char* what, uint32_t address, std::size_t length, const char* caller) {
   if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== " << caller << " ===" << length << " bytes for " << what << " " << CTrace::hex
-                          << address << " were not written. ret = " << ret;
+    PARLEND_TRACE(kError) << "=== " << caller << " ===" << length << " bytes for " << what << " "
+                          << CTrace::hex << address << " were not written. ret = " << ret;
   }
   return ret;
 }

@@ -88,7 +88,8 @@ void mapPort(unsigned int port, const CardChain& chain) {
                        << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
                        << chain.lines;
   updatePortTable(port, chain);
-  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth " << chain.card.width;
+  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth "
+                       << chain.card.width;
   if (const int ret = writePortTable(port)) {
     PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
                           << " was not written. ret = " << ret;

@@ -24,7 +24,8 @@ bool StubUtil::initialize() {
   apipc_init(taskOf(kServiceParlend), 0);
   Data_Global::getInstance()->SNTransfer();
   Data_Global::getInstance()->ReadHardwareInfo();
-  // Fills the images, so that requests and saves find what was saved; the FPGA itself follows once it is loaded.
+  // Fills the images, so that requests and saves find what was saved; the FPGA itself follows once it is
+  // loaded.
   Data_Global::getInstance()->RestoreFPGA();
   SetEnvParlendVerToRootfs();
   if (!creatIMDComm() || !creatProcess() || !creatFpgaReport()) return false;

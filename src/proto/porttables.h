@@ -33,7 +33,7 @@ inline constexpr std::size_t kBitDepthMarkAt = 0x109;  // of VsPartPara: bit dep
 
 // A port's card count: u16, 0..9.
 constexpr std::size_t cardCountAt(unsigned port) {
-  return kNumberPortParts[port / 4].at + 0x20 * (port % 4);
+  return kNumberPortParts[port / 4].at + std::size_t{0x20} * (port % 4);
 }
 constexpr uint32_t cardCountOnFpga(unsigned port) {
   return kNumberPortParts[port / 4].fpga + 0x20 * (port % 4);

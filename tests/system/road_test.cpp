@@ -27,8 +27,8 @@ Bytes whole(const peer::Message& reply) {
 
 const Lines kTaken{
     "Info Apipc ipc_event_deal begin...",
-    "Info Apipc, Get a new Packet: ihead_t uiid = 0x010a5000 label count = 305419896 size = 0"
-    " large label = 28 small label = 0",
+    ("Info Apipc, Get a new Packet: ihead_t uiid = 0x010a5000 label count = 305419896 size = 0"
+     " large label = 28 small label = 0"),
     "Info ============================= Begin Deal DataBlock ==============================",
     "Info Apipc: the new Packet's datalength = {length} the Data = {request}",
     "Info revise = {computed}, iDataLen = {length}, usCheckout={carried}",
@@ -97,14 +97,14 @@ const Road kRoads[] = {
     {.name = "AQueuedWrite",
      .request = {.code = peer::kWrite, .address = 0x02300010, .length = 3, .data = {1, 0xAB, 0xFF}},
      .task = {kBeginTask, "Info Recv Register Address : 0x02300010 length : 3",
-              "Info ============================ Begin add DoBackupInfoKey message to "
-              "list===========================",
+              ("Info ============================ Begin add DoBackupInfoKey message to "
+               "list==========================="),
               "Info  Register: 0x02300010 len: 3",
               "Debug  <<<<<<<<<<<< Add apipc data list Begin >>>>>>>>>>>>",
               "Debug  <<<<<<<<<<<< Add apipc data list Lock   >>>>>>>>>>>>",
               "Debug  <<<<<<<<<<<< Add apipc data list UnLock   >>>>>>>>>>>>",
-              "Info ============================ Finish add DoBackupInfoKey message to "
-              "list===========================",
+              ("Info ============================ Finish add DoBackupInfoKey message to "
+               "list==========================="),
               kFinishTask},
      .trailer = kWriteTrailer,
      .work = {"Info ============================ Begin Sprocess_DoBackupInfo ===========================",

@@ -137,7 +137,7 @@ void Tprocess_ctl::SendRedundtoLSD() {
 }
 
 void Tprocess_ctl::SendNetLinktoLSD() {
-  checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, [this](std::span<const uint8_t> now) {
+  const auto pushGroups = [this](std::span<const uint8_t> now) {
     logNetLinks(now.first<4>());
     SendNetLinktoLSD1_4();
     SendNetLinktoLSD5_8();
@@ -145,8 +145,10 @@ void Tprocess_ctl::SendNetLinktoLSD() {
     store().LinkStateChanged = kLinkChanged;
     PARLEND_TRACE(kInfo)
         << "============SendNetLinktoLSD====== Finish send NetLink info to LSD ======================";
-  });
-  store().GigaPhyLinkSta = fpga::netLinkWord(store().SendNetLinktoLSD_buff.part<0, 4>());
+  };
+  // Forgotten pushes and a bus that cannot be read do not make linked ports unlinked.
+  if (checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, pushGroups))
+    store().GigaPhyLinkSta = fpga::netLinkWord(store().SendNetLinktoLSD_buff.part<0, 4>());
 }
 
 void Tprocess_ctl::SendFiberLinktoLSD() {

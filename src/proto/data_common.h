@@ -104,7 +104,7 @@ class Data_Global {
   void SendRebootMsgtoLSD(std::span<const uint8_t> data);
   void SendRVCardWHtoLSD();
   // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
-  // cannot be read are pushed as they were; beyond 0x1EF the image mirrors no registers.
+  // cannot be read are pushed as they were. Nothing beyond 0x1EF, where the image mirrors no registers.
   void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine = kSendDate);
   void SendMStoLSD1_4();
   void SendMStoLSD5_8();

@@ -91,7 +91,7 @@ bool placeCards(const SmartScreen& screen, const PortSplit& split) {
     const CardChain chain = chainAt(screen, split, port);
     if (repetitionsOf(chain) == 0) continue;
     if (port >= kMappedPorts) {
-      constexpr int kEntry = 0;
+      constexpr int kEntry = 0;  // the first card lies beyond already
       PARLEND_TRACE(kInfo) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
       return false;
     }
@@ -104,13 +104,8 @@ bool placeCards(const SmartScreen& screen, const PortSplit& split) {
 
 // Ports beyond the used ones carry the same cards as these.
 void repeatTables(const PortSplit& split) {
-  std::array<uint8_t, kPortTableSize> table{};
-  for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
-    if (!PortsTopoPara.copyTo(table, portTableAt(placeOf(split, port))) ||
-        !PortsTopoPara.copyFrom(table, portTableAt(port))) {
-      return;
-    }
-  }
+  for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port)
+    setPortTable(port, portTable(placeOf(split, port)));
   if (split.UsedPortNum > kMappedPorts) return;
   const char* digit = &"0123456789A"[split.UsedPortNum];
   PARLEND_TRACE(kInfo) << "cacl 0x3000000 0x0" << std::string_view(digit, 1) << " end";

@@ -57,7 +57,8 @@ void Data_Global::SendRVCardWHtoLSD() {
 
 void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine) {
   std::array<uint8_t, 8> bytes{};
-  const auto data = std::span(bytes).first(std::min(length, bytes.size()));
+  if (length > bytes.size() || !fits(fpga::kMirrorEnd, fpgaRegister, length)) return;
+  const auto data = std::span(bytes).first(length);
   if (!refreshMirror(fpgaRegister, data)) return;
   logPush(logLine, reg::ofFeature(fpgaRegister), data.size());
   push(kServiceLsd, reg::ofFeature(fpgaRegister), data);

@@ -130,7 +130,7 @@ void restorePortTables(bool online) {
     const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kPositionTables + at, table.size(),
                                                                   table.data());
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
-    if (ret == 0 && !PortsTopoPara.copyFrom(table, at)) return;
+    if (ret == 0) setPortTable(port, table);
     if (!online) continue;
     const int written = writePortTable(port);
     PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
@@ -164,9 +164,10 @@ void restoreNumberTable(bool online) {
       DriverUtil::getInstance()->ReadBytesFromFlash(flash::kNumberTable, table.size(), table.data());
   if (ret != 0) PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
   if (ret == 0) VsPartPara.put<0>(std::span<const uint8_t, VsPartPara.size()>(table));
+  table = VsPartPara.bytes();
   if (tracePasses(kInfo))
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
-  if (online) writeNumberParts(VsPartPara.bytes());
+  if (online) writeNumberParts(table);
 }
 
 void endRestore(Data_Global& store) {

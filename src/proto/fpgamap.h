@@ -81,7 +81,7 @@ inline constexpr uint32_t kMirrorEnd = kSignedOffsetX;  // the image mirrors the
 // The registers that a restore and a mapping write in one block.
 inline constexpr uint32_t kFeatureFirst = 0x18;
 inline constexpr uint32_t kFeatureRestoreLength = kMirrorEnd - kFeatureFirst;
-inline constexpr uint32_t kFeatureMappingLength = 430;
+inline constexpr uint32_t kFeatureMappingLength = 0x1C6 - kFeatureFirst;
 
 inline constexpr uint32_t kTestPatternEnable = 0x00100051;
 inline constexpr uint32_t kReportEnable = 0x00100070;

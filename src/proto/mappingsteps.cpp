@@ -119,8 +119,8 @@ void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const cha
 }
 
 int writePortTable(unsigned int port) {
-  std::array<uint8_t, kPortTableSize> table{};
-  if (!PortsTopoPara.copyTo(table, portTableAt(port))) return -1;
+  if (port >= kMappedPorts) return -1;
+  const auto table = portTable(port);
   int result = 0;
   for (unsigned int at = 0; at < kPortTableSize; at += kBlock) {
     const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(0, 0, portTableOnFpga(port) + at, kBlock,
@@ -131,10 +131,9 @@ int writePortTable(unsigned int port) {
 }
 
 void updatePortTable(unsigned int port, const CardChain& chain) {
-  std::array<uint8_t, kPortTableSize> table{};
-  if (!PortsTopoPara.copyTo(table, portTableAt(port))) return;
+  auto table = portTable(port);
   fillPortTable(chain, table);
-  if (!PortsTopoPara.copyFrom(table, portTableAt(port))) return;
+  setPortTable(port, table);
 }
 
 void writeAndSaveFeature(Data_Global& store, const char* caller) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "mcucdatablock.h"
 #include "proto/cardgeometry.h"
@@ -46,6 +47,16 @@ constexpr std::size_t portTableAt(unsigned port) {
 }
 constexpr uint32_t portTableOnFpga(unsigned port) {
   return fpga::kPositionTables + static_cast<uint32_t>(portTableAt(port));
+}
+
+// A port's table in the image: zeros, and nothing written, for a port that has none.
+inline std::array<uint8_t, kPortTableSize> portTable(unsigned port) {
+  std::array<uint8_t, kPortTableSize> table{};
+  static_cast<void>(PortsTopoPara.copyTo(table, portTableAt(port)));
+  return table;
+}
+inline void setPortTable(unsigned port, std::span<const uint8_t, kPortTableSize> table) {
+  static_cast<void>(PortsTopoPara.copyFrom(table, portTableAt(port)));
 }
 
 }  // namespace ORVE_MCUC

@@ -29,8 +29,8 @@ void logChange(const StatusWords& words, std::span<const uint8_t> now);
 void logTold(const StatusWords& words);
 
 // Reads the blocks one behind the other into now. What cannot be read keeps the value that now has, so that
-// it is no change.
-void readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now);
+// it is no change. Whether everything was read.
+bool readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now);
 
 // What tells of a change, between its two lines.
 template <class Tell>
@@ -51,11 +51,13 @@ void compareStatus(ByteImage<N>& last, std::span<const uint8_t, N> now, Tell tel
   last.template put<0>(now);
 }
 
+// The same for registers. Whether all of them were read.
 template <std::size_t N, class Tell>
-void checkStatus(ByteImage<N>& last, std::span<const StatusBlock> blocks, Tell tell) {
+bool checkStatus(ByteImage<N>& last, std::span<const StatusBlock> blocks, Tell tell) {
   auto now = last.bytes();
-  readStatus(blocks, now);
+  const bool complete = readStatus(blocks, now);
   compareStatus(last, std::span<const uint8_t, N>(now), tell);
+  return complete;
 }
 
 }  // namespace ORVE_MCUC

@@ -228,6 +228,19 @@ TEST_F(MonitorTest, AReadThatFailsIsNoChangeAndTheChangeIsPushedLater) {
   EXPECT_EQ(tick().size(), 9U);
 }
 
+TEST_F(MonitorTest, ALinkIsNotLostToANewConnectionWhoseTickCannotReadIt) {
+  lsdKnowsAll();
+  change({{0x1F, {2}}, {0x1F4, {4}}});
+  tick();
+  EXPECT_EQ(store().linkedPorts(), 0x0006);
+  lsdLeaves();
+  ticker.tick();
+  lsdComes();
+  board().failNext(simboard::Fault::FpgaRead, SharedBoard::kEveryCall);
+  tick();
+  EXPECT_EQ(store().linkedPorts(), 0x0006);
+}
+
 TEST_F(MonitorTest, AnIdleTickReadsEachStatusOnceAndAllocatesNothing) {
   lsdKnowsAll();
   const std::size_t allocated = allocations();

@@ -173,11 +173,12 @@ void set(const Options& options, const WallArguments& arguments) {
     print(options, object, summary(screen) + "\nsent, although " + problem);
     return;
   }
-  writeSvg(WallPlan(screen), arguments.svg);
+  const WallPlan plan(screen);
+  writeSvg(plan, arguments.svg);
   if (arguments.wait)
     report(options, verify(options, daemon, screen));
   else
-    print(options, planJson(WallPlan(screen)), summary(screen) + "\nsent");
+    print(options, planJson(plan), summary(screen) + "\nsent");
 }
 
 void addScreen(CLI::App& verb, const std::shared_ptr<WallArguments>& arguments, const char* portsText) {

@@ -7,7 +7,7 @@
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "platform/driver.h"
-#include "proto/data_common.h"
+#include "proto/store/data_common.h"
 
 namespace ORVE_MCUC {
 namespace {

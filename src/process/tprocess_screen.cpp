@@ -2,17 +2,17 @@
 #include <array>
 #include <optional>
 
+#include "calc/screenrecord.h"
 #include "driverutil.h"
+#include "hextext.h"
+#include "maps/flashmap.h"
+#include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
-#include "proto/boardwrite.h"
-#include "proto/data_common.h"
-#include "proto/flashmap.h"
-#include "proto/fpgamap.h"
-#include "proto/shortcutrecord.h"
-#include "proto/smarttable.h"
-#include "stub/hextext.h"
+#include "proto/store/boardwrite.h"
+#include "proto/store/data_common.h"
+#include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -10,14 +10,14 @@
 #include <cstdlib>
 #include <vector>
 
+#include "calc/mapping.h"
+#include "calc/screenrecord.h"
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "platform/board.h"
 #include "process/tprocess.h"
-#include "proto/addr_shortcutconfigscreenregister.h"
-#include "proto/data_common.h"
-#include "proto/mapping.h"
-#include "proto/shortcutrecord.h"
+#include "proto/spaces/addr_shortcutconfigscreenregister.h"
+#include "proto/store/data_common.h"
 #include "rounds.h"
 
 namespace {

@@ -1,13 +1,13 @@
 #include "process/tprocess.h"
 
+#include "calc/screenrecord.h"
 #include "driverutil.h"
+#include "hextext.h"
+#include "maps/flashmap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
-#include "proto/data_common.h"
-#include "proto/flashmap.h"
-#include "proto/shortcutrecord.h"
+#include "proto/store/data_common.h"
 #include "singleton.h"
-#include "stub/hextext.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <map>
 
+#include "maps/workkeys.h"
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
-#include "proto/processkeys.h"
 #include "stub/mcuprocessdatablock.h"
 
 namespace ORVE_MCUC {

@@ -1,10 +1,10 @@
 // The link and redundancy monitor.
+#include "maps/fpgamap.h"
+#include "maps/registermap.h"
 #include "mcuctrace.h"
 #include "process/tprocess_ctl.h"
-#include "proto/data_common.h"
-#include "proto/fpgamap.h"
-#include "proto/registermap.h"
-#include "proto/statuscheck.h"
+#include "proto/store/data_common.h"
+#include "proto/store/statuscheck.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -2,10 +2,10 @@
 #include <algorithm>
 
 #include "driverutil.h"
+#include "maps/gammamap.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
-#include "proto/data_common.h"
-#include "proto/gammamap.h"
+#include "proto/store/data_common.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "proto/fshl_cmd.h"
+#include "proto/spaces/fshl_cmd.h"
 
 namespace ORVE_MCUC {
 

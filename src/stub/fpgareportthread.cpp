@@ -1,9 +1,9 @@
 #include "stub/fpgareportthread.h"
 
 #include "driverutil.h"
+#include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/fpgamap.h"
-#include "stub/threadstart.h"
+#include "threadstart.h"
 
 namespace ORVE_MCUC {
 

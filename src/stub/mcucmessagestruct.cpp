@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "mcuctrace.h"
-#include "proto/results.h"
+#include "results.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -1,8 +1,8 @@
 #include "stub/mcuimdthread.h"
 
 #include "mcuctrace.h"
-#include "stub/taskid.h"
-#include "stub/threadstart.h"
+#include "taskid.h"
+#include "threadstart.h"
 
 namespace ORVE_MCUC {
 namespace {

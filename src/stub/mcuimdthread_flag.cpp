@@ -4,10 +4,10 @@
 #include "platform/apipc.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
-#include "proto/data_common.h"
+#include "proto/store/data_common.h"
 #include "stub/loadflag.h"
 #include "stub/mcuimdthread.h"
-#include "stub/taskid.h"
+#include "taskid.h"
 
 namespace ORVE_MCUC {
 namespace {

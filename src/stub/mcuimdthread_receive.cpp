@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hextext.h"
 #include "mcuctrace.h"
 #include "mcucutil.h"
-#include "proto/data_common.h"
-#include "proto/results.h"
-#include "stub/hextext.h"
+#include "proto/store/data_common.h"
+#include "results.h"
 #include "stub/mcuimdthread.h"
 #include "stub/stubutil.h"
 

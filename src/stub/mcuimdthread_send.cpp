@@ -1,11 +1,11 @@
 // Replies and notifications: the same steps, with words of their own.
 #include <cstring>
 
+#include "hextext.h"
 #include "mcuctrace.h"
-#include "proto/results.h"
-#include "stub/hextext.h"
+#include "results.h"
 #include "stub/mcuimdthread.h"
-#include "stub/taskid.h"
+#include "taskid.h"
 
 namespace ORVE_MCUC {
 namespace {

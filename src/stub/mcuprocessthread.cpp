@@ -1,7 +1,7 @@
 #include "stub/mcuprocessthread.h"
 
 #include "mcuctrace.h"
-#include "stub/threadstart.h"
+#include "threadstart.h"
 
 namespace ORVE_MCUC {
 

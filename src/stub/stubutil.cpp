@@ -2,7 +2,7 @@
 #include "stub/stubutil.h"
 
 #include "mcuctrace.h"
-#include "proto/results.h"
+#include "results.h"
 #include "stub/fpgareportthread.h"
 #include "stub/mcuimdthread.h"
 #include "stub/mcuprocessthread.h"

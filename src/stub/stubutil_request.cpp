@@ -1,7 +1,7 @@
 // Carrying out one request: destination check, routing, reply.
 #include "mcuctrace.h"
-#include "proto/results.h"
 #include "proto/tshl_ctl.h"
+#include "results.h"
 #include "stub/mcuimdthread.h"
 #include "stub/stubutil.h"
 

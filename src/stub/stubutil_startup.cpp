@@ -4,12 +4,12 @@
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "platform/apipc.h"
-#include "proto/data_common.h"
+#include "proto/store/data_common.h"
 #include "stub/fpgareportthread.h"
 #include "stub/mcuimdthread.h"
 #include "stub/mcuprocessthread.h"
 #include "stub/stubutil.h"
-#include "stub/taskid.h"
+#include "taskid.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -1,8 +1,8 @@
 // Screen configurations: from a peer's write to the tables on the FPGA, into the flash, and back from it.
 #include <random>
 
-#include "proto/advmapping.h"
-#include "proto/mapping.h"
+#include "calc/advmapping.h"
+#include "calc/mapping.h"
 #include "system_test.h"
 
 using namespace ORVE_MCUC;

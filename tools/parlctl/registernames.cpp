@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string_view>
 
-#include "proto/fpgamap.h"
-#include "proto/registermap.h"
+#include "maps/fpgamap.h"
+#include "maps/registermap.h"
 
 namespace parlctl {
 

@@ -6,11 +6,11 @@
 #include <optional>
 #include <span>
 
+#include "calc/screenrecord.h"
 #include "commands.h"
+#include "maps/fpgamap.h"
+#include "maps/registermap.h"
 #include "mcucdatablock.h"
-#include "proto/fpgamap.h"
-#include "proto/registermap.h"
-#include "proto/shortcutrecord.h"
 #include "wall_daemon.h"
 
 namespace parlctl {

@@ -6,10 +6,10 @@
 #include <chrono>
 #include <thread>
 
+#include "calc/screenrecord.h"
+#include "maps/fpgamap.h"
+#include "maps/registermap.h"
 #include "mcucdatablock.h"
-#include "proto/fpgamap.h"
-#include "proto/registermap.h"
-#include "proto/shortcutrecord.h"
 
 namespace parlctl {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "proto/mapping.h"
+#include "calc/mapping.h"
 
 namespace parlctl {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "peer/error.h"
-#include "proto/fpgamap.h"
 
 namespace parlctl {
 

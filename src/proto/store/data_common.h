@@ -1,0 +1,177 @@
+// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the
+// operations that several rooms share. One object for the process, reached from every thread; images and
+// flags are relaxed atomics, so that they behave as plain bytes.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <span>
+
+#include "maps/cardgeometry.h"
+#include "mcucdatablock.h"
+#include "mcucmutex.h"
+#include "proto/store/paratables.h"
+
+namespace ORVE_MCUC {
+
+// Where the X and Y offsets of ports 0..15 lie in the feature image.
+extern const std::array<uint16_t, 16> PortParaXOffsetIndex;
+extern const std::array<uint16_t, 16> PortParaYOffsetIndex;
+
+class Data_Global {
+ public:
+  static Data_Global* getInstance();
+  static void deleteInstance();
+
+  // Boot: environment's serial number to flash, basic hardware page to memory and back.
+  void SNTransfer();
+  void ReadHardwareInfo();
+
+  // The serial number as 8 bytes; left as it is unless the environment holds one that is not blank.
+  void GetEnvSNPara(uint8_t* out);
+  // The model ID as 2 bytes, low byte first; left as it is when the environment holds none.
+  void GetEnvModelIDPara(uint8_t* out);
+  // Factory network settings: environment and interface. 0, -1 when the store does not open, else the result
+  // of setting the address.
+  int SetIPVersion();
+
+  // count hexadecimal characters to count / 2 bytes, high nibble first; any other character counts as 0.
+  static int ASCII2Hex(const char* src, int count, uint8_t* dst);
+
+  // Port records of the feature image: ports 0..15, the Y offset for ports 0..9 only; other ports change
+  // nothing.
+  void PortWidthUpdate(unsigned int port, uint16_t value);
+  void PortHeightUpdate(unsigned int port, uint16_t value);
+  void PortOffsetXUpdate(unsigned int port, uint16_t value);
+  void PortOffsetYUpdate(unsigned int port, uint16_t value);
+  void PortMorSUpdate(unsigned int port, uint8_t value);
+
+  // Bit p: output port p has a link, over copper or one of the fibers.
+  uint16_t linkedPorts() const;
+
+  // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
+  // result, or -1 for another type.
+  int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
+  // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
+  int Read_ScreenSize_FromFlash(uint32_t* out);
+  int Read_CardSize_FromFlash(uint32_t* out);
+  // Stores the output size and counts the change.
+  void ChangeOutScreenPara(uint32_t width, uint32_t height);
+  // Programs bytes of any number into flash, page by page. The last page's result.
+  int CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data);
+  // Writes a diagnostic line to a file when the output size in the feature image is zero.
+  void DebugForScreenZero(int point, unsigned int addr, const char* description);
+  // Measures the receiving cards and puts their size into bytes 6..9 of the screen parameters: 128 x 128 when
+  // it cannot be measured.
+  void refreshCardSizeInScreenPara();
+
+  // Type 0: basic hardware page; type 1: feature, global, position and number parameters. Each failure is
+  // logged and the rest saved all the same.
+  void SaveParaToFlash(int type);
+  // Rebuilds the FPGA from flash; without a loaded FPGA only the images are filled.
+  void RestoreFPGA();
+  // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
+  void SendMasterOrBackup(uint8_t backup);
+  // The same in the image alone.
+  void setPortRoles(uint8_t backup);
+
+  // Measures the receiving cards behind the first linked port, behind port 0 with an optical module. 0; -1
+  // when the size is not a measured one.
+  int GetRecvCardSize_EnvNew();
+  // Smart configuration. table: fields 1, 2, 3 are rows, columns, cards per port; chars: byte 0 connection
+  // mode, byte 2 master/backup. The size step applies the output size at once; the mapping writes windows,
+  // card counts, port tables and roles to the FPGA and saves them.
+  void CalculateParaGetSreenSize(const ByteImage<1024>& table);
+  void CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table, const ByteImage<32>& chars);
+  // Advanced configuration, from the working arrays of the ports: the same two steps. The mapping returns 0,
+  // or kErrPortPara with nothing changed.
+  void AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns, const PortValues& xs,
+                               const PortValues& ys);
+  int AdvCalcParaOfSenderInMosaicMode();
+  // Calculates one port's table of positions and writes it to the FPGA. Port 0..9; x and y change nothing:
+  // positions are relative to the port's block. Returns 0.
+  int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
+                       uint16_t columns);
+  // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
+  // fiber link.
+  void SendRedundStatustoLSD();
+  void SendFiberLinkInfo();
+
+  // Pushes to peers: sent and forgotten.
+  static constexpr char kSendDate[] = "Send Date to LSD, the reg address = ";
+  void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
+  void SendRebootMsgtoLSD(std::span<const uint8_t> data);
+  void SendRVCardWHtoLSD();
+  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
+  // cannot be read are pushed as they were. Nothing beyond 0x1EF, where the image mirrors no registers.
+  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine = kSendDate);
+  void SendMStoLSD1_4();
+  void SendMStoLSD5_8();
+  void SendMStoLSD9_16();
+  void SendFlag_parlendload();
+  void SendC8toVsp();
+
+  RelaxedByte NormalBackupStatus;
+  RelaxedByte PbufMorSMode;  // 0 master, 1 slave
+  RelaxedByte LinkButError;
+  RelaxedByte LEDConfigStatus;  // what configured the screen last
+  RelaxedByte factoryflag;
+  RelaxedByte RWFPGATestflag;                      // 1: the report thread tests FPGA tables
+  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
+  ByteImage<32> TmpCalcScreenPara;
+  CMutexThreadRecursive m_mutex;
+  ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
+  ByteImage<392> ScreenParaReg;         // screen information
+  ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
+  ByteImage<16> SendRedundStatustoLSD_buff;
+  ByteImage<4> SendRedundtoLSD_buff;
+  ByteImage<4> SendNetLinktoLSD_buff;
+  RelaxedByte RebootRF;  // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
+  RelaxedByte ResetMode;
+  RelaxedByte FpgaOnlineFlag;
+  ByteImage<1> fiberlink_buff;
+  ByteImage<1> fiberRedund_buff;
+  ByteImage<1> fiberCopyStatus_buff;
+  ByteImage<2> FiberToNetStatus_buff;
+  ByteImage<2> Fiber1BelowLinkStatus_buff;  // bit p: port p has a link below fiber 1
+  ByteImage<2> Fiber2BelowLinkStatus_buff;
+  ByteImage<2> fiber1BelowTold;  // what LSD was told of them
+  ByteImage<2> fiber2BelowTold;
+  ByteImage<6> SendOptRedundtoLSD_buff;
+  RelaxedByte LocalAddr;
+  ByteImage<4> ScanRecvBuf;
+  RelaxedByte ScanCardID;
+  RelaxedByte sync_hwtime_flag;
+  ByteImage<2> CfgScreenStatus;
+  RelaxedValue<bool> FpgaParaLoadFinish;
+  static constexpr std::array<uint8_t, 4> IsNewFlashTag{0x39, 0xF6, 0xA5, 0x5A};  // marks a formatted flash
+  RelaxedByte ShortCfgReadRvStatus;
+  RelaxedValue<uint16_t> GigaPhyLinkSta;
+  RelaxedByte OptModuleLinkSta;
+  RelaxedValue<CardSize> ReceiveCardSize;  // 128 x 128 until measured; width and height change together
+  RelaxedByte _gCorroentHighSpeed;
+  RelaxedByte LinkStateChanged;
+
+ private:
+  Data_Global() = default;
+  void BootRecover();
+  bool refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes);
+};
+
+// The basic hardware page.
+class Data_Preset {
+ public:
+  static Data_Preset* getInstance();
+  static void deleteInstance();
+
+  // Marks the page as saved and saves its first 16 bytes.
+  void SaveBasicParaToFlash();
+
+  std::array<uint8_t, 392> BasicHardWareReg{};
+
+ private:
+  Data_Preset() = default;
+};
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,146 @@
+// The advanced screen configuration: calculated values to image, FPGA and flash.
+#include <algorithm>
+
+#include "calc/advmapping.h"
+#include "maps/fpgamap.h"
+#include "mcuctrace.h"
+#include "proto/store/data_common.h"
+#include "proto/store/mappingsteps.h"
+#include "proto/store/porttables.h"
+#include "results.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr char kCaller[] = "AdvCalcParaOfSenderInMosaicMode";
+
+AdvancedScreen screenOf(const PortValues& rows, const PortValues& columns, const PortValues& xs,
+                        const PortValues& ys) {
+  AdvancedScreen screen;
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    screen[port] = {TempAdvPortCM[port], rows[port], columns[port], xs[port], ys[port]};
+  }
+  return screen;
+}
+
+void logBorders(const AdvancedScreen& screen, CardSize card) {
+  if (!tracePasses(kInfo)) return;
+  for (const AdvancedPort& port : screen) {
+    PARLEND_TRACE(kInfo) << "TempPortBottomBorder: " << port.y + blockOf(port, card).height
+                         << " TempAdvCfgPortRow: " << port.rows << " TempAdvCfgPortY[i]: " << port.y;
+  }
+  const PixelExtent extent = screenExtent(screen, card);
+  PARLEND_TRACE(kInfo) << "TempCalVal: " << extent.width << " TempDviHeight: " << extent.height;
+  for (const AdvancedPort& port : screen) {
+    PARLEND_TRACE(kInfo) << "TempPortWidth[i]: " << blockOf(port, card).width
+                         << " TempAdvCfgPortCol[i]: " << port.columns << " ReceiveCardWidth " << card.width;
+  }
+}
+
+// The FPGA is given the largest block; the output size holds the extent.
+void storeScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
+  logBorders(screen, card);
+  const PixelExtent block = largestBlock(screen, card);
+  setMappedScreen(store, block.width, block.height);
+  PARLEND_TRACE(kInfo) << "TempDviWidth: " << store.SendParameterReg.le16(fpga::kScreenWidth)
+                       << " TempDviHeight: " << block.height << " RealDviWidth: " << block.width;
+  constexpr std::array<uint8_t, 5> kNoLayout{};
+  storeScreenPara(store, card, kNoLayout, kCaller);
+}
+
+void setWindows(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
+  store.SendParameterReg[fpga::kMappingOption] = 0;
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    const PixelExtent block = blockOf(screen[port], card);
+    setPortWindow(store, port, {block.width, block.height, screen[port].x, screen[port].y});
+  }
+}
+
+void countCards(const AdvancedScreen& screen) {
+  std::array<uint32_t, kMappedPorts> counts{};
+  std::transform(screen.begin(), screen.end(), counts.begin(),
+                 [](const AdvancedPort& port) { return port.cards(); });
+  writeCardCounts(counts, kCaller);
+}
+
+// False when the ports cannot be calculated; then nothing is changed.
+bool accept(const AdvancedScreen& screen) {
+  const AdvancedVerdict verdict = checkAdvanced(screen);
+  if (verdict.valid) return true;
+  PARLEND_TRACE(kError) << "=== AdvCalcParaOfSenderInMosaicMode ===PortParaInvalid: total card num = "
+                        << verdict.total << " port para = " << int{verdict.portRefused};
+  return false;
+}
+
+CardSize measuredCard(Data_Global& store) {
+  PARLEND_TRACE(kInfo) << "=========================== Ready GetRecvCardSize_Env =========================";
+  store.GetRecvCardSize_EnvNew();
+  const CardSize card = store.ReceiveCardSize;
+  PARLEND_TRACE(kInfo) << "ReceiveCardWidth: " << card.width << " ReceiveCardHeight: " << card.height;
+  return card;
+}
+
+void mapPort(unsigned int port, const CardChain& chain) {
+  PARLEND_TRACE(kInfo) << "CasMode " << chain.mode << "RepTimes "
+                       << kPortTableEntries / std::max<std::size_t>(1, chain.cards())
+                       << " TempCardNumofCable " << std::max<uint32_t>(1, chain.cards())
+                       << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
+                       << chain.lines;
+  updatePortTable(port, chain);
+  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth "
+                       << chain.card.width;
+  if (const int ret = writePortTable(port)) {
+    PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
+                          << " was not written. ret = " << ret;
+  }
+}
+
+// The cards are measured once, so that windows and tables agree.
+void mapScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
+  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+  storeScreen(store, screen, card);
+  setWindows(store, screen, card);
+  countCards(screen);
+  for (unsigned int i = 0; i < kMappedPorts; ++i) {
+    mapPort(i, screen[i].chain(card));
+  }
+  store.SendMasterOrBackup(store.PbufMorSMode);
+  writeAndSaveFeature(store, kCaller);
+}
+
+}  // namespace
+
+void Data_Global::AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns,
+                                          const PortValues& xs, const PortValues& ys) {
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  clearScreenOffset(*this,
+                    {"AdvCalcParaGetSreenSize", "Clear XY_Offset failed! When Advanced LED configure ! "});
+  const CardSize card = ReceiveCardSize;
+  PARLEND_TRACE(kInfo) << "Advanced LED configure: ReceiveCardWidth = " << card.width
+                       << " ReceiveCardHeight = " << card.height;
+  const PixelExtent extent = screenExtent(screenOf(rows, columns, xs, ys), card);
+  setOutputSize(*this, extent.width, extent.height, 8, "AdvCalcParaGetSreenSize, ADV calc screen!!");
+  copyOutputToScreen(*this);
+  SaveParaToFlash(1);
+  ChangeOutScreenPara(SendParameterReg.le16(fpga::kOutputWidth), SendParameterReg.le16(fpga::kOutputHeight));
+}
+
+int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
+  PARLEND_TRACE(kInfo)
+      << "===================== Begin Calculate Advanced LED configure =======================";
+  const AdvancedScreen screen =
+      screenOf(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
+  const bool accepted = accept(screen);
+  if (accepted) mapScreen(*this, screen, measuredCard(*this));
+  PARLEND_TRACE(kInfo)
+      << "===================== Finish Calculate Advanced LED configure ======================";
+  return accepted ? 0 : kErrPortPara;
+}
+
+int Data_Global::AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t, uint16_t, uint16_t rows,
+                                  uint16_t columns) {
+  mapPort(port, chainOf(mode, rows, columns, ReceiveCardSize));
+  return 0;
+}
+
+}  // namespace ORVE_MCUC

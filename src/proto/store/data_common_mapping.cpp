@@ -1,0 +1,194 @@
+// The smart screen configuration: calculated values to image, FPGA and flash.
+#include "hextext.h"
+#include "maps/fpgamap.h"
+#include "mcuctrace.h"
+#include "proto/store/data_common.h"
+#include "proto/store/mappingsteps.h"
+#include "proto/store/porttables.h"
+#include "proto/store/smarttable.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr uint16_t kOutputForZero = 128;  // pixels, in place of a size that is zero
+constexpr char kCaller[] = "CalculateParaOfSenderInMosaicMode";
+constexpr int kImageTextRoom = 3 * 512 + 1;
+
+void logImage(const char* text, const Data_Global& store) {
+  if (!tracePasses(kInfo)) return;
+  const auto bytes = store.SendParameterReg.bytes();
+  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes.data(), bytes.size()).view();
+}
+
+void logSplit(const SmartScreen& screen, const PortSplit& split) {
+  logPortLoad(screen, split);
+  PARLEND_TRACE(kInfo) << " line: UsedPortNum = " << split.UsedPortNum
+                       << " LastPortRowOrColInOnePort = " << split.LastPortRowOrColInOnePort;
+  PARLEND_TRACE(kInfo) << " line: PortWidth = " << split.PortWidth << " PortHeight = " << split.PortHeight;
+  PARLEND_TRACE(kInfo) << " line: PortOffsetX = " << split.PortOffsetX
+                       << " PortOffsetY = " << split.PortOffsetY;
+  PARLEND_TRACE(kInfo) << " line: LastPortWidth = " << split.LastPortWidth
+                       << " LastPortHeight = " << split.LastPortHeight;
+  PARLEND_TRACE(kInfo) << "The used port number = " << split.UsedPortNum << " connect mode = " << screen.mode;
+}
+
+void storeScreen(Data_Global& store, const SmartScreen& screen) {
+  setMappedScreen(store, uint32_t{screen.columns} * screen.card.width,
+                  uint32_t{screen.rows} * screen.card.height);
+  const std::array<uint8_t, 5> layout{static_cast<uint8_t>(screen.rows), static_cast<uint8_t>(screen.columns),
+                                      screen.mode, static_cast<uint8_t>(screen.cardsPerPort),
+                                      static_cast<uint8_t>(screen.cardsPerPort >> 8)};
+  if (!storeScreenPara(store, screen.card, layout, kCaller)) return;
+  for (std::size_t i = 0; i < screenpara::kStored; ++i) {
+    PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i << "] = " << store.ScreenParaReg[i];
+  }
+}
+
+void setWindows(Data_Global& store, const SmartScreen& screen, const PortSplit& split) {
+  PARLEND_TRACE(kInfo) << "======================== Begin calculate Port X or Y ============================";
+  store.SendParameterReg[fpga::kMappingOption] = 0;
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    const WindowOffset at = windowOffset(screen, split, port);
+    setPortWindow(store, port, {split.PortWidth, split.PortHeight, at.x, at.y});
+  }
+  PARLEND_TRACE(kInfo) << "======================== Finish calculate Port X or Y ===========================";
+}
+
+// What a slot holds behind its count belongs to the FPGA.
+void refreshNumberParts() {
+  for (const NumberPart& part : kNumberPortParts) {
+    std::array<uint8_t, kNumberPorts0To3.length> bytes{};
+    const int ret = readFpga(part.fpga, std::span(bytes).first(part.length));
+    if (ret != 0 || !VsPartPara.copyFrom(std::span(bytes).first(part.length), part.at)) {
+      PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===the card counts at " << CTrace::hex
+                            << part.fpga << " cannot be read. ret = " << ret;
+    }
+  }
+}
+
+void countCards(const PortSplit& split) {
+  PARLEND_TRACE(kInfo) << "========================= Begin calculate number para ===========================";
+  refreshNumberParts();
+  std::array<uint32_t, kMappedPorts> counts{};
+  for (unsigned int port = 0; port < kMappedPorts; ++port) counts[port] = cardsBehind(split, port);
+  writeCardCounts(counts, kCaller);
+  for (int i = 0; i < 2; ++i) {
+    PARLEND_TRACE(kInfo)
+        << "========================= Finish calculate number para ==========================";
+  }
+}
+
+// False when a port's cards lie beyond the tables of ten ports; what was calculated before stays.
+bool placeCards(const SmartScreen& screen, const PortSplit& split) {
+  PARLEND_TRACE(kInfo) << "========================= Begin calculate position para =========================";
+  for (uint32_t port = 0; port < split.UsedPortNum; ++port) {
+    const CardChain chain = chainAt(screen, split, port);
+    if (repetitionsOf(chain) == 0) continue;
+    if (port >= kMappedPorts) {
+      constexpr int kEntry = 0;  // the first card lies beyond already
+      PARLEND_TRACE(kInfo) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
+      return false;
+    }
+    updatePortTable(port, chain);
+  }
+  if (screen.mode == 1) PARLEND_TRACE(kInfo) << "left up, v end...";
+  if (screen.mode == 7) PARLEND_TRACE(kInfo) << "right down, h end...";
+  return true;
+}
+
+// Ports beyond the used ones carry the same cards as these.
+void repeatTables(const PortSplit& split) {
+  for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port)
+    setPortTable(port, portTable(placeOf(split, port)));
+  if (split.UsedPortNum > kMappedPorts) return;
+  const char* digit = &"0123456789A"[split.UsedPortNum];
+  PARLEND_TRACE(kInfo) << "cacl 0x3000000 0x0" << std::string_view(digit, 1) << " end";
+}
+
+void writeTables() {
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    if (const int ret = writePortTable(port)) {
+      PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===the table of port " << port
+                            << " was not written. ret = " << ret;
+    }
+  }
+  PARLEND_TRACE(kInfo) << "======================== Finish calculate position para =========================";
+}
+
+void assignRoles(Data_Global& store, const PortSplit& split, uint8_t backup) {
+  PARLEND_TRACE(kInfo)
+      << "========================= Begin calculate SlaveOrMaster para =========================";
+  store.setPortRoles(backup);
+  for (unsigned int i = 0; i < 4; ++i) {
+    PARLEND_TRACE(kInfo) << "MasterSlaveVal 0x" << CTrace::hex
+                         << static_cast<int>(fpga::kMasterSlavePorts1To4 + i) << ": 0x" << CTrace::hex
+                         << int{backup != 0 ? fpga::kBackup : fpga::kMaster};
+  }
+  if (store.NormalBackupStatus != 0) {
+    const unsigned int linked = store.GigaPhyLinkSta;
+    for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
+      if ((linked >> port & 1) != 0) store.PortMorSUpdate(port, fpga::kBackup);
+    }
+  }
+  logImage("WriteFpgaData SendParameterReg:", store);
+  PARLEND_TRACE(kInfo)
+      << "======================== Finish calculate SlaveOrMaster para =========================";
+}
+
+// False when the calculation has to stop as it is.
+bool mapScreen(Data_Global& store, const SmartScreen& screen, uint8_t backup) {
+  storeScreen(store, screen);
+  const PortSplit split = splitOf(screen);
+  logSplit(screen, split);
+  setWindows(store, screen, split);
+  countCards(split);
+  if (!placeCards(screen, split)) return false;
+  repeatTables(split);
+  writeTables();
+  assignRoles(store, split, backup);
+  return true;
+}
+
+}  // namespace
+
+void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  clearScreenOffset(*this,
+                    {"CalculateParaGetSreenSize", "Clear XY_Offset failed! When smart LED configure."});
+  const CardSize card = ReceiveCardSize;
+  const SmartScreen screen = screenIn(table, {});
+  auto width = static_cast<uint16_t>(uint32_t{card.width} * screen.columns);
+  auto height = static_cast<uint16_t>(uint32_t{card.height} * screen.rows);
+  PARLEND_TRACE(kInfo)
+      << "===============================Storage Dvi Wide calc===================================";
+  PARLEND_TRACE(kInfo) << " SM2W : DVI_Width =" << width << "; DVI_Height =" << height;
+  if (width == 0 || height == 0) {
+    width = height = kOutputForZero;
+    PARLEND_TRACE(kInfo) << " Change Parlend Card : DVI_Width =" << width << "; DVI_Height =" << height;
+  }
+  PARLEND_TRACE(kInfo) << " SM2W===2 : DVI_Width =" << width << "; DVI_Height =" << height;
+  if (const auto counter = storeOutputSize(width, height, "CalculateParaGetSreenSize"))
+    logScreenChangeCounter(*counter);
+  setOutputSize(*this, width, height, 7, "CalculateParaGetSreenSize, calc screen!!");
+  copyOutputToScreen(*this);
+  SaveParaToFlash(1);
+  writeFpga(fpga::kOutputWidth, SendParameterReg.part<fpga::kOutputWidth, 4>(),
+            {"CalculateParaGetSreenSize", "\n Write 0200_01EC to FPGA failed !!! ret = "});
+}
+
+void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table,
+                                                    const ByteImage<32>& chars) {
+  PARLEND_TRACE(kInfo) << "=================== Begin CalculateParaOfSenderInMosaicMode ====================";
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  SmartScreen screen = screenIn(table, chars);
+  screen.card = ReceiveCardSize;
+  if (!isValid(screen)) {
+    PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===Invalid Parameter! ";
+  } else if (!mapScreen(*this, screen, chars[kTempRoleAt])) {
+    return;
+  }
+  writeAndSaveFeature(*this, kCaller);
+  PARLEND_TRACE(kInfo) << "=================== Finish CalculateParaOfSenderInMosaicMode ====================";
+}
+
+}  // namespace ORVE_MCUC

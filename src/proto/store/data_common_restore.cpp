@@ -1,0 +1,236 @@
+// Rebuilding the FPGA's state from flash.
+#include <algorithm>
+#include <cstdlib>
+
+#include "driverutil.h"
+#include "envstore.h"
+#include "hextext.h"
+#include "maps/flashmap.h"
+#include "maps/fpgamap.h"
+#include "mcuctrace.h"
+#include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
+#include "proto/store/mappingsteps.h"
+#include "proto/store/porttables.h"
+#include "proto/store/screenoffset.h"
+#include "proto/store/smarttable.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr char kCaller[] = "RestoreFPGA";
+constexpr uint8_t kBackupMarks[] = {0x5A, 0xA5};
+constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
+constexpr uint8_t kOutputRestored = 0x5A;
+constexpr int kNumberTextRoom = 3 * 768 + 1;
+
+bool isOnline(const Data_Global& store) {
+  return store.FpgaOnlineFlag == 1;
+}
+
+void readConfigStatus(Data_Global& store, const char* logLine) {
+  uint8_t status = 0;
+  if (readFlash(flash::kShortcutConfig, {&status, 1},
+                {kCaller, "the configuration status cannot be read. ret = "}) == 0) {
+    store.LEDConfigStatus = status;
+  }
+  PARLEND_TRACE(kInfo) << logLine << store.LEDConfigStatus;
+}
+
+// What the environment says of this start.
+enum class Boot { Normal, AfterFactoryReset };
+Boot readFirstBoot() {
+  const OpenStore environment;
+  if (!environment) return Boot::Normal;
+  const char* value = sysconf_getenv("firstboot");
+  if (value == nullptr) {
+    PARLEND_TRACE(kInfo) << "Read firstboot env is Null. ";
+    return Boot::Normal;
+  }
+  if (std::strtol(value, nullptr, 10) == 1) return Boot::AfterFactoryReset;
+  PARLEND_TRACE(kInfo) << "=======Reboot parlend============";
+  DriverUtil::getInstance()->runCommand("sysconfig set firstboot 0");
+  return Boot::Normal;
+}
+
+bool isSize(uint32_t pixels) {
+  return pixels != 0 && pixels <= 0xFFFF;
+}
+
+// The reset left the size of the receiving cards in the place of the screen's. Without a good one there the
+// default stays, and so does what is stored.
+void takeCardSizeOfReset(Data_Global& store) {
+  uint32_t screen[2] = {};
+  uint32_t card[2] = {};
+  const bool stored = store.Read_ScreenSize_FromFlash(screen) == 0 && isSize(screen[0]) && isSize(screen[1]);
+  read_CardSize_flag = store.Read_CardSize_FromFlash(card) == 0 ? 1U : 0U;
+  factory_flag = 1U;
+  if (stored) {
+    RecvCardSize_befor[0] = screen[0];
+    RecvCardSize_befor[1] = screen[1];
+    store.ReceiveCardSize = CardSize{static_cast<uint16_t>(screen[0]), static_cast<uint16_t>(screen[1])};
+    std::array<uint8_t, 8> record{};
+    putLe32(record, 0, screen[0]);
+    putLe32(record, 4, screen[1]);
+    writeFlash(flash::kScreenSize, record, kCaller);
+  }
+  resetScreenChangeCounter(kCaller);
+  const CardSize size = store.ReceiveCardSize;
+  setOutputSize(store, size.width, size.height, 6, "RestoreFPGA, use ReceiveCardWidth change screen!!");
+  store.Read_ScreenSize_FromFlash(screen);  // says so when what is stored now is zero
+}
+
+// A screen of one card, by the master.
+void mapOneCard(Data_Global& store) {
+  ByteImage<1024> table;
+  ByteImage<32> chars;
+  putScreen(table, chars, {1, 1, 1, 0, {}});
+  store.CalculateParaOfSenderInMosaicMode(table, chars);
+}
+
+void restoreFirstBoot(Data_Global& store) {
+  PARLEND_TRACE(kInfo) << "=======Reboot after ReturnFactory === RestoreFPGA    ";
+  takeCardSizeOfReset(store);
+  if (isOnline(store)) {
+    DriverUtil::getInstance()->runCommand("sysconfig set firstboot 0");
+    PARLEND_TRACE(kInfo) << "=======Recover smart LED configure when Reboot after ReturnFactory.";
+    mapOneCard(store);
+    readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
+    store.SendMStoLSD1_4();
+    store.SendMStoLSD5_8();
+    store.SendMStoLSD9_16();
+  }
+  PARLEND_TRACE(kInfo) << " No set 10bit 位深";
+  PARLEND_TRACE(kInfo) << "=======Finish Restore FPGA When FirstBoot after ReturnFactory ============";
+  store.FpgaParaLoadFinish = true;
+}
+
+void mendImage(ByteImage<512>& image) {
+  const uint8_t mode = image[fpga::kOutputMode];
+  if (std::find(std::begin(kOutputModes), std::end(kOutputModes), mode) == std::end(kOutputModes))
+    image[fpga::kOutputMode] = kOutputModes[0];
+  if (image[fpga::kOutputEnable] == kOutputRestored) image[fpga::kOutputEnable] = 0;
+}
+
+void restoreFeature(const Data_Global& store) {
+  writeFpga(fpga::kFeatureFirst,
+            store.SendParameterReg.part<fpga::kFeatureFirst, fpga::kFeatureRestoreLength>(), kCaller);
+  PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
+  applyScreenOffset(store.SendParameterReg);
+}
+
+void restorePortTables(bool online) {
+  PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
+  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+    PARLEND_TRACE(kInfo) << "Port number = " << port;
+    std::array<uint8_t, kPortTableSize> table{};
+    const auto at = static_cast<uint32_t>(portTableAt(port));
+    const int ret = readFlash(flash::kPositionTables + at, table);
+    PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
+    if (ret == 0) setPortTable(port, table);
+    if (!online) continue;
+    const int written = writePortTable(port);
+    PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
+  }
+}
+
+void writeNumberParts(std::span<const uint8_t> table) {
+  struct Step {
+    NumberPart part;
+    const char* written;
+  };
+  constexpr Step kSteps[] = {
+      {kNumberPorts0To3, "Write Port 0 ~ 3 vspara to FPGA , the ret = "},
+      {kNumberPorts4To7, "Write Port 4 ~ 7 vspara to FPGA , the ret = "},
+      {kNumberPorts8To11, "Write Port 8 ~ 11 vspara to FPGA , the ret = "},
+      {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
+  };
+  for (const Step& step : kSteps) {
+    const int ret = writeFpga(step.part.fpga, table.subspan(step.part.at, step.part.length));
+    PARLEND_TRACE(kInfo) << step.written << ret;
+  }
+  PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << table[kBitDepthMarkAt];
+}
+
+void restoreNumberTable(bool online) {
+  PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
+  std::array<uint8_t, VsPartPara.size()> table{};
+  const int ret = readFlash(flash::kNumberTable, table, {kCaller, "the number table cannot be read. ret = "});
+  if (ret == 0) VsPartPara.put<0>(std::span<const uint8_t, VsPartPara.size()>(table));
+  table = VsPartPara.bytes();
+  if (tracePasses(kInfo))
+    PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
+  if (online) writeNumberParts(table);
+}
+
+void endRestore(Data_Global& store) {
+  constexpr uint8_t kClosed = 0;
+  store.SendParameterReg[fpga::kOutputEnable] = kClosed;
+  writeFpga(fpga::kOutputEnable, {&kClosed, 1}, kCaller);
+  store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
+  resetScreenChangeCounter(kCaller);
+  store.FpgaParaLoadFinish = true;
+}
+
+void restoreConfigured(Data_Global& store) {
+  const bool online = isOnline(store);
+  mendImage(store.SendParameterReg);
+  if (online) restoreFeature(store);
+  factory_flag = 0U;
+  PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
+  readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
+  restorePortTables(online);
+  restoreNumberTable(online);
+  if (online) endRestore(store);
+  store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
+  if (const int ret = readScreenPara(store))
+    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
+}
+
+}  // namespace
+
+void Data_Global::BootRecover() {
+  uint8_t role = 0;
+  if (readFlash(flash::kRole, {&role, 1},
+                {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "}) == 0) {
+    PbufMorSMode = role;
+  }
+  if (isOnline(*this)) {
+    uint8_t mark = 0;
+    readFpga(fpga::kBackupMark, {&mark, 1});
+    const bool marked =
+        std::find(std::begin(kBackupMarks), std::end(kBackupMarks), mark) != std::end(kBackupMarks);
+    NormalBackupStatus = marked ? 0 : 1;
+  }
+  if (readScreenPara(*this) != 0) {
+    PARLEND_TRACE(kError)
+        << "=== BootRecover ===Can not read flash when get the ScreenParaReg[0x01] in poweron! ";
+    return;
+  }
+  for (std::size_t i = 0; i < screenpara::kStored; ++i) {
+    PARLEND_TRACE(kInfo) << "====BootRecover=== after read flash 0210000" << i << " =0x" << CTrace::hex
+                         << ScreenParaReg[i];
+  }
+}
+
+void Data_Global::RestoreFPGA() {
+  PARLEND_TRACE(kInfo) << "============================== Begin Restore FPGA ===============================";
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  std::array<uint8_t, 512> image{};
+  const int ret = RestoreDataFromFlash(1, image);
+  if (ret != 0)
+    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the feature parameters cannot be read. ret = " << ret;
+  if (ret == 0) SendParameterReg.put<0>(std::span<const uint8_t, 512>(image));
+  RebootRF = 0;
+  PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space:";
+  BootRecover();
+  PARLEND_TRACE(kInfo) << "Restore DVI size:";
+  if (readFirstBoot() == Boot::AfterFactoryReset) {
+    restoreFirstBoot(*this);
+  } else {
+    restoreConfigured(*this);
+  }
+  PARLEND_TRACE(kInfo) << "============================== Finish Restore FPGA ==============================";
+}
+
+}  // namespace ORVE_MCUC

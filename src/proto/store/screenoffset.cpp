@@ -1,0 +1,64 @@
+#include "proto/store/screenoffset.h"
+
+#include <array>
+
+#include "maps/fpgamap.h"
+#include "mcuctrace.h"
+#include "proto/store/deviceaccess.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+constexpr char kCaller[] = "RestoreFPGA";
+constexpr uint8_t kSignedOffsets = 2;  // offset modes
+constexpr uint8_t kNoOffsets = 0;
+constexpr uint16_t kForward = 0xFFFF;
+
+void writeWord(uint32_t address, uint16_t value) {
+  std::array<uint8_t, 2> bytes{};
+  putLe16(bytes, 0, value);
+  writeFpga(address, bytes, kCaller);
+}
+
+int32_t signedOffset(const ByteImage<512>& image, std::size_t at) {
+  return static_cast<int32_t>(image.le16(at) | static_cast<uint32_t>(image.le16(at + 2)) << 16);
+}
+
+constexpr uint16_t magnitudeOf(int32_t offset) {
+  const auto bits = static_cast<uint32_t>(offset);
+  return static_cast<uint16_t>(offset < 0 ? 0U - bits : bits);
+}
+constexpr uint16_t directionOf(int32_t offset) {
+  return offset > 0 ? kForward : uint16_t{0};
+}
+
+void applySignedOffsets(const ByteImage<512>& image) {
+  PARLEND_TRACE(kInfo) << "###################### LSD Para Back SendParameterReg";
+  const int32_t x = signedOffset(image, fpga::kSignedOffsetX);
+  const int32_t y = signedOffset(image, fpga::kSignedOffsetY);
+  PARLEND_TRACE(kInfo) << "============== LSD Para OffsetXPara:0x" << CTrace::hex << x << " int:" << x;
+  PARLEND_TRACE(kInfo) << "============== LSD Para OffsetYPara:0x" << CTrace::hex << y << " int:" << y;
+  writeWord(fpga::kScreenOffsetX, magnitudeOf(x));
+  writeWord(fpga::kScreenDirectionX, directionOf(x));
+  PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << directionOf(x);
+  writeWord(fpga::kScreenOffsetY, magnitudeOf(y));
+  writeWord(fpga::kScreenDirectionY, directionOf(y));
+}
+
+}  // namespace
+
+void applyScreenOffset(const ByteImage<512>& image) {
+  const uint8_t mode = image[fpga::kOffsetMode];
+  PARLEND_TRACE(kInfo) << "###################### ModePara Anly SendParameterReg[208]" << mode;
+  if (mode == kSignedOffsets) {
+    applySignedOffsets(image);
+    return;
+  }
+  PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Para Anly SendParameterReg";
+  if (mode == kNoOffsets) return;
+  writeWord(fpga::kScreenDirectionX, 0);
+  writeWord(fpga::kScreenDirectionY, 0);
+  writeFpga(fpga::kScreenOffsetX, image.part<fpga::kScreenOffsetX, 4>(), kCaller);
+}
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,304 @@
+// Ticks of the flag and status thread, called one by one, and what LSD is told in each. The start-up owner
+// runs here as in the daemon, once for the program: its threads never end, and its own flag thread waits for
+// ever.
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+#include <thread>
+
+#include "../../platform/board_fixture.h"
+#include "../allocations.h"
+#include "mcucutil.h"
+#include "peer/peer.h"
+#include "platform/apipc.h"
+#include "process/tprocess_ctl.h"
+#include "proto/store/data_common.h"
+#include "stub/mcuimdthread.h"
+#include "stub/stubutil.h"
+#include "taskid.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Pushes = std::vector<std::string>;  // "1f 0f": FPGA register or whole address, data
+
+// One board for all tests.
+class SharedBoard : public BoardTest {
+ public:
+  using BoardTest::bytes;
+  using BoardTest::failNext;
+  using BoardTest::file;
+  using BoardTest::kEveryCall;
+  using BoardTest::poke;
+  using BoardTest::start;
+  void TestBody() override {}
+};
+
+SharedBoard& board() {
+  static auto* instance = new SharedBoard;
+  return *instance;
+}
+
+struct Change {
+  uint32_t at;
+  std::vector<uint8_t> bytes;
+};
+
+const std::vector<Change> kAllZero{{0x18, std::vector<uint8_t>(0x1FC - 0x18)}};
+
+class MonitorTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    board().start("fpga_autoload = no\ncopper_ports =\ncard_width = 256\n");
+    setDelayScale(0);
+    ASSERT_TRUE(StubUtil::getInstance()->initialize());
+  }
+  // Nobody has been told anything, and all statuses are zero.
+  void SetUp() override {
+    change(kAllZero);
+    lsdLeaves();
+    for (int i = 0; i < 12; ++i) ticker.tick();
+    ASSERT_EQ(store().LinkStateChanged, 0);
+  }
+  void TearDown() override {
+    board().failNext(simboard::Fault::FpgaRead, 0);
+    board().failNext(simboard::Fault::CardRead, 0);
+  }
+
+  static Data_Global& store() { return *Data_Global::getInstance(); }
+  static void change(const std::vector<Change>& changes) {
+    for (const Change& each : changes) board().poke("hw/fpga.bin", each.at, each.bytes);
+  }
+  static bool lsdIsThere() { return apipc_connect_chk_task_by_taskid(taskOf(kServiceLsd)) != -1; }
+  void lsdComes() { lsd.emplace(board().file("run/apipc.sock").string(), peer::kLsd, 10s); }
+  void lsdLeaves() {
+    lsd.reset();
+    while (lsdIsThere()) std::this_thread::sleep_for(1ms);
+  }
+  // One tick: the pushes have arrived when it is over.
+  Pushes tick() {
+    ticker.tick();
+    Pushes pushes;
+    while (const auto push = lsd->nextPush(0ms)) {
+      std::array<char, 16> address{};
+      std::snprintf(address.data(), address.size(), "%x ",
+                    push->address < 0x02000200 ? push->address - 0x02000000 : push->address);
+      pushes.push_back(address.data() + peer::toHex(push->data));
+    }
+    return pushes;
+  }
+  // LSD is connected and knows that all statuses are zero.
+  void lsdKnowsAll() {
+    lsdComes();
+    EXPECT_THAT(tick(), ElementsAre("1d7 00"));
+  }
+
+  McuIMDThread ticker;
+  std::optional<peer::Peer> lsd;
+};
+
+TEST_F(MonitorTest, EveryChangeIsPushedWithItsGroupInTheOrderOfTheChecksAndOnce) {
+  struct Case {
+    std::vector<Change> changes;
+    Pushes pushes;
+  };
+  const std::vector<Case> kCases{
+      {{{0x19, {0x80}}}, {"18 00800000", "98 00000000", "100 00000000"}},
+      {{{0x9B, {1}}, {0x103, {2}}}, {"18 00800000", "98 00000001", "100 00000002"}},
+      {{{0x104, {9}}}, {}},
+      {{{0x120, {7}}}, {"1e 00", "9e 00", "120 0700"}},
+      {{{0x121, {8}}}, {"1e 00", "9e 00", "120 0708"}},
+      {{{0x1FB, {5}}}, {"1f6 00", "1f7 00", "1f8 00", "1f9 00", "1fa 00", "1fb 05"}},
+      {{{0x126, {3}}}, {"1f 00", "9f 00", "126 0300"}},
+      {{{0x1D7, {0xA1}}}, {"1d7 a1"}},
+      {{{0x1F3, {1}}}, {"1f2 00", "1f3 01"}},
+      {{{0x1F4, {2}}}, {"1f4 02", "1f5 00"}},
+      {{{0x1DA, {6}}}, {"1da 06", "1da 06"}},
+      {{{0x1E1, {4}}}, {"1e0 00", "1e1 04"}},
+      {{{0x1DA, {0}}, {0x9F, {0xF1}}, {0x9E, {1}}},
+       {"1e 00", "9e 01", "120 0708", "1f 00", "9f f1", "126 0300", "1da 00", "1da 00"}},
+      {kAllZero,
+       {"18 00000000", "98 00000000", "100 00000000", "1e 00",  "9e 00",  "120 0000", "1f6 00",   "1f7 00",
+        "1f8 00",      "1f9 00",      "1fa 00",       "1fb 00", "1f 00",  "9f 00",    "126 0000", "1d7 00",
+        "1f2 00",      "1f3 00",      "1f4 00",       "1f5 00", "1e0 00", "1e1 00"}},
+  };
+  lsdKnowsAll();
+  for (const Case& each : kCases) {
+    SCOPED_TRACE(each.changes.front().at);
+    store().LinkStateChanged = 0;
+    change(each.changes);
+    EXPECT_EQ(tick(), each.pushes);
+    store().LinkStateChanged = 0;
+    EXPECT_THAT(tick(), IsEmpty());
+  }
+}
+
+TEST_F(MonitorTest, TheImageMirrorsPushedGroupsButNotTheStatusesBehindIt) {
+  store().SendParameterReg.fill(0xEE);
+  lsdKnowsAll();
+  change({{0x1F, {1, 0x77}}, {0x127, {2}}, {0x1F2, {3}}, {0x1F6, {4}}});
+  tick();
+  const auto& image = store().SendParameterReg;
+  EXPECT_EQ(image[0x1F], 1);
+  EXPECT_EQ(image[0x20], 0xEE);
+  EXPECT_EQ(image[0x127], 2);
+  EXPECT_EQ(image[0x1D7], 0);
+  for (std::size_t at = 0x1F0; at < 0x200; ++at) EXPECT_EQ(image[at], 0xEE) << at;
+}
+
+TEST_F(MonitorTest, ALinkThatComesBackBetweenTwoTicksIsNoChange) {
+  lsdKnowsAll();
+  change({{0x1F, {1}}});
+  change({{0x1F, {0}}});
+  EXPECT_THAT(tick(), IsEmpty());
+  EXPECT_EQ(store().LinkStateChanged, 0);
+}
+
+TEST_F(MonitorTest, ANewConnectionIsToldAllThatIsNotZeroInItsFirstTick) {
+  change({{0x18, {0x80}}, {0x120, {7}}, {0x1F, {1}}, {0x1DA, {6}}, {0x1F5, {2}}, {0x1D7, {0xFF}}});
+  const auto kTold = ElementsAre("18 80000000", "98 00000000", "100 00000000", "1e 00", "9e 00", "120 0700",
+                                 "1f 01", "9f 00", "126 0000", "1f4 00", "1f5 02", "1da 06", "1da 06");
+  for (int connection = 0; connection < 2; ++connection) {
+    lsdComes();
+    EXPECT_THAT(tick(), kTold);
+    EXPECT_THAT(tick(), IsEmpty());
+    lsdLeaves();
+    ticker.tick();
+  }
+  lsdComes();
+  tick();
+  Tprocess_ctl::getInstance()->OptToNetEnableOnce = true;
+  EXPECT_THAT(tick(), kTold);
+  EXPECT_THAT(tick(), IsEmpty());
+}
+
+TEST_F(MonitorTest, TheCardsBehindAChangedLinkAreMeasuredThreeTicksLater) {
+  lsdKnowsAll();
+  change({{0x1F, {1}}, {0xF05100, {1}}});
+  EXPECT_THAT(tick(), ElementsAre("1f 01", "9f 00", "126 0000"));
+  EXPECT_EQ(store().GigaPhyLinkSta, 1);
+  EXPECT_THAT(tick(), IsEmpty());
+  EXPECT_THAT(tick(), IsEmpty());
+  EXPECT_THAT(tick(), ElementsAre("2100006 00018000"));
+  for (int i = 0; i < 4; ++i) EXPECT_THAT(tick(), IsEmpty());
+}
+
+TEST_F(MonitorTest, CardsThatDoNotAnswerAreAskedAgainAndGivenUpAfter30Counts) {
+  board().failNext(simboard::Fault::CardRead, 2);
+  lsdKnowsAll();
+  change({{0x1F, {1}}, {0xF05100, {1}}});
+  for (int i = 0; i < 5; ++i) tick();
+  EXPECT_THAT(tick(), ElementsAre("2100006 00018000"));
+
+  board().failNext(simboard::Fault::CardRead, SharedBoard::kEveryCall);
+  change({{0x1F, {3}}});
+  for (int i = 0; i < 29; ++i) tick();
+  EXPECT_EQ(store().LinkStateChanged, 30);
+  tick();
+  EXPECT_EQ(store().LinkStateChanged, 0);
+}
+
+TEST_F(MonitorTest, WithoutALinkOrWithoutLsdTheMeasurementIsGivenUpAfter10Counts) {
+  for (const uint8_t links : {uint8_t{0}, uint8_t{1}}) {
+    if (links == 0) lsdComes();
+    change({{0x1F, {1}}});
+    ticker.tick();
+    change({{0x1F, {links}}});
+    ticker.tick();
+    store().LinkStateChanged = 1;
+    for (int i = 0; i < 9; ++i) ticker.tick();
+    EXPECT_EQ(store().LinkStateChanged, 10);
+    ticker.tick();
+    EXPECT_EQ(store().LinkStateChanged, 0);
+    lsdLeaves();
+  }
+}
+
+TEST_F(MonitorTest, AReadThatFailsIsNoChangeAndTheChangeIsPushedLater) {
+  lsdKnowsAll();
+  change({{0x1F, {1}}, {0x1D7, {1}}, {0x18, {1}}, {0x1F2, {1}}});
+  board().failNext(simboard::Fault::FpgaRead, SharedBoard::kEveryCall);
+  EXPECT_THAT(tick(), IsEmpty());
+  board().failNext(simboard::Fault::FpgaRead, 0);
+  EXPECT_EQ(tick().size(), 9U);
+}
+
+TEST_F(MonitorTest, ALinkIsNotLostToANewConnectionWhoseTickCannotReadIt) {
+  lsdKnowsAll();
+  change({{0x1F, {2}}, {0x1F4, {4}}});
+  tick();
+  EXPECT_EQ(store().linkedPorts(), 0x0006);
+  lsdLeaves();
+  ticker.tick();
+  lsdComes();
+  board().failNext(simboard::Fault::FpgaRead, SharedBoard::kEveryCall);
+  tick();
+  EXPECT_EQ(store().linkedPorts(), 0x0006);
+}
+
+TEST_F(MonitorTest, AnIdleTickReadsEachStatusOnceAndAllocatesNothing) {
+  lsdKnowsAll();
+  const std::size_t allocated = allocations();
+  ticker.tick();
+  EXPECT_EQ(allocations(), allocated);
+  // The counter of failures counts the reads: each is tried three times.
+  constexpr uint32_t kMany = 200;
+  constexpr uint32_t kReads = 18;
+  board().failNext(simboard::Fault::FpgaRead, kMany);
+  ticker.tick();
+  EXPECT_EQ(board().bytes("hw/control.bin", 16 + 4 * static_cast<uint32_t>(simboard::Fault::FpgaRead), 1)[0],
+            kMany - 3 * kReads);
+}
+
+TEST_F(MonitorTest, AFactoryResetStopsTheChecksAndAnInvalidStateIsResetOnce) {
+  lsdKnowsAll();
+  change({{0x1D7, {1}}});
+  for (uint8_t state = 1; state <= 3; ++state) {
+    store().RebootRF = state;
+    EXPECT_THAT(tick(), IsEmpty());
+    EXPECT_EQ(store().RebootRF, state);
+  }
+  store().RebootRF = 7;
+  EXPECT_THAT(tick(), IsEmpty());
+  EXPECT_EQ(store().RebootRF, 0);
+  EXPECT_THAT(tick(), ElementsAre("1d7 01"));
+}
+
+TEST_F(MonitorTest, EveryBurstOfSubmissionsWaitsForAWholeQuietTick) {
+  auto& submissions = store().CalculateParaHandlerCnt;
+  for (int burst = 0; burst < 2; ++burst) {
+    submissions = 1;
+    ticker.tick();
+    submissions = 3;
+    ticker.tick();
+    EXPECT_EQ(submissions, 3U);
+    ticker.tick();
+    EXPECT_EQ(submissions, 0U);
+  }
+  submissions = 3;
+  ticker.tick();
+  EXPECT_EQ(submissions, 3U);
+  submissions = 0;
+  ticker.tick();
+  submissions = 3;
+  ticker.tick();
+  EXPECT_EQ(submissions, 3U) << "seen before, but not at the previous tick";
+}
+
+}  // namespace
+}  // namespace ORVE_MCUC
+
+// The daemon's threads go on, so nothing that they use may be destroyed at the end.
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const int result = RUN_ALL_TESTS();
+  std::error_code ignored;
+  std::filesystem::remove_all(ORVE_MCUC::board().file(""), ignored);
+  std::fflush(nullptr);
+  _exit(result);
+}

@@ -67,6 +67,10 @@ int board_clock_set(time_t seconds) {
   return settimeofday(&time, nullptr);
 }
 
+uint64_t apipc_connection_number(uint32_t task) {
+  return apipc_connect_chk_task_by_taskid(task) == -1 ? 0 : 1;
+}
+
 void apipc_que_wait(int timeout_ms) {
   std::unique_lock lock(queueLock);
   queueFilled.wait_for(lock, std::chrono::milliseconds(timeout_ms), [] { return told; });

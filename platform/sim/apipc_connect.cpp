@@ -52,6 +52,15 @@ void MessageService::greet(Peer& peer) {
   peer.lane = laneOf(task);
   peer.greeted = true;
   --nameless_;
+  if (hasPredecessor(peer)) stopReading(peer);
+}
+
+// An earlier connection of the same task that has hung up and is not read to its end: what it sent comes
+// first.
+bool MessageService::hasPredecessor(const Peer& peer) const {
+  return std::any_of(peers_.all().begin(), peers_.all().end(), [&](const auto& other) {
+    return other->greeted && other->task == peer.task && other->number < peer.number;
+  });
 }
 
 // Who comes back while messages of an earlier connection wait goes on behind them.
@@ -68,6 +77,7 @@ void MessageService::remove(Peer& peer) {
   peer.stopped = false;
   peer.shutDown();
   peers_.remove(peer);
+  sweepDue_ = sweepDue_ || anyStopped_.load();  // somebody may have waited for its end
 }
 
 namespace {

@@ -31,7 +31,7 @@ int MessageService::wait(void* context, apipc_recv_cb callback) {
   while (!closed()) {
     const int count = ::epoll_wait(epoll_.get(), events.data(), kEvents, pauseMs());
     for (int i = 0; i < count; ++i) handleEvent(events[static_cast<std::size_t>(i)].data.ptr, receiver);
-    if (sweepDue_) sweep();
+    while (sweepDue_) sweep();
     if (nextDeadline() != kNever) handleDeadlines();
   }
   turnEverybodyOut();

@@ -79,6 +79,7 @@ class MessageService {
   void takePacket(Peer& peer, int index, const Receiver& receiver);
   unsigned int packetsThatFit(const Peer& peer) const;
   bool mayResume(const Peer& peer) const;
+  bool hasPredecessor(const Peer& peer) const;
   void stopReading(Peer& peer);
   void resumeReading(Peer& peer);
 

@@ -77,7 +77,7 @@ unsigned int MessageService::packetsThatFit(const Peer& peer) const {
 }
 
 bool MessageService::mayResume(const Peer& peer) const {
-  return peer.lane->comfortable() && load_.comfortable();
+  return !hasPredecessor(peer) && peer.lane->comfortable() && load_.comfortable();
 }
 
 // It is no longer watched at all: a peer that hangs up meanwhile would wake the thread again and again. The

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include "platform/apipc.h"
@@ -36,8 +37,9 @@ int board_path(const char* device_path, char* path, size_t size) {
   return 0;
 }
 
+// The daemon's standard output is the place of its log lines, and may be one that nobody reads.
 int board_shell(const char* command) {
-  return exitStatus(std::system(command));
+  return exitStatus(std::system((std::string("exec >/dev/null; ") + command).c_str()));
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {

@@ -20,6 +20,8 @@ class Tprocess {
   static int Sprocess_DoBackupInfo(int lenth, char* data);
   static int Sprocess_DoSoftwareTable(int lenth, char* data);
   static int Sprocess_SenderRGBGamma(int lenth, char* data);
+  static int Sprocess_DoDoEDIDSpace(int lenth, char* data);
+  static int Sprocess_RVConfigFileSpace(int lenth, char* data);
 
   // The screen mapping of the submissions that have come to rest; on the flag and status thread.
   static void CalculateParaOfSenderHandler();

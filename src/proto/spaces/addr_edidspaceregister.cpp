@@ -1,5 +1,6 @@
 #include "proto/spaces/addr_edidspaceregister.h"
 
+#include "maps/inputsource.h"
 #include "process/inputSource.h"
 #include "proto/store/data_common.h"
 
@@ -11,24 +12,14 @@ constexpr std::array kRows{offsetRow(reg::kEdid, "edid space info", "edid space 
                            Fshl_cmd{}};
 static_assert(rowsAreSound(kRows));
 
-constexpr std::size_t kInputSourceAt = 421;  // of the feature image
 constexpr uint16_t kDetectLength = 1;
-constexpr uint16_t kBlockLength = 128;
 
 // The group of the input that the screen shows.
 int currentInput() {
-  const uint8_t source = Data_Global::getInstance()->SendParameterReg[kInputSourceAt];
-  switch (source) {
-    case 97:
-      return 0;
-    case 98:
-      return 1;
-    case 80:
-      return 2;
-    default:
-      PARLEND_TRACE(kInfo) << "Read Input source ID is" << source;
-      return 0;
-  }
+  const uint8_t source = Data_Global::getInstance()->SendParameterReg[input::kSourceAt];
+  const auto group = input::groupOf(source);
+  if (!group) PARLEND_TRACE(kInfo) << "Read Input source ID is" << int{source};
+  return group.value_or(0);
 }
 
 }  // namespace
@@ -46,8 +37,8 @@ int Addr_EDIDSpaceRegister::ReadFromEDIDSpace(IMD_proto3rd* msgIMD) {
     InputSource::getInstance()->InputBoardInit();
     return kDone;
   }
-  if (length != kBlockLength && length != kEdidSize) return kBeyondImage;
-  std::array<uint8_t, kEdidSize> edid{};
+  if (length != kEdidBlock && length != kEdidBytes) return kBeyondImage;
+  std::array<uint8_t, kEdidBytes> edid{};
   InputSource::getInstance()->ReadEDIDInfo(currentInput(), edid);
   replyWith(*msgIMD, std::span<const uint8_t>(edid).first(length));
   return kDone;

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "mcuctrace_echo.h"
+#include "platform/lineecho.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -23,8 +23,8 @@ constexpr std::size_t kLongestLine = 1024;
 constexpr std::chrono::microseconds kGapInBurst{2};
 constexpr std::chrono::milliseconds kHeaderTrusted{1};
 
-const LineEcho& echo() {
-  static const LineEcho output;
+const platform::LineEcho& echo() {
+  static const platform::LineEcho output;
   return output;
 }
 
@@ -69,9 +69,9 @@ CMutexThreadRecursive& traceMutex() {
 
 CTraceFile::CTraceFile(const std::string& path, std::size_t maxSize, bool shared)
     : m_bShared(shared),
+      m_pFileName(path),
       m_file(openFile(path, shared)),
       m_lMaxSize(maxSize),
-      m_pFileName(path),
       m_header(m_file) {
   echo();  // looks at standard output before the first line is written
   if (m_file < 0) return;

@@ -4,8 +4,8 @@
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"
 #include "mcuctrace.h"
+#include "outgoing.h"
 #include "proto/store/data_common.h"
-#include "stub/stubutil.h"
 #include "taskid.h"
 
 namespace ORVE_MCUC {
@@ -25,7 +25,7 @@ void push(uint32_t service, uint32_t address, std::span<const uint8_t> data) {
   message.processID = taskOf(kServiceSend);
   message.ipcHeader.uiid = taskOf(service);
   message.ipcHeader.largeLabel = kThirdProtocolLabel;
-  StubUtil::getInstance()->SendMsg(std::move(message));
+  sendMessage(std::move(message));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mcucdatablock.h"
+#include "waitable.h"
 
 namespace ORVE_MCUC {
 
@@ -10,7 +11,7 @@ struct DeviceState {
   RelaxedByte FpgaOnlineFlag;  // 1: the device has loaded the FPGA; set by the flag and status thread
   RelaxedValue<bool> FpgaParaLoadFinish;  // a restore has written the FPGA
   RelaxedByte factoryflag;
-  RelaxedByte RWFPGATestflag;  // 1: the report thread tests FPGA tables
+  WaitableByte RWFPGATestflag;  // 1: the report thread tests FPGA tables
   RelaxedByte LocalAddr;       // on the device's serial chain
   ByteImage<4> ScanRecvBuf;
   RelaxedByte ScanCardID;

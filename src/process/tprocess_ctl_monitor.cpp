@@ -167,7 +167,8 @@ void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
   links1.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber1));
   links2.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber2));
   compareBelowFiber(store().fiber1BelowPushed, fiber1, fpga::kFiberBelowLink, kFiber1Words);
-  compareBelowFiber(store().fiber2BelowPushed, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
+  compareBelowFiber(store().fiber2BelowPushed, fiber2, fpga::kFiberBelowLink + kBelowFiberLength,
+                    kFiber2Words);
 }
 
 void Tprocess_ctl::SendFiberRedundtoLSD() {

@@ -73,13 +73,14 @@ int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr,
 }
 
 int DriverUtil::SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
-                             unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {
+                             unsigned short Num, const unsigned char* ParaPtr, unsigned char DevType) {
   PARLEND_TRACE(kInfo) << "SendCardPara: Address = " << CTrace::hex << RegStartAddr << " Port = " << PortAddr
                        << " Board = " << BoardAddr << " length =" << Num
                        << " data[0]:" << (Num != 0 ? int{ParaPtr[0]} : 0);
   recvcard_mesg request =
       cardRequest(kWrite, RegStartAddr, PortAddr, BoardAddr, Num, DevType, {ParaPtr, Num});
-  return WriteFPGAToRecvCard(PLATFORM_FPGA_BUS, &request, PortAddr, ParaPtr);
+  // The library reads the data that it takes by a plain pointer.
+  return WriteFPGAToRecvCard(PLATFORM_FPGA_BUS, &request, PortAddr, const_cast<unsigned char*>(ParaPtr));
 }
 
 }  // namespace ORVE_MCUC

@@ -36,6 +36,13 @@ void setDelayScale(int percent) {
   g_delayPercent.store(percent, std::memory_order_relaxed);
 }
 
+tm localTime(time_t second) {
+  tzset();  // localtime_r alone keeps to the zone that it met first
+  tm local{};
+  localtime_r(&second, &local);
+  return local;
+}
+
 int Bytes2String(const char* source, int count, char* text, int textSize) {
   if (text == nullptr || textSize <= 0) return 0;
   text[0] = '\0';

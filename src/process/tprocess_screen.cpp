@@ -3,15 +3,14 @@
 #include <optional>
 
 #include "calc/screenrecord.h"
-#include "driverutil.h"
 #include "hextext.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -27,9 +26,8 @@ Data_Global& store() {
 }
 
 void storeConfigStatus(uint8_t status) {
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kShortcutConfig, 1, &status);
-  if (ret != 0)
-    PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
+  writeFlash(flash::kShortcutConfig, {&status, 1},
+             {"WriteToBackupInfo", "Write backup info to flash failed. ret = "});
 }
 
 void setConfigStatus(uint8_t status) {
@@ -84,10 +82,8 @@ using Record = std::array<uint8_t, shortcut::kUsedSize>;
 
 std::optional<Record> readRecord() {
   Record record{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== CalculateParaOfSenderHandler ===the record cannot be read. ret = " << ret;
+  if (readFlash(flash::kShortcutConfig, record,
+                {"CalculateParaOfSenderHandler", "the record cannot be read. ret = "}) != 0) {
     return std::nullopt;
   }
   logFields("buff_new[0x16~0x19] = ", record);
@@ -106,10 +102,8 @@ void takeStored(const Record& record) {
 
 bool takeAdvancedScreen() {
   std::array<uint8_t, kAdvancedArea> area{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, area.size(), area.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== Sprocess_AdvCalcParaOfSender ===the ports cannot be read. ret = " << ret;
+  if (readFlash(flash::kShortcutConfig, area,
+                {"Sprocess_AdvCalcParaOfSender", "the ports cannot be read. ret = "}) != 0) {
     return false;
   }
   if (tracePasses(kInfo)) {

@@ -259,6 +259,22 @@ TEST_F(TraceTest, EmptyingTheFileAgainAndAgainNeverEndsTheWriter) {
   vandal.join();
   trace.trace_string(kInfo, "after");
   EXPECT_THAT(lines(path).back(), EndsWith("Info:after"));
+  struct sigaction handling {};
+  sigaction(SIGBUS, nullptr, &handling);
+  EXPECT_EQ(handling.sa_handler, SIG_DFL);
+}
+
+TEST_F(TraceTest, AnotherTimeZoneHoldsFromTheNextSecondOn) {
+  CTrace trace("Log");
+  const auto hourIn = [&](const char* zone, int second) {
+    setenv("TZ", zone, 1);
+    board_clock_set(kNoon + second);
+    trace.trace_string(kInfo, zone);
+    return lines(file("01022024", 0)).back().substr(12, 2);
+  };
+  EXPECT_EQ(hourIn("EAST-5", 10), "17");
+  EXPECT_EQ(hourIn("WEST3", 20), "09");
+  EXPECT_EQ(hourIn("UTC0", 30), "12");
 }
 
 TEST_F(TraceTest, ALineThatTheDiskTakesOnlyInPartIsNotThere) {

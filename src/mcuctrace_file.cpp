@@ -69,9 +69,9 @@ CMutexThreadRecursive& traceMutex() {
 
 CTraceFile::CTraceFile(const std::string& path, std::size_t maxSize, bool shared)
     : m_bShared(shared),
+      m_pFileName(path),
       m_file(openFile(path, shared)),
       m_lMaxSize(maxSize),
-      m_pFileName(path),
       m_header(m_file) {
   echo();  // looks at standard output before the first line is written
   if (m_file < 0) return;

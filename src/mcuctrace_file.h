@@ -47,9 +47,9 @@ class CTraceFile {
 
   bool m_bMaxReached = false;
   bool m_bShared;
+  std::string m_pFileName;
   int m_file;
   std::size_t m_lMaxSize;
-  std::string m_pFileName;
   TraceFileHeader m_header;
   std::size_t m_end = 0;  // of the data, as it was read and by the lines written since
   std::chrono::steady_clock::time_point m_endRead{};

@@ -1,6 +1,7 @@
 // The flag and status thread: waits for the loaded FPGA, announces the daemon, then ticks.
 #include "mcuctrace.h"
 #include "mcucutil.h"
+#include "outofmemory.h"
 #include "platform/apipc.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
@@ -42,7 +43,7 @@ int McuIMDThread::CheckFPGAOnline() {
 void McuIMDThread::FlagMsg() {
   PARLEND_TRACE(kDebug) << "FlagMsg process thread begin.";
   while (CheckFPGAOnline() != 0 && !m_flag.exit.load()) waitForFpgaLoadFlag();
-  if (!m_flag.exit.load()) bringUp();
+  while (!m_flag.exit.load() && !withinMemory("FlagMsg", [this] { bringUp(); })) Delay(kTickMs);
   while (!m_flag.exit.load()) {
     tick();
     Delay(kTickMs);
@@ -58,6 +59,10 @@ void McuIMDThread::bringUp() {
 }
 
 void McuIMDThread::tick() {
+  withinMemory("tick", [this] { step(); });
+}
+
+void McuIMDThread::step() {
   auto& state = Data_Global::getInstance()->RebootRF;
   // The factory reset's step comes first; until the reset is over nothing else is done.
   if (state == 0) watchStatus();
@@ -102,10 +107,11 @@ void McuIMDThread::CalculateSenderParaHandler() {
   auto& waiting = Data_Global::getInstance()->CalculateParaHandlerCnt;
   const uint32_t count = waiting;
   const bool atRest = count != 0 && count == m_submissionsSeen;
-  m_submissionsSeen = atRest ? 0 : count;
+  m_submissionsSeen = count;
   if (!atRest) return;
-  waiting = 0;
   Tprocess::CalculateParaOfSenderHandler();
+  waiting.add(0U - count);  // a submission that came meanwhile still counts
+  m_submissionsSeen = 0;
 }
 
 }  // namespace ORVE_MCUC

@@ -5,7 +5,7 @@
 #include <new>
 
 #include "mcucdatablock.h"
-#include "stub/stubutil.h"
+#include "outgoing.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -15,21 +15,30 @@ void banner(const char* begin, const char* keyName) {
                        << " message to list===========================";
 }
 
-// A work item for a payload of that length, which is at payload. Nothing, and the request refused, without
-// memory.
-std::unique_ptr<MCUProcessDataBlock> makeItem(IMD_proto3rd& request, int32_t key, std::size_t length,
+// A work item for a payload of that length, which is at payload. Nothing without memory, which the requester
+// is not told.
+std::unique_ptr<MCUProcessDataBlock> makeItem(const IMD_proto3rd& request, int32_t key, std::size_t length,
                                               std::span<uint8_t>& payload) {
   std::unique_ptr<MCUProcessDataBlock> block(new (std::nothrow) MCUProcessDataBlock);
   char* room = block ? block->allocate(static_cast<int>(length)) : nullptr;
   if (room == nullptr) {
     PARLEND_TRACE(kError) << "=== MCUProcessDataBlock ===: new a pDataBlock, but it's NULL. return.";
-    request.proto.m_ucAck = kAckRefused;
     return nullptr;
   }
   payload = {reinterpret_cast<uint8_t*>(room), length};
   block->ipcHeader = request.ipcHeader;
   block->m_key = key;
   return block;
+}
+
+// Without its thread the queue keeps nothing, and the requester is told.
+int queueItem(IMD_proto3rd& request, const char* keyName, std::unique_ptr<MCUProcessDataBlock> block) {
+  if (const int refused = queueWork(std::move(block))) {
+    request.proto.m_ucAck = kAckRefused;
+    return refused;
+  }
+  banner("Finish", keyName);
+  return kDone;
 }
 
 }  // namespace
@@ -64,9 +73,7 @@ int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName) {
   writer.le32(proto.m_uiRegisterUnitAddress);
   writer.le16(proto.m_usValidDataLength);
   writer.bytes(proto.m_data);
-  StubUtil::getInstance()->addMessageToList(block.release());
-  banner("Finish", keyName);
-  return kDone;
+  return queueItem(*request, keyName, std::move(block));
 }
 
 int queuePayload(IMD_proto3rd& request, int32_t key, const char* keyName, std::span<const uint8_t> payload) {
@@ -75,9 +82,7 @@ int queuePayload(IMD_proto3rd& request, int32_t key, const char* keyName, std::s
   auto block = makeItem(request, key, payload.size(), room);
   if (!block) return kRefused;
   std::copy(payload.begin(), payload.end(), room.begin());
-  StubUtil::getInstance()->addMessageToList(block.release());
-  banner("Finish", keyName);
-  return kDone;
+  return queueItem(request, keyName, std::move(block));
 }
 
 }  // namespace ORVE_MCUC

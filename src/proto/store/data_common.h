@@ -12,6 +12,7 @@
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
 #include "proto/store/paratables.h"
+#include "waitable.h"
 
 namespace ORVE_MCUC {
 
@@ -117,7 +118,7 @@ class Data_Global {
   RelaxedByte LinkButError;
   RelaxedByte LEDConfigStatus;  // what configured the screen last
   RelaxedByte factoryflag;
-  RelaxedByte RWFPGATestflag;                      // 1: the report thread tests FPGA tables
+  WaitableByte RWFPGATestflag;                     // 1: the report thread tests FPGA tables
   RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
   ByteImage<32> TmpCalcScreenPara;
   CMutexThreadRecursive m_mutex;

@@ -4,9 +4,9 @@
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"
 #include "mcuctrace.h"
+#include "outgoing.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
-#include "stub/stubutil.h"
 #include "taskid.h"
 
 namespace ORVE_MCUC {
@@ -26,7 +26,7 @@ void push(uint32_t service, uint32_t address, std::span<const uint8_t> data) {
   message.processID = taskOf(kServiceSend);
   message.ipcHeader.uiid = taskOf(service);
   message.ipcHeader.largeLabel = kThirdProtocolLabel;
-  StubUtil::getInstance()->SendMsg(std::move(message));
+  sendMessage(std::move(message));
 }
 
 }  // namespace

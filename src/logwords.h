@@ -22,7 +22,7 @@ struct SectionWords {
 
 // What an operation says of its work: the lines around it, and the error line that its failure begins.
 struct WorkWords {
-  SectionWords section;
+  SectionWords section{};
   std::string_view failed;  // "=== SaveX ===Save x to flash failed. ret = "
   Level failedLevel = kError;
 };

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "mcuctrace_echo.h"
+#include "platform/lineecho.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -23,8 +23,8 @@ constexpr std::size_t kLongestLine = 1024;
 constexpr std::chrono::microseconds kGapInBurst{2};
 constexpr std::chrono::milliseconds kHeaderTrusted{1};
 
-const LineEcho& echo() {
-  static const LineEcho output;
+const platform::LineEcho& echo() {
+  static const platform::LineEcho output;
   return output;
 }
 

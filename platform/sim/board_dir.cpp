@@ -4,7 +4,6 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -15,6 +14,7 @@
 #include "board_cards.h"
 #include "board_conf.h"
 #include "board_control.h"
+#include "board_error.h"
 #include "board_flash.h"
 #include "board_fpga.h"
 #include "board_journal.h"
@@ -41,7 +41,7 @@ int lockFile = -1;
 BoardConf plugged;
 
 [[noreturn]] void refuse(const std::string& why) {
-  std::fprintf(stderr, "%s\n", why.c_str());
+  errorLine(why);
   std::exit(2);
 }
 

@@ -16,12 +16,18 @@ namespace {
 constexpr int kPowerCutStatus = 75;
 
 std::atomic<bool> power{false};
-std::mutex meaningLock;
-std::function<void(Outage)> meaningHere;
+struct Meaning {
+  std::mutex lock;
+  std::function<void(Outage)> carryOut;
+};
+Meaning& meaning() {
+  static auto& instance = *new Meaning;
+  return instance;
+}
 
-std::function<void(Outage)> meaning() {
-  const std::lock_guard guard(meaningLock);
-  return meaningHere;
+std::function<void(Outage)> currentMeaning() {
+  const std::lock_guard guard(meaning().lock);
+  return meaning().carryOut;
 }
 
 }  // namespace
@@ -36,7 +42,7 @@ void setPower(bool on) {
 void powerGoes(Outage why) {
   setPower(false);
   forgetPowered();
-  const auto carryOut = meaning();
+  const auto carryOut = currentMeaning();
   if (why == Outage::Cut && !carryOut) _exit(kPowerCutStatus);
   closeJournal();
   apipc_close_all_peers();
@@ -46,8 +52,8 @@ void powerGoes(Outage why) {
 }
 
 void onOutage(std::function<void(Outage)> then) {
-  const std::lock_guard guard(meaningLock);
-  meaningHere = std::move(then);
+  const std::lock_guard guard(meaning().lock);
+  meaning().carryOut = std::move(then);
 }
 
 }  // namespace simboard

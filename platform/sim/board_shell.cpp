@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+#include "board_error.h"
 #include "board_files.h"
 #include "board_flash.h"
 #include "board_fpga.h"
@@ -197,7 +198,7 @@ int run(const char* command, std::string& output) {
   const Words words = split(command);
   const auto found = words.empty() ? commands().end() : commands().find(words[0]);
   if (found != commands().end()) return found->second(words, output);
-  std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
+  complain(Complaint::UnknownCommand, std::string("simulated board: unknown command: ") + command);
   return kUnknownCommand;
 }
 

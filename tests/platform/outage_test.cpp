@@ -1,5 +1,7 @@
 // A board that fails on purpose: faults by count and by address, power cuts, and time in a test's hands.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -201,6 +203,41 @@ TEST_F(BoardTest, AFileInThePlaceOfTheLogDirectoryDoesNotStopTheBoard) {
   EXPECT_EQ(writeFlash(0x100, {5}), 0);
   EXPECT_NE(board_shell("mkdir -p /log"), 0);
   EXPECT_EQ(text("log"), "not a directory");
+}
+
+// Standard error in the place of this process's own, for as long as the record lives.
+class StandardError {
+ public:
+  explicit StandardError(int file) : before_(dup(STDERR_FILENO)) { dup2(file, STDERR_FILENO); }
+  ~StandardError() {
+    dup2(before_, STDERR_FILENO);
+    close(before_);
+  }
+
+ private:
+  int before_;
+};
+
+TEST_F(BoardTest, NobodyHasToReadStandardErrorAndAKindOfLineComesOnceASecond) {
+  takeTime();
+  start();
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  ASSERT_EQ(fcntl(ends[1], F_SETPIPE_SZ, 4096), 4096);
+  {
+    const StandardError unread(ends[1]);
+    for (int i = 0; i < 200; ++i, advance(1s)) board_shell("nonsense that nobody reads");
+    std::array<char, 8192> read{};
+    EXPECT_GT(::read(ends[0], read.data(), read.size()), 4000) << "it was full";
+    close(ends[0]);
+    for (int i = 0; i < 3; ++i, advance(1s)) board_shell("a reader that left");
+  }
+  close(ends[1]);
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 40; ++i, advance(100ms)) board_shell("nonsense");
+  const std::string line = "simulated board: unknown command: nonsense";
+  const std::string more = line + " (9 more since the last line)\n";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), line + "\n" + more + more + more);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ inline constexpr uint32_t kLauncher3DEnd = 0x003000;  // where other parameters 
 inline constexpr uint32_t kLauncher3DCopy = 0x00F557;
 inline constexpr uint32_t kLauncher3DColourCopy = 0x00F558;
 inline constexpr uint32_t kLauncher3DCopyEnd = 0x200000;
+inline constexpr uint32_t kInputModes = 0x200000;         // 72: what the inputs were set to last
 inline constexpr uint32_t kBasicHardwareCopy = 0xA01000;  // 256
 inline constexpr uint32_t kFeature = 0xA3B100;            // 512
 inline constexpr uint32_t kPositionTables = 0xA3C000;     // 40960

@@ -7,6 +7,7 @@
 
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
+#include "portlinks.h"
 
 namespace ORVE_MCUC {
 
@@ -56,8 +57,10 @@ class DriverUtil {
                    unsigned short Num, unsigned char* ParaPtr, unsigned char DevType);
   int ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short Num,
                    unsigned char* ParaPtr, unsigned char DevType);
+  // Where the links are told; without, no port has one.
+  static void useLinks(const PortLinks* links);
   int SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
-                   unsigned short Num, unsigned char* ParaPtr, unsigned char DevType);
+                   unsigned short Num, const unsigned char* ParaPtr, unsigned char DevType);
 
   // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6
   // weekday 1..7 (Sunday 1); 0 for any other field.

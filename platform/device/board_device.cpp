@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <thread>
 
 #include "platform/apipc.h"
 #include "platform/board.h"
@@ -45,6 +46,16 @@ int board_shell_line(const char* command, char* line, size_t size) {
   const bool any = std::fgets(line, static_cast<int>(size), output) != nullptr;
   pclose(output);
   return any ? static_cast<int>(std::strlen(line)) : 0;
+}
+
+void board_pause(int64_t microseconds) {
+  if (microseconds > 0) std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+}
+
+int64_t board_monotonic_us(void) {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<int64_t>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
 }
 
 void board_clock(struct timespec* now) {

@@ -32,6 +32,10 @@ void simboard::apipc_close_all_peers() {
   if (serving()) service()->close();
 }
 
+void simboard::apipc_time_moved() {
+  if (serving()) service()->timeMoved();
+}
+
 unsigned char apcard_bit_self(void) {
   return simboard::cardBit();
 }

@@ -40,6 +40,7 @@ class MessageService {
   // Of any thread.
   bool send(uint32_t task, std::span<const unsigned char> packet);
   bool connected(uint32_t task) const;
+  void timeMoved() const { signal(); }
   void close();
 
  private:

@@ -23,6 +23,9 @@ inline constexpr std::size_t kMaxPacket = kHeadSize + kMaxFrame;
 uint32_t readLe32(std::span<const unsigned char> bytes);
 std::array<unsigned char, 4> toLe32(uint32_t value);
 
+/** "0x010a3900". */
+std::string hexWord(uint32_t value);
+
 /** What is wrong with a packet of `length` bytes from `sender`, in words; nothing when it may pass. `start`
  * holds its first kHeadSize bytes, or all of it if it is shorter. */
 std::optional<std::string> packetFault(std::span<const unsigned char> start, std::size_t length,

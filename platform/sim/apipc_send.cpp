@@ -1,10 +1,8 @@
 // Sending, looking up, and the end of the service: from any thread.
 #include <sys/socket.h>
 
-#include <cinttypes>
-#include <cstdio>
-
 #include "apipc_loop.h"
+#include "board_error.h"
 
 namespace simboard {
 namespace {
@@ -23,8 +21,8 @@ bool MessageService::send(uint32_t task, std::span<const unsigned char> packet) 
   if (result == SendResult::TooSlow) {
     peer->shutDown();
     signal();
-    std::fprintf(stderr, "apipc: 0x%08" PRIx32 " does not read what it is sent: connection closed\n",
-                 receiver);
+    complain(Complaint::SlowPeer,
+             "apipc: " + hexWord(receiver) + " does not read what it is sent: connection closed");
   }
   return result == SendResult::Sent;
 }

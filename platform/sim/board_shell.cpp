@@ -14,10 +14,12 @@
 #include <optional>
 #include <vector>
 
+#include "board_error.h"
 #include "board_files.h"
 #include "board_flash.h"
 #include "board_fpga.h"
 #include "board_journal.h"
+#include "board_power.h"
 #include "platform/board.h"
 #include "simboard.h"
 
@@ -161,7 +163,9 @@ int nothing(const Words&, std::string&) {
 }
 
 int restart(const Words& words, std::string&) {
-  if (words.size() == 2 && words[1] == "-f") reboot();
+  if (words.size() != 2 || words[1] != "-f") return kFailed;
+  if (journalsWrites()) JournalLine("reboot");
+  powerGoes(Outage::Reboot);
   return kFailed;
 }
 
@@ -189,11 +193,12 @@ const std::map<std::string, Command, std::less<>>& commands() {
 }
 
 int run(const char* command, std::string& output) {
+  if (!hasPower()) return kFailed;
   if (journalsWrites()) JournalLine("shell").word(command);
   const Words words = split(command);
   const auto found = words.empty() ? commands().end() : commands().find(words[0]);
   if (found != commands().end()) return found->second(words, output);
-  std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
+  complain(Complaint::UnknownCommand, std::string("simulated board: unknown command: ") + command);
   return kUnknownCommand;
 }
 

@@ -13,17 +13,19 @@
 
 namespace ORVE_MCUC {
 
+using WorkHandler = int (*)(int lenth, char* data);
+
 struct Fprocess_cmd {
   uint16_t largelab = 0;
   uint16_t smalllab = 0;
   enum_Process_Key_Table process_key = HwBasicinfoKey;
   const char* cmd_str = nullptr;  // null ends the table
-  int (*called_fun)(int lenth, char* data) = nullptr;
+  WorkHandler called_fun = nullptr;
 };
 
 struct Fprocess_cmdMap {
   uint32_t NO = 0;  // position of the row in the table
-  Fprocess_cmd* cmd = nullptr;
+  const Fprocess_cmd* cmd = nullptr;
 };
 
 class Tprocess_ctl {
@@ -65,7 +67,7 @@ class Tprocess_ctl {
  private:
   Tprocess_ctl() = default;
 
-  static std::array<Fprocess_cmd, 200> process_root;
+  static const std::array<Fprocess_cmd, 200> process_root;  // rows, then empty ones
   std::map<uint32_t, Fprocess_cmdMap> m_mapProcess;
   CMutexThreadRecursive m_mutex;
 };

@@ -166,8 +166,8 @@ void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
   readStatus(kBelowFibers, now);
   links1.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber1));
   links2.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber2));
-  compareBelowFiber(store().fiber1BelowTold, fiber1, fpga::kFiberBelowLink, kFiber1Words);
-  compareBelowFiber(store().fiber2BelowTold, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
+  compareBelowFiber(store().fiber1BelowPushed, fiber1, fpga::kFiberBelowLink, kFiber1Words);
+  compareBelowFiber(store().fiber2BelowPushed, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
 }
 
 void Tprocess_ctl::SendFiberRedundtoLSD() {

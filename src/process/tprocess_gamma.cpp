@@ -37,15 +37,14 @@ void storeSegment(const GammaTable& table, uint32_t address, std::span<const uin
 }  // namespace
 
 int Tprocess::Sprocess_SenderRGBGamma(int lenth, char* data) {
-  return handlePenetrate({"Sprocess_SenderRGBGamma", "SenderRGBGammaKey"}, lenth, data,
-                         [](const PenetrateInfo& info) {
-                           const uint32_t address = info.Register & kGammaRegisterMask;
-                           if (const auto* table = findGammaTable(address)) {
-                             storeSegment(*table, address, info.data);
-                           } else if (const auto* value = findGammaValue(address, info.length)) {
-                             writeGamma(value->flash, info.data.first(1), value->depth, "", "Gamma value");
-                           }
-                         });
+  return handlePenetrate<SenderRGBGammaKey>(lenth, data, [](const PenetrateInfo& info) {
+    const uint32_t address = info.Register & kGammaRegisterMask;
+    if (const auto* table = findGammaTable(address)) {
+      storeSegment(*table, address, info.data);
+    } else if (const auto* value = findGammaValue(address, info.length)) {
+      writeGamma(value->flash, info.data.first(1), value->depth, "", "Gamma value");
+    }
+  });
 }
 
 }  // namespace ORVE_MCUC

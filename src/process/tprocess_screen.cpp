@@ -3,15 +3,14 @@
 #include <optional>
 
 #include "calc/screenrecord.h"
-#include "driverutil.h"
 #include "hextext.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -27,9 +26,8 @@ Data_Global& store() {
 }
 
 void storeConfigStatus(uint8_t status) {
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kShortcutConfig, 1, &status);
-  if (ret != 0)
-    PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
+  writeFlash(flash::kShortcutConfig, {&status, 1},
+             {"WriteToBackupInfo", "Write backup info to flash failed. ret = "});
 }
 
 void setConfigStatus(uint8_t status) {
@@ -44,10 +42,10 @@ bool isTaken(const SmartScreen& screen) {
          taken.cardsPerPort == screen.cardsPerPort && taken.mode == screen.mode;
 }
 
-void logRecord(const HandlerWords& words, std::span<const uint8_t> record) {
+void logRecord(std::span<const uint8_t> record) {
   if (!tracePasses(kInfo)) return;
   const HexText<kRecordTextRoom> text(record.data(), static_cast<int>(record.size()));
-  PARLEND_TRACE(kInfo) << words.handler << " enter:" << text.view();
+  PARLEND_TRACE(kInfo) << workKey<CalculateParaOfSenderKey>.handler << " enter:" << text.view();
 }
 
 // A submission takes the backup marker back: the output ports are assigned anew.
@@ -84,10 +82,8 @@ using Record = std::array<uint8_t, shortcut::kUsedSize>;
 
 std::optional<Record> readRecord() {
   Record record{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== CalculateParaOfSenderHandler ===the record cannot be read. ret = " << ret;
+  if (readFlash(flash::kShortcutConfig, record,
+                {"CalculateParaOfSenderHandler", "the record cannot be read. ret = "}) != 0) {
     return std::nullopt;
   }
   logFields("buff_new[0x16~0x19] = ", record);
@@ -106,10 +102,8 @@ void takeStored(const Record& record) {
 
 bool takeAdvancedScreen() {
   std::array<uint8_t, kAdvancedArea> area{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, area.size(), area.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== Sprocess_AdvCalcParaOfSender ===the ports cannot be read. ret = " << ret;
+  if (readFlash(flash::kShortcutConfig, area,
+                {"Sprocess_AdvCalcParaOfSender", "the ports cannot be read. ret = "}) != 0) {
     return false;
   }
   if (tracePasses(kInfo)) {
@@ -132,19 +126,10 @@ bool takeAdvancedScreen() {
   return true;
 }
 
-// A handler whose payload is not a register write.
-template <class Work>
-int handleCommand(const HandlerWords& words, Work work) {
-  logBanner("Begin", words);
-  work();
-  logBanner("Finish", words);
-  return 0;
-}
-
 }  // namespace
 
 int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
-  return handleCommand({"Sprocess_SaveSendCardPara", "SaveSendCardParaKey"}, [] {
+  return handleCommand<SaveSendCardParaKey>([] {
     if (store().LEDConfigStatus == shortcut::kByTables) storeConfigStatus(shortcut::kByTables);
     writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(),
                "Sprocess_SaveSendCardPara");
@@ -153,34 +138,19 @@ int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
 }
 
 int Tprocess::Sprocess_ReloadSendCardProgram(int, char*) {
-  return handleCommand({"Sprocess_ReloadSendCardProgram", "ReloadSenderFPGAKey"},
-                       [] { store().RestoreFPGA(); });
+  return handleCommand<ReloadSenderFPGAKey>([] { store().RestoreFPGA(); });
 }
 
 int Tprocess::Sprocess_CalculateParaOfSender(int lenth, char* data) {
-  const HandlerWords words{"Sprocess_CalculateParaOfSender", "CalculateParaOfSenderKey"};
-  if (data == nullptr) {
-    logNoData(words);
-    return 0;
-  }
-  if (lenth < static_cast<int>(shortcut::kUsedSize)) {
-    logCutShort(words, lenth);
-    return 0;
-  }
-  return handleCommand(words, [&] {
-    const std::span record(reinterpret_cast<const uint8_t*>(data), static_cast<std::size_t>(lenth));
-    logRecord(words, record);
-    submit(record);
-  });
+  return handleRecord<CalculateParaOfSenderKey>(lenth, data, shortcut::kUsedSize,
+                                                [](std::span<const uint8_t> record) {
+                                                  logRecord(record);
+                                                  submit(record);
+                                                });
 }
 
-int Tprocess::Sprocess_AdvCalcParaOfSender(int, char* data) {
-  const HandlerWords words{"Sprocess_AdvCalcParaOfSender", "AdvCalcParaOfSenderKey"};
-  if (data == nullptr) {
-    logNoData(words);
-    return 0;
-  }
-  return handleCommand(words, [] {
+int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
+  return handleRecord<AdvCalcParaOfSenderKey>(lenth, data, 0, [](std::span<const uint8_t>) {
     if (!takeAdvancedScreen()) return;
     store().AdvCalcParaGetSreenSize(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
     store().AdvCalcParaOfSenderInMosaicMode();

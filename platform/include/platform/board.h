@@ -29,6 +29,13 @@ int board_shell(const char* command);
  * started. */
 int board_shell_line(const char* command, char* line, size_t size);
 
+/* Pauses the calling thread; nothing for counts below 1. */
+void board_pause(int64_t microseconds);
+
+/* Microseconds of the board's time since some moment before the daemon's start: never set, never going back.
+ * Pauses pass in the same time. */
+int64_t board_monotonic_us(void);
+
 /* The board's clock: seconds and nanoseconds since 1970. */
 void board_clock(struct timespec* now);
 

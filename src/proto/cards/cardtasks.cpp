@@ -1,10 +1,10 @@
 #include "proto/cards/cardtasks.h"
 
-#include "driverutil.h"
 #include "maps/cardmap.h"
 #include "maps/flashmap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "results.h"
 
 namespace ORVE_MCUC {
@@ -26,8 +26,7 @@ int receivingCardPause(uint32_t next) {
 
 void keepBrightness(const CardWrite& write) {
   if (write.address != card::kBrightness || write.data.size() != 1) return;
-  const int result =
-      DriverUtil::getInstance()->WriteDataToFlash(flash::kCardBrightness, 1, write.data.data());
+  const int result = writeFlash(flash::kCardBrightness, write.data);
   if (result != 0) PARLEND_TRACE(kInfo) << "Write BrightnessInfo to flash failed. ret = " << result;
 }
 
@@ -38,11 +37,8 @@ void tellLsdOfChunk(const CardWrite& write, uint32_t address, std::span<const ui
 }
 
 void keepTwice(std::span<const uint8_t> data, uint32_t address, uint32_t copy) {
-  constexpr uint8_t kDevice = 1;
-  const auto length = static_cast<unsigned int>(data.size());
-  DriverUtil& driver = *DriverUtil::getInstance();
-  const int result = driver.WriteDataToFlash(address, length, data.data());
-  const int copyResult = driver.WriteDataToFlash(kDevice, copy, length, data.data());
+  const int result = writeFlash(address, data);
+  const int copyResult = writeFlash(copy, data);
   if (result == 0 && copyResult == 0) return;
   PARLEND_TRACE(kError) << "=== Ssh_Start3DLauncher ===Write 3D Para to flash failed. ret = " << result
                         << ", of the copy " << copyResult;

@@ -6,6 +6,7 @@
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "proto/cards/cardtasks.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/tshl_ctl.h"
 #include "results.h"
 #include "taskid.h"
@@ -23,6 +24,10 @@ uint32_t inChunks(uint32_t address, std::span<uint8_t> data, std::size_t chunkSi
     data = data.subspan(chunk.size());
   }
   return address;
+}
+
+CardPlace placeOf(const CardTask& task, const ThirdProtoMCUCMsg& proto) {
+  return {task.selector, proto.m_ucPortAddress, proto.m_usBoardAddress};
 }
 
 int answer(ThirdProtoMCUCMsg& proto, int code) {
@@ -51,8 +56,7 @@ int readChunks(const CardTask& task, ThirdProtoMCUCMsg& proto) {
                                   << ", PortAddr = " << proto.m_ucPortAddress << ", ReadLength = " << length
                                   << ", BoardAddr = " << proto.m_usBoardAddress
                                   << ", RegAddr = " << CTrace::hex << address;
-             const int got = DriverUtil::getInstance()->ReadCardPara(
-                 address, proto.m_ucPortAddress, proto.m_usBoardAddress, length, chunk.data(), task.selector);
+             const int got = readCard(placeOf(task, proto), address, chunk);
              if (result == 0) result = got;
            });
   return result;
@@ -85,8 +89,7 @@ void writeChunk(const CardTask& task, const ThirdProtoMCUCMsg& proto, uint32_t a
                   << " BoardAddr = " << proto.m_usBoardAddress << " RegAddr = " << CTrace::hex << address;
     if (task.showsData) line.record() << " data[0]:" << chunk[0];
   }
-  DriverUtil::getInstance()->SendCardPara(address, proto.m_ucPortAddress, proto.m_usBoardAddress, length,
-                                          chunk.data(), task.selector);
+  writeCard(placeOf(task, proto), address, chunk);
 }
 
 int write(const CardTask& task, const IMD_proto3rd& request) {

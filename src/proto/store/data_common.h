@@ -1,17 +1,21 @@
-// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the
-// operations that several rooms share. One object for the process, reached from every thread; images and
-// flags are relaxed atomics, so that they behave as plain bytes.
+// The sending card's parameters, put together from aspects that have an owner and a lock each, and the
+// operations that several rooms share. One object for the process, reached from every thread. A function that
+// needs one aspect takes that aspect.
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <span>
 
 #include "maps/cardgeometry.h"
-#include "mcucdatablock.h"
-#include "mcucmutex.h"
+#include "portlinks.h"
+#include "proto/store/devicestate.h"
+#include "proto/store/lastpushed.h"
 #include "proto/store/paratables.h"
+#include "proto/store/registerimages.h"
+#include "proto/store/resetstate.h"
+#include "proto/store/screenstate.h"
+#include "singleton.h"
 
 namespace ORVE_MCUC {
 
@@ -19,7 +23,14 @@ namespace ORVE_MCUC {
 extern const std::array<uint16_t, 16> PortParaXOffsetIndex;
 extern const std::array<uint16_t, 16> PortParaYOffsetIndex;
 
-class Data_Global {
+class Data_Global : public RegisterImages,
+                    public ConfigurationLock,
+                    public ScreenState,
+                    public MeasuredCards,
+                    public PortLinks,
+                    public LastPushed,
+                    public ResetState,
+                    public DeviceState {
  public:
   static Data_Global* getInstance();
   static void deleteInstance();
@@ -46,9 +57,6 @@ class Data_Global {
   void PortOffsetXUpdate(unsigned int port, uint16_t value);
   void PortOffsetYUpdate(unsigned int port, uint16_t value);
   void PortMorSUpdate(unsigned int port, uint8_t value);
-
-  // Bit p: output port p has a link, over copper or one of the fibers.
-  uint16_t linkedPorts() const;
 
   // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
   // result, or -1 for another type.
@@ -112,49 +120,12 @@ class Data_Global {
   void SendFlag_parlendload();
   void SendC8toVsp();
 
-  RelaxedByte NormalBackupStatus;
-  RelaxedByte PbufMorSMode;  // 0 master, 1 slave
-  RelaxedByte LinkButError;
-  RelaxedByte LEDConfigStatus;  // what configured the screen last
-  RelaxedByte factoryflag;
-  RelaxedByte RWFPGATestflag;                      // 1: the report thread tests FPGA tables
-  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
-  ByteImage<32> TmpCalcScreenPara;
-  CMutexThreadRecursive m_mutex;
-  ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
-  ByteImage<392> ScreenParaReg;         // screen information
-  ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
-  ByteImage<16> SendRedundStatustoLSD_buff;
-  ByteImage<4> SendRedundtoLSD_buff;
-  ByteImage<4> SendNetLinktoLSD_buff;
-  RelaxedByte RebootRF;  // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
-  RelaxedByte ResetMode;
-  RelaxedByte FpgaOnlineFlag;
-  ByteImage<1> fiberlink_buff;
-  ByteImage<1> fiberRedund_buff;
-  ByteImage<1> fiberCopyStatus_buff;
-  ByteImage<2> FiberToNetStatus_buff;
-  ByteImage<2> Fiber1BelowLinkStatus_buff;  // bit p: port p has a link below fiber 1
-  ByteImage<2> Fiber2BelowLinkStatus_buff;
-  ByteImage<2> fiber1BelowTold;  // what LSD was told of them
-  ByteImage<2> fiber2BelowTold;
-  ByteImage<6> SendOptRedundtoLSD_buff;
-  RelaxedByte LocalAddr;
-  ByteImage<4> ScanRecvBuf;
-  RelaxedByte ScanCardID;
-  RelaxedByte sync_hwtime_flag;
-  ByteImage<2> CfgScreenStatus;
-  RelaxedValue<bool> FpgaParaLoadFinish;
   static constexpr std::array<uint8_t, 4> IsNewFlashTag{0x39, 0xF6, 0xA5, 0x5A};  // marks a formatted flash
-  RelaxedByte ShortCfgReadRvStatus;
-  RelaxedValue<uint16_t> GigaPhyLinkSta;
-  RelaxedByte OptModuleLinkSta;
-  RelaxedValue<CardSize> ReceiveCardSize;  // 128 x 128 until measured; width and height change together
-  RelaxedByte _gCorroentHighSpeed;
-  RelaxedByte LinkStateChanged;
 
  private:
-  Data_Global() = default;
+  Data_Global();
+  ~Data_Global();
+  friend class Singleton<Data_Global>;
   void BootRecover();
   bool refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes);
 };

@@ -45,8 +45,7 @@ void storeScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card
   PARLEND_TRACE(kInfo) << "TempDviWidth: " << store.SendParameterReg.le16(fpga::kScreenWidth)
                        << " TempDviHeight: " << block.height << " RealDviWidth: " << block.width;
   constexpr std::array<uint8_t, 5> kNoLayout{};
-  storeScreenPara(store, card, kNoLayout,
-                  "=== AdvCalcParaOfSenderInMosaicMode ===write 02100001 to flash failed. driverRet = ");
+  storeScreenPara(store, card, kNoLayout, kCaller);
 }
 
 void setWindows(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
@@ -115,7 +114,7 @@ void Data_Global::AdvCalcParaGetSreenSize(const PortValues& rows, const PortValu
                                           const PortValues& xs, const PortValues& ys) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   clearScreenOffset(*this,
-                    "=== AdvCalcParaGetSreenSize ===Clear XY_Offset failed! When Advanced LED configure ! ");
+                    {"AdvCalcParaGetSreenSize", "Clear XY_Offset failed! When Advanced LED configure ! "});
   const CardSize card = ReceiveCardSize;
   PARLEND_TRACE(kInfo) << "Advanced LED configure: ReceiveCardWidth = " << card.width
                        << " ReceiveCardHeight = " << card.height;

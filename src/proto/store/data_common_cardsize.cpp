@@ -1,16 +1,16 @@
 // Measuring the receiving cards.
 #include <bit>
 
-#include "driverutil.h"
 #include "maps/cardmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr unsigned short kFirstCard = 0;
+constexpr uint16_t kFirstCard = 0;
 
 bool isOptical(uint8_t module) {
   return (module & fpga::kFiberModuleBits) != 0 && (module & fpga::kFiberLinkBits) != 0;
@@ -19,10 +19,8 @@ bool isOptical(uint8_t module) {
 // Reads the size from the first card behind a port. 0, or -1 with the size a default one or unchanged.
 int measure(Data_Global& store, unsigned int port) {
   std::array<uint8_t, 4> answer{};
-  const int ret =
-      DriverUtil::getInstance()->ReadCardPara(card::kSize, static_cast<unsigned short>(port), kFirstCard,
-                                              answer.size(), answer.data(), card::kReceivingCard);
-  if (ret != 0) {
+  const CardPlace first{card::kReceivingCard, static_cast<uint16_t>(port), kFirstCard};
+  if (readCard(first, card::kSize, answer) != 0) {
     store.ReceiveCardSize = CardSize{};
     PARLEND_TRACE(kInfo) << "=== Read receive card failed, return ====";
     return -1;
@@ -39,8 +37,8 @@ int measure(Data_Global& store, unsigned int port) {
 }
 
 int measureFirstLinked(Data_Global& store) {
-  DriverUtil& driver = *DriverUtil::getInstance();
-  const auto module = static_cast<uint8_t>(driver.FPGAC5_ReadOneWord(0, 0, fpga::kFiberLink));
+  uint8_t module = 0;
+  readFpga(fpga::kFiberLink, {&module, 1});
   store.OptModuleLinkSta = module;
   PARLEND_TRACE(kInfo) << "Detect Opt link status = " << module;
   PARLEND_TRACE(kError) << "=== GetRecvCardSize_Env === Get tty16 Status =  " << store.GigaPhyLinkSta;

@@ -1,5 +1,4 @@
 // The smart screen configuration: calculated values to image, FPGA and flash.
-#include "driverutil.h"
 #include "hextext.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -39,11 +38,7 @@ void storeScreen(Data_Global& store, const SmartScreen& screen) {
   const std::array<uint8_t, 5> layout{static_cast<uint8_t>(screen.rows), static_cast<uint8_t>(screen.columns),
                                       screen.mode, static_cast<uint8_t>(screen.cardsPerPort),
                                       static_cast<uint8_t>(screen.cardsPerPort >> 8)};
-  if (!storeScreenPara(store, screen.card, layout,
-                       "=== CalculateParaOfSenderInMosaicMode ===write 02100001 to flash failed. "
-                       "driverRet = ")) {
-    return;
-  }
+  if (!storeScreenPara(store, screen.card, layout, kCaller)) return;
   for (std::size_t i = 0; i < screenpara::kStored; ++i) {
     PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i << "] = " << store.ScreenParaReg[i];
   }
@@ -63,8 +58,7 @@ void setWindows(Data_Global& store, const SmartScreen& screen, const PortSplit& 
 void refreshNumberParts() {
   for (const NumberPart& part : kNumberPortParts) {
     std::array<uint8_t, kNumberPorts0To3.length> bytes{};
-    const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(
-        0, 0, part.fpga, static_cast<unsigned int>(part.length), bytes.data());
+    const int ret = readFpga(part.fpga, std::span(bytes).first(part.length));
     if (ret != 0 || !VsPartPara.copyFrom(std::span(bytes).first(part.length), part.at)) {
       PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===the card counts at " << CTrace::hex
                             << part.fpga << " cannot be read. ret = " << ret;
@@ -160,7 +154,7 @@ bool mapScreen(Data_Global& store, const SmartScreen& screen, uint8_t backup) {
 void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   clearScreenOffset(*this,
-                    "=== CalculateParaGetSreenSize ===Clear XY_Offset failed! When smart LED configure.");
+                    {"CalculateParaGetSreenSize", "Clear XY_Offset failed! When smart LED configure."});
   const CardSize card = ReceiveCardSize;
   const SmartScreen screen = screenIn(table, {});
   auto width = static_cast<uint16_t>(uint32_t{card.width} * screen.columns);
@@ -178,13 +172,8 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   setOutputSize(*this, width, height, 7, "CalculateParaGetSreenSize, calc screen!!");
   copyOutputToScreen(*this);
   SaveParaToFlash(1);
-  const auto output = SendParameterReg.part<fpga::kOutputWidth, 4>();
-  const int ret =
-      DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kOutputWidth, output.data(), output.size());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== CalculateParaGetSreenSize ===\n Write 0200_01EC to FPGA failed !!! ret = "
-                          << ret;
-  }
+  writeFpga(fpga::kOutputWidth, SendParameterReg.part<fpga::kOutputWidth, 4>(),
+            {"CalculateParaGetSreenSize", "\n Write 0200_01EC to FPGA failed !!! ret = "});
 }
 
 void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table,

@@ -1,12 +1,12 @@
 // Pushes of parameters to the peers that mirror them.
 #include <algorithm>
 
-#include "driverutil.h"
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"
 #include "mcuctrace.h"
+#include "outgoing.h"
 #include "proto/store/data_common.h"
-#include "stub/stubutil.h"
+#include "proto/store/deviceaccess.h"
 #include "taskid.h"
 
 namespace ORVE_MCUC {
@@ -26,7 +26,7 @@ void push(uint32_t service, uint32_t address, std::span<const uint8_t> data) {
   message.processID = taskOf(kServiceSend);
   message.ipcHeader.uiid = taskOf(service);
   message.ipcHeader.largeLabel = kThirdProtocolLabel;
-  StubUtil::getInstance()->SendMsg(std::move(message));
+  sendMessage(std::move(message));
 }
 
 }  // namespace
@@ -68,10 +68,8 @@ bool Data_Global::refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes)
   // Nothing may come between the read and the image: whoever changes the image holds the lock until the FPGA
   // has it.
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  const int ret = DriverUtil::getInstance()->ReadFPGABusBlock(fpgaRegister, bytes.data(),
-                                                              static_cast<unsigned int>(bytes.size()));
-  return ret == 0 ? SendParameterReg.copyFrom(bytes, fpgaRegister)
-                  : SendParameterReg.copyTo(bytes, fpgaRegister);
+  return readFpga(fpgaRegister, bytes) == 0 ? SendParameterReg.copyFrom(bytes, fpgaRegister)
+                                            : SendParameterReg.copyTo(bytes, fpgaRegister);
 }
 
 void Data_Global::SendMStoLSD1_4() {

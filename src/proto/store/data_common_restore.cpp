@@ -8,8 +8,8 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/screenoffset.h"
@@ -30,11 +30,9 @@ bool isOnline(const Data_Global& store) {
 
 void readConfigStatus(Data_Global& store, const char* logLine) {
   uint8_t status = 0;
-  const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, 1, &status);
-  if (ret == 0) {
+  if (readFlash(flash::kShortcutConfig, {&status, 1},
+                {kCaller, "the configuration status cannot be read. ret = "}) == 0) {
     store.LEDConfigStatus = status;
-  } else {
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the configuration status cannot be read. ret = " << ret;
   }
   PARLEND_TRACE(kInfo) << logLine << store.LEDConfigStatus;
 }
@@ -127,8 +125,7 @@ void restorePortTables(bool online) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
     std::array<uint8_t, kPortTableSize> table{};
     const auto at = static_cast<uint32_t>(portTableAt(port));
-    const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kPositionTables + at, table.size(),
-                                                                  table.data());
+    const int ret = readFlash(flash::kPositionTables + at, table);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
     if (ret == 0) setPortTable(port, table);
     if (!online) continue;
@@ -149,9 +146,7 @@ void writeNumberParts(std::span<const uint8_t> table) {
       {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
   };
   for (const Step& step : kSteps) {
-    const auto bytes = table.subspan(step.part.at, step.part.length);
-    const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(
-        0, 0, step.part.fpga, static_cast<unsigned int>(bytes.size()), bytes.data());
+    const int ret = writeFpga(step.part.fpga, table.subspan(step.part.at, step.part.length));
     PARLEND_TRACE(kInfo) << step.written << ret;
   }
   PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << table[kBitDepthMarkAt];
@@ -160,9 +155,7 @@ void writeNumberParts(std::span<const uint8_t> table) {
 void restoreNumberTable(bool online) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
   std::array<uint8_t, VsPartPara.size()> table{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kNumberTable, table.size(), table.data());
-  if (ret != 0) PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
+  const int ret = readFlash(flash::kNumberTable, table, {kCaller, "the number table cannot be read. ret = "});
   if (ret == 0) VsPartPara.put<0>(std::span<const uint8_t, VsPartPara.size()>(table));
   table = VsPartPara.bytes();
   if (tracePasses(kInfo))
@@ -197,16 +190,14 @@ void restoreConfigured(Data_Global& store) {
 }  // namespace
 
 void Data_Global::BootRecover() {
-  DriverUtil& driver = *DriverUtil::getInstance();
   uint8_t role = 0;
-  if (driver.ReadBytesFromFlash(flash::kRole, 1, &role) == 0) {
+  if (readFlash(flash::kRole, {&role, 1},
+                {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "}) == 0) {
     PbufMorSMode = role;
-  } else {
-    PARLEND_TRACE(kError) << "=== BootRecover ===Can not read flash when get the PbufMorSMode in poweron! ";
   }
   if (isOnline(*this)) {
     uint8_t mark = 0;
-    driver.ReadFPGABusOneWord(fpga::kBackupMark, &mark);
+    readFpga(fpga::kBackupMark, {&mark, 1});
     const bool marked =
         std::find(std::begin(kBackupMarks), std::end(kBackupMarks), mark) != std::end(kBackupMarks);
     NormalBackupStatus = marked ? 0 : 1;

@@ -1,10 +1,9 @@
 // Master and backup roles of the output ports.
-#include "driverutil.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -47,7 +46,7 @@ void Data_Global::SendMasterOrBackup(uint8_t backup) {
   setPortRoles(backup);
   for (uint32_t i = 0; i < kPortsOfGroup; ++i) {
     for (const RoleGroup& group : kGroups) {
-      const int ret = DriverUtil::getInstance()->FPGAC5_WriteOneWord(0, 0, group.fpga + i, role);
+      const int ret = writeFpga(group.fpga + i, {&role, 1});
       PARLEND_TRACE(kInfo) << group.written << i << " the ret = " << ret;
     }
   }

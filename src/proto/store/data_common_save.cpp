@@ -3,8 +3,8 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
@@ -23,8 +23,7 @@ struct SaveWords {
 
 void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> bytes) {
   PARLEND_TRACE(kInfo) << words.begin;
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(
-      address, static_cast<unsigned int>(bytes.size()), bytes.data());
+  const int ret = writeFlash(address, bytes);
   if (ret != 0) PARLEND_TRACE(kInfo) << words.failed << ret;
 }
 
@@ -66,7 +65,7 @@ void logSoundness(const ByteImage<512>& image) {
 
 bool formatTagDiffers() {
   std::array<uint8_t, Data_Global::IsNewFlashTag.size()> stored{};
-  DriverUtil::getInstance()->ReadBytesFromFlash(flash::kFormatTag, stored.size(), stored.data());
+  readFlash(flash::kFormatTag, stored);
   return stored != Data_Global::IsNewFlashTag;
 }
 

@@ -1,9 +1,8 @@
 // A read that is answered from the parameter flash.
 #pragma once
 
-#include <array>
-
 #include "driverutil.h"
+#include "proto/store/deviceaccess.h"
 #include "stub/mcucmessagestruct.h"
 
 namespace ORVE_MCUC {
@@ -13,8 +12,7 @@ namespace ORVE_MCUC {
 inline int replyFromFlash(IMD_proto3rd& request, uint32_t flashAddress) {
   auto& data = request.proto.m_data;
   data.assign(request.proto.m_usValidDataLength, 0);
-  const int result = DriverUtil::getInstance()->ReadBytesFromFlash(
-      flashAddress, static_cast<unsigned int>(data.size()), data.data());
+  const int result = readFlash(flashAddress, data);
   if (result != 0) data.clear();
   return result;
 }

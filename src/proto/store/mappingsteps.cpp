@@ -1,16 +1,15 @@
 #include "proto/store/mappingsteps.h"
 
-#include "driverutil.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/boardwrite.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr unsigned int kBlock = 1024;  // bytes of a port table that go to the FPGA at once
+constexpr std::size_t kBlock = 1024;  // bytes of a port table that go to the FPGA at once
 
 uint16_t low16(uint32_t value) {
   return static_cast<uint16_t>(value);
@@ -44,11 +43,9 @@ void copyOutputToScreen(Data_Global& store) {
   image.putLe16(fpga::kScreenHeight, image.le16(fpga::kOutputHeight));
 }
 
-void clearScreenOffset(Data_Global& store, const char* failed) {
+void clearScreenOffset(Data_Global& store, FailureWords failed) {
   constexpr std::array<uint8_t, 4> kNone{};
-  if (DriverUtil::getInstance()->WriteFPGABusBlock(fpga::kScreenOffsetX, kNone.data(), kNone.size()) != 0) {
-    PARLEND_TRACE(kError) << failed;
-  }
+  writeFpga(fpga::kScreenOffsetX, kNone, failed);
   store.SendParameterReg.putLe16(fpga::kScreenOffsetX, 0);
   store.SendParameterReg.putLe16(fpga::kScreenOffsetY, 0);
 }
@@ -59,8 +56,7 @@ std::optional<uint8_t> storeOutputSize(uint32_t width, uint32_t height, const ch
   putLe32(record, 4, height);
   if (writeFlash(flash::kScreenSize, record, caller) != 0) return std::nullopt;
   uint8_t counter = 0;
-  if (DriverUtil::getInstance()->ReadBytesFromFlash(flash::kScreenChangeCounter, 1, &counter) != 0)
-    return std::nullopt;
+  if (readFlash(flash::kScreenChangeCounter, {&counter, 1}) != 0) return std::nullopt;
   ++counter;
   if (writeFlash(flash::kScreenChangeCounter, {&counter, 1}, caller) != 0) return std::nullopt;
   return counter;
@@ -77,21 +73,18 @@ void logScreenChangeCounter(uint8_t counter) {
 }
 
 bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
-                     const char* failed) {
+                     const char* caller) {
   std::array<uint8_t, screenpara::kStored> bytes{1, 0x55};
   putLe16(bytes, screenpara::kCardSizeAt, card.width);
   putLe16(bytes, screenpara::kCardSizeAt + 2, card.height);
   std::copy(layout.begin(), layout.end(), bytes.begin() + screenpara::kLayoutAt);
   store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kScreenPara, bytes.size(), bytes.data());
-  if (ret != 0) PARLEND_TRACE(kError) << failed << ret;
-  return ret == 0;
+  return writeFlash(flash::kScreenPara, bytes, {caller, "write 02100001 to flash failed. driverRet = "}) == 0;
 }
 
 int readScreenPara(Data_Global& store) {
   std::array<uint8_t, screenpara::kStored> bytes{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kScreenPara, bytes.size(), bytes.data());
+  const int ret = readFlash(flash::kScreenPara, bytes);
   if (ret == 0) store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
   return ret;
 }
@@ -103,13 +96,14 @@ void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
 }
 
 void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller) {
-  DriverUtil& driver = *DriverUtil::getInstance();
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     const uint16_t count = low16(counts[port]);
     const uint32_t at = cardCountOnFpga(port);
     VsPartPara.putLe16(cardCountAt(port), count);
-    const int low = driver.FPGAC5_WriteOneWord(0, 0, at, static_cast<unsigned char>(count));
-    const int high = driver.FPGAC5_WriteOneWord(0, 0, at + 1, static_cast<unsigned char>(count >> 8));
+    std::array<uint8_t, 2> bytes{};
+    putLe16(bytes, 0, count);
+    const int low = writeFpga(at, std::span(bytes).first(1));
+    const int high = writeFpga(at + 1, std::span(bytes).last(1));
     PARLEND_TRACE(kInfo) << "Weite CardNumEachPort " << port << " : addr" << CTrace::hex << at
                          << " Para: " << count;
     if (low != 0 || high != 0)
@@ -122,9 +116,8 @@ int writePortTable(unsigned int port) {
   if (port >= kMappedPorts) return -1;
   const auto table = portTable(port);
   int result = 0;
-  for (unsigned int at = 0; at < kPortTableSize; at += kBlock) {
-    const int ret = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(0, 0, portTableOnFpga(port) + at, kBlock,
-                                                                     table.data() + at);
+  for (uint32_t at = 0; at < kPortTableSize; at += kBlock) {
+    const int ret = writeFpga(portTableOnFpga(port) + at, std::span(table).subspan(at, kBlock));
     if (result == 0) result = ret;
   }
   return result;

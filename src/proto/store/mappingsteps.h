@@ -9,6 +9,7 @@
 
 #include "calc/mapping.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 
@@ -27,7 +28,7 @@ void setOutputSize(Data_Global& store, uint32_t width, uint32_t height, int poin
 // Takes the output size over as the screen size.
 void copyOutputToScreen(Data_Global& store);
 // No offset, on the FPGA and in the image.
-void clearScreenOffset(Data_Global& store, const char* failed);
+void clearScreenOffset(Data_Global& store, FailureWords failed);
 
 // Output size to flash, and one more change counted: the count, or nothing when it could not be stored. The
 // counter starts at 0 after a restore.
@@ -38,7 +39,7 @@ void logScreenChangeCounter(uint8_t counter);
 // Bytes 0..14 of the screen parameters: to the image and to flash. layout: rows, columns, mode and cards per
 // port, as 5 bytes. False, and logged, when they could not be stored.
 bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
-                     const char* failed);
+                     const char* caller);
 // The same 15 bytes from flash; the image keeps what it holds when they cannot be read.
 int readScreenPara(Data_Global& store);
 

@@ -27,8 +27,8 @@ inline constexpr std::size_t kLayoutAt = 10;   // rows, columns, connection mode
 
 // Working values of the advanced configuration, ports 0..9.
 using PortValues = std::array<RelaxedValue<uint16_t>, 10>;
-inline constinit PortValues TempAdvCfgPortRow;
-inline constinit PortValues TempAdvCfgPortCol;
+inline constinit PortValues TempAdvCfgPortRow{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+inline constinit PortValues TempAdvCfgPortCol{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 inline constinit PortValues TempAdvCfgPortX;
 inline constinit PortValues TempAdvCfgPortY;
 inline constinit std::array<RelaxedByte, 10> TempAdvPortCM;

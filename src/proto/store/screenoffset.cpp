@@ -4,7 +4,7 @@
 
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/boardwrite.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {

@@ -1,7 +1,7 @@
 #include "proto/store/statuscheck.h"
 
-#include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 
@@ -20,11 +20,11 @@ void logTold(const StatusWords& words) {
 bool readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
   bool complete = true;
   for (const StatusBlock& block : blocks) {
-    std::array<uint8_t, kLongestBlock> bytes{};
-    if (block.length > now.size() || block.length > bytes.size()) return false;
-    if (DriverUtil::getInstance()->FPGAC5_ReadDataBlock(
-            0, 0, block.fpgaRegister, static_cast<unsigned int>(block.length), bytes.data()) == 0) {
-      std::copy_n(bytes.begin(), block.length, now.begin());
+    std::array<uint8_t, kLongestBlock> room{};
+    if (block.length > now.size() || block.length > room.size()) return false;
+    const auto bytes = std::span(room).first(block.length);
+    if (readFpga(block.fpgaRegister, bytes) == 0) {
+      std::ranges::copy(bytes, now.begin());
     } else {
       complete = false;
     }

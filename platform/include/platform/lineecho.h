@@ -1,5 +1,6 @@
-// Standard output as the second place of every trace line. Not for several threads at once.
-#pragma once
+// Lines on a standard stream, for both sides of the platform calls. Not for several threads at once.
+#ifndef PLATFORM_LINEECHO_H
+#define PLATFORM_LINEECHO_H
 
 #include <fcntl.h>
 #include <poll.h>
@@ -13,9 +14,9 @@
 #include <string>
 #include <string_view>
 
-namespace ORVE_MCUC {
+namespace platform {
 
-// Never waits for a reader and is never ended by one that left: what standard output does not take at once is
+// Never waits for a reader and is never ended by one that left: what the stream does not take at once is
 // left out. Neither its file status flags, which other processes share, nor the handling of signals is
 // changed.
 class LineEcho {
@@ -95,4 +96,6 @@ class LineEcho {
   Way way_ = Way::kNone;
 };
 
-}  // namespace ORVE_MCUC
+}  // namespace platform
+
+#endif

@@ -7,6 +7,7 @@
 
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
+#include "portlinks.h"
 
 namespace ORVE_MCUC {
 
@@ -56,6 +57,8 @@ class DriverUtil {
                    unsigned short Num, unsigned char* ParaPtr, unsigned char DevType);
   int ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short Num,
                    unsigned char* ParaPtr, unsigned char DevType);
+  // Where the links are told; without, no port has one.
+  static void useLinks(const PortLinks* links);
   int SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
                    unsigned short Num, const unsigned char* ParaPtr, unsigned char DevType);
 

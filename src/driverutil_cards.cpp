@@ -5,9 +5,9 @@
 #include <numeric>
 
 #include "driverutil.h"
+#include "maps/cardgeometry.h"
 #include "mcuctrace.h"
 #include "platform/driver.h"
-#include "proto/store/data_common.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -36,17 +36,22 @@ recvcard_mesg cardRequest(uint8_t code, uint32_t address, unsigned int port, uin
   return request;
 }
 
+std::atomic<const PortLinks*> portLinks{nullptr};
+
 bool isLinked(unsigned int port) {
-  const Data_Global& store = *Data_Global::getInstance();
-  const uint16_t copper = store.GigaPhyLinkSta;
-  const uint16_t fiber1 = store.Fiber1BelowLinkStatus_buff.le16(0);
-  const uint16_t fiber2 = store.Fiber2BelowLinkStatus_buff.le16(0);
-  PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << copper << " fiber1link_buff: " << fiber1
-                       << " fiber2link_buff: " << fiber2;
-  return port < kOutputPorts && ((copper | fiber1 | fiber2) >> port & 1) != 0;
+  const PortLinks* links = portLinks.load(std::memory_order_acquire);
+  if (links == nullptr) return false;
+  PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << links->GigaPhyLinkSta
+                       << " fiber1link_buff: " << links->Fiber1BelowLinkStatus_buff.le16(0)
+                       << " fiber2link_buff: " << links->Fiber2BelowLinkStatus_buff.le16(0);
+  return port < kOutputPorts && (links->linkedPorts() >> port & 1) != 0;
 }
 
 }  // namespace
+
+void DriverUtil::useLinks(const PortLinks* links) {
+  portLinks.store(links, std::memory_order_release);
+}
 
 int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short BoardAddr,
                              unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {

@@ -17,22 +17,6 @@ constexpr int kTickMs = 200;
 constexpr uint8_t kHighestResetState = 3;
 constexpr int kNotConnected = -1;
 
-// Every status counts as changed from here on, except those that are zero, and a fiber link of 0xFF.
-void forgetPushes() {
-  Data_Global& store = *Data_Global::getInstance();
-  store.SendRedundStatustoLSD_buff.fill(0);
-  store.SendRedundtoLSD_buff.fill(0);
-  store.SendNetLinktoLSD_buff.fill(0);
-  store.fiberlink_buff.fill(0xFF);
-  store.fiberRedund_buff.fill(0);
-  store.FiberToNetStatus_buff.fill(0);
-  // Not the link words themselves: cards are reached by them meanwhile.
-  store.fiber1BelowTold.fill(0);
-  store.fiber2BelowTold.fill(0);
-  store.fiberCopyStatus_buff.fill(0);
-  store.SendOptRedundtoLSD_buff.fill(0);
-}
-
 }  // namespace
 
 int McuIMDThread::CheckFPGAOnline() {
@@ -100,7 +84,7 @@ void McuIMDThread::LsdApipcConnHandler() {
   monitor.apipc_connect_status = true;
   monitor.OptToNetEnableOnce = false;
   PARLEND_TRACE(kInfo) << "<<<<<<FlagMsg process thread apipc_connect_chktask_by_taskid success!>>>>>>";
-  forgetPushes();
+  Data_Global::getInstance()->forget();
 }
 
 void McuIMDThread::CalculateSenderParaHandler() {

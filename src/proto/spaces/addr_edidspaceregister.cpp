@@ -1,16 +1,11 @@
-#include "proto/spaces/addr_edidspaceregister.h"
-
+// The EDID of the current video input; a one-byte read looks for the input boards anew.
 #include "maps/inputsource.h"
 #include "process/inputSource.h"
+#include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
 
 namespace ORVE_MCUC {
 namespace {
-
-constexpr std::array kRows{offsetRow(reg::kEdid, "edid space info", "edid space info register", {0, 2048},
-                                     &Addr_EDIDSpaceRegister::DoEDIDSpace),
-                           Fshl_cmd{}};
-static_assert(rowsAreSound(kRows));
 
 constexpr uint16_t kDetectLength = 1;
 
@@ -22,17 +17,9 @@ int currentInput() {
   return group.value_or(0);
 }
 
-}  // namespace
-
-constinit std::array<Fshl_cmd, 2> Addr_EDIDSpaceRegister::cmd_tblOffset = kRows;
-
-int Addr_EDIDSpaceRegister::DoEDIDSpace(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  return readOrWrite(msgIMD, &ReadFromEDIDSpace, &WriteToEDIDSpace);
-}
-
-int Addr_EDIDSpaceRegister::ReadFromEDIDSpace(IMD_proto3rd* msgIMD) {
-  if (msgIMD->proto.m_uiRegisterUnitAddress != reg::kEdid) return kBeyondImage;
-  const uint16_t length = msgIMD->proto.m_usValidDataLength;
+int ReadFromEDIDSpace(IMD_proto3rd& request) {
+  if (request.proto.m_uiRegisterUnitAddress != reg::kEdid) return kBeyondImage;
+  const uint16_t length = request.proto.m_usValidDataLength;
   if (length == kDetectLength) {
     InputSource::getInstance()->InputBoardInit();
     return kDone;
@@ -40,12 +27,16 @@ int Addr_EDIDSpaceRegister::ReadFromEDIDSpace(IMD_proto3rd* msgIMD) {
   if (length != kEdidBlock && length != kEdidBytes) return kBeyondImage;
   std::array<uint8_t, kEdidBytes> edid{};
   InputSource::getInstance()->ReadEDIDInfo(currentInput(), edid);
-  replyWith(*msgIMD, std::span<const uint8_t>(edid).first(length));
+  replyWith(request, std::span<const uint8_t>(edid).first(length));
   return kDone;
 }
 
-int Addr_EDIDSpaceRegister::WriteToEDIDSpace(IMD_proto3rd* msgIMD) {
-  return queueWrite(msgIMD, DoEDIDSpaceKey, "DoEDIDSpaceKey");
+}  // namespace
+
+const RegisterSpace& spaceAt(At<reg::kEdid>) {
+  static constexpr RegisterSpace kSpace =
+      registerSpace<reg::kEdid>({.read = &ReadFromEDIDSpace, .write = &queueWrite<DoEDIDSpaceKey>});
+  return kSpace;
 }
 
 }  // namespace ORVE_MCUC

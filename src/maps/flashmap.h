@@ -20,9 +20,11 @@ inline constexpr uint32_t kMode3D = 0x002400;
 inline constexpr uint32_t kLauncher3D = 0x002407;
 inline constexpr uint32_t kLauncher3DColour = 0x002408;
 inline constexpr uint32_t kScenes = 0x003000;
+inline constexpr uint32_t kLauncher3DEnd = kScenes;
 inline constexpr uint32_t kLauncher3DCopy = 0x00F557;
 inline constexpr uint32_t kLauncher3DColourCopy = 0x00F558;
-inline constexpr uint32_t kInputSettings = 0x200000;
+inline constexpr uint32_t kInputModes = 0x200000;
+inline constexpr uint32_t kLauncher3DCopyEnd = kInputModes;
 inline constexpr uint32_t kBasicHardwareCopy = 0xA01000;
 inline constexpr uint32_t kFeature = 0xA3B100;
 inline constexpr uint32_t kPositionTables = 0xA3C000;
@@ -76,11 +78,12 @@ inline constexpr std::array kAreas{
     Area{kGenerator, 1, "generator", "whether the internal generator runs; a low delay asks"},
     Area{kMode3D, 1, "3D", "whether the picture is in 3D; a low delay asks"},
     Area{kLauncher3D, 1, "3D launcher mode", "what 3D launchers were told last"},
-    Area{kLauncher3DColour, 3, "3D launcher colour", "likewise"},
+    Area{kLauncher3DColour, kScenes - kLauncher3DColour, "3D launcher colour",
+         "likewise, with room for longer writes"},
     Area{kScenes, 0xB400, "scenes", "parameters of the video daemon"},
-    Area{kLauncher3DCopy, 1, "3D launcher mode, copy", ""},
-    Area{kLauncher3DColourCopy, 3, "3D launcher colour, copy", ""},
-    Area{kInputSettings, 72, "input settings", "limits and resolutions that the EDIDs are made from"},
+    Area{kLauncher3DCopy, 1, "3D launcher mode, copy", "the same again"},
+    Area{kLauncher3DColourCopy, kInputModes - kLauncher3DColourCopy, "3D launcher colour, copy", "likewise"},
+    Area{kInputModes, 72, "input modes", "what the inputs were set to last"},
     Area{kBasicHardwareCopy, 256, "basic hardware page, copy", "written by a save of everything"},
     Area{kFeature, 512, "feature parameters", "image of the feature space"},
     Area{kPositionTables, 0xA000, "position tables", "places of the cards, 4096 bytes for each of ten ports"},

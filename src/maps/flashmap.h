@@ -22,6 +22,7 @@ inline constexpr uint32_t kNumberTable = 0xA5C000;        // 768
 inline constexpr uint32_t kRole = 0xA60010;               // 1
 inline constexpr uint32_t kGlobalPara = 0xA61000;         // 512
 inline constexpr uint32_t kFormatTag = 0xB88000;          // 4
+inline constexpr uint32_t kBrightness = 0xB8B000;         // 5120: the brightness configuration file
 inline constexpr uint32_t kBackupInfo = 0xB98000;
 inline constexpr uint32_t kShortcutConfig = 0xB99000;  // 32; byte 0: LEDConfigStatus
 inline constexpr uint32_t kScreenSize = 0xC20000;      // width u32, height u32
@@ -47,6 +48,9 @@ constexpr uint32_t ofFeature(uint32_t fpgaRegister) {
 }
 constexpr uint32_t ofShortcutConfig(uint32_t registerAddress) {
   return registerAddress - reg::kShortcutConfigScreen + kShortcutConfig;
+}
+constexpr uint32_t ofBrightness(uint32_t registerAddress) {
+  return registerAddress - reg::kBrightness + kBrightness;
 }
 constexpr uint32_t ofBackupInfo(uint32_t registerAddress) {
   return registerAddress - reg::kBackupInfo + kBackupInfo;

@@ -50,6 +50,9 @@ class McuIMDThread {
 
   // Takes messages one at a time until something is wrong with one: kErrNoMessage.
   int ipc_event_deal_th();
+  // Takes the oldest message and handles it to the end, or waits a while for one. kErrNoMessage when
+  // something is wrong with it or nothing may be answered, else 0.
+  int takeMessage();
   // Checks, decodes and carries out one frame of label->size bytes. kErrNoMessage without a frame, else 0.
   int dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label, const unsigned char* frame);
 
@@ -74,7 +77,6 @@ class McuIMDThread {
   int CreateThread(Worker& worker, void* (*entry)(void*));
   void step();
   void watchStatus();
-  int takeMessage();
   void rememberPeer(uint32_t uiid);
 
   static constexpr std::size_t kPeersRemembered = 1024;

@@ -22,23 +22,23 @@ struct Name {
 // Registers that pushes name, and a few that people look for.
 constexpr std::array kRegisters{
     Name{reg::kRebootNotice, "reboot notice"},
-    Name{reg::ofFeature(fpga::kMasterSlavePorts1To4), "master/slave of ports 1-4"},
-    Name{reg::ofFeature(fpga::kMasterSlavePorts5To8), "master/slave of ports 5-8"},
-    Name{reg::ofFeature(fpga::kMasterSlavePorts9To16), "master/slave of ports 9-16"},
-    Name{reg::ofFeature(fpga::kRedundancyPorts1To4), "redundancy of ports 1-4"},
-    Name{reg::ofFeature(fpga::kNetLinkPorts1To4), "links of ports 1-4"},
-    Name{reg::ofFeature(fpga::kRedundancyPorts5To8), "redundancy of ports 5-8"},
-    Name{reg::ofFeature(fpga::kNetLinkPorts5To8), "links of ports 5-8"},
-    Name{reg::ofFeature(fpga::kRedundancyPorts9To16), "redundancy of ports 9-16"},
-    Name{reg::ofFeature(fpga::kNetLinkPorts9To16), "links of ports 9-16"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts1To4), "master/slave of ports 0-3"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts5To8), "master/slave of ports 4-7"},
+    Name{reg::ofFeature(fpga::kMasterSlavePorts9To16), "master/slave of ports 8-15"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts1To4), "redundancy of ports 0-3"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts1To4), "links of ports 0-3"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts5To8), "redundancy of ports 4-7"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts5To8), "links of ports 4-7"},
+    Name{reg::ofFeature(fpga::kRedundancyPorts9To16), "redundancy of ports 8-15"},
+    Name{reg::ofFeature(fpga::kNetLinkPorts9To16), "links of ports 8-15"},
     Name{reg::ofFeature(fpga::kFiberLink), "fiber modules"},
     Name{reg::ofFeature(fpga::kFiberRedundancy), "fiber redundancy and copy"},
     Name{reg::ofFeature(fpga::kFiberToNetStatus), "fiber to net, path 1"},
     Name{reg::ofFeature(fpga::kFiberToNetStatus + 1), "fiber to net, path 2"},
-    Name{reg::ofFeature(fpga::kFiberBelowLink), "links below fiber 1, ports 1-8"},
-    Name{reg::ofFeature(fpga::kFiberBelowLink + 1), "links below fiber 1, ports 9-16"},
-    Name{reg::ofFeature(fpga::kFiberBelowLink + 2), "links below fiber 2, ports 1-8"},
-    Name{reg::ofFeature(fpga::kFiberBelowLink + 3), "links below fiber 2, ports 9-16"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink), "links below fiber 1, ports 0-7"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 1), "links below fiber 1, ports 8-15"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 2), "links below fiber 2, ports 0-7"},
+    Name{reg::ofFeature(fpga::kFiberBelowLink + 3), "links below fiber 2, ports 8-15"},
     Name{reg::kReceivingCardSize, "receiving card size"},
     Name{reg::kVspTrigger, "VSP trigger"},
     Name{reg::kGamma10BitValue, "10-bit gamma value"},
@@ -79,7 +79,32 @@ std::string_view find(const Table& table, uint32_t address) {
   return {};
 }
 
+struct ReadEffect {
+  uint32_t address;
+  std::size_t length;  // 0: any
+  std::string_view text;
+};
+constexpr std::array kReadEffects{
+    ReadEffect{reg::kVspTrigger, 1, "pushes 0xC8 to VSP"},
+    ReadEffect{reg::kEdid, 1, "detects the video inputs again"},
+    ReadEffect{reg::kScanBoardPosition + 0x1EE, 0,
+               "measures the FPGA's read rate; the daemon does nothing else meanwhile"},
+    ReadEffect{reg::kScanBoardPosition + 0x1EF, 0,
+               "measures the FPGA's write rate and overwrites port tables"},
+};
+
 }  // namespace
+
+std::optional<RegisterSpace> spaceOf(uint32_t address) {
+  if (find(kSpaces, reg::routerKey(address)).empty()) return std::nullopt;
+  return RegisterSpace{.longest = 512, .readable = true, .writable = true};
+}
+
+std::string_view readEffect(uint32_t address, std::size_t length) {
+  for (const ReadEffect& row : kReadEffects)
+    if (row.address == address && (row.length == 0 || row.length == length)) return row.text;
+  return {};
+}
 
 std::string registerName(uint32_t address) {
   if (const auto name = find(kRegisters, address); !name.empty()) return std::string(name);

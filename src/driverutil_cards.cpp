@@ -5,9 +5,9 @@
 #include <numeric>
 
 #include "driverutil.h"
+#include "maps/cardgeometry.h"
 #include "mcuctrace.h"
 #include "platform/driver.h"
-#include "proto/store/data_common.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -36,17 +36,22 @@ recvcard_mesg cardRequest(uint8_t code, uint32_t address, unsigned int port, uin
   return request;
 }
 
+std::atomic<const PortLinks*> portLinks{nullptr};
+
 bool isLinked(unsigned int port) {
-  const Data_Global& store = *Data_Global::getInstance();
-  const uint16_t copper = store.GigaPhyLinkSta;
-  const uint16_t fiber1 = store.Fiber1BelowLinkStatus_buff.le16(0);
-  const uint16_t fiber2 = store.Fiber2BelowLinkStatus_buff.le16(0);
-  PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << copper << " fiber1link_buff: " << fiber1
-                       << " fiber2link_buff: " << fiber2;
-  return port < kOutputPorts && ((copper | fiber1 | fiber2) >> port & 1) != 0;
+  const PortLinks* links = portLinks.load(std::memory_order_acquire);
+  if (links == nullptr) return false;
+  PARLEND_TRACE(kInfo) << "CardLink State :" << CTrace::hex << links->GigaPhyLinkSta
+                       << " fiber1link_buff: " << links->Fiber1BelowLinkStatus_buff.le16(0)
+                       << " fiber2link_buff: " << links->Fiber2BelowLinkStatus_buff.le16(0);
+  return port < kOutputPorts && (links->linkedPorts() >> port & 1) != 0;
 }
 
 }  // namespace
+
+void DriverUtil::useLinks(const PortLinks* links) {
+  portLinks.store(links, std::memory_order_release);
+}
 
 int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr, unsigned short BoardAddr,
                              unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {
@@ -73,13 +78,14 @@ int DriverUtil::ReadCardPara(unsigned int RegStartAddr, unsigned short PortAddr,
 }
 
 int DriverUtil::SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
-                             unsigned short Num, unsigned char* ParaPtr, unsigned char DevType) {
+                             unsigned short Num, const unsigned char* ParaPtr, unsigned char DevType) {
   PARLEND_TRACE(kInfo) << "SendCardPara: Address = " << CTrace::hex << RegStartAddr << " Port = " << PortAddr
                        << " Board = " << BoardAddr << " length =" << Num
                        << " data[0]:" << (Num != 0 ? int{ParaPtr[0]} : 0);
   recvcard_mesg request =
       cardRequest(kWrite, RegStartAddr, PortAddr, BoardAddr, Num, DevType, {ParaPtr, Num});
-  return WriteFPGAToRecvCard(PLATFORM_FPGA_BUS, &request, PortAddr, ParaPtr);
+  // The library reads the data that it takes by a plain pointer.
+  return WriteFPGAToRecvCard(PLATFORM_FPGA_BUS, &request, PortAddr, const_cast<unsigned char*>(ParaPtr));
 }
 
 }  // namespace ORVE_MCUC

@@ -3,6 +3,7 @@
 
 #include "driverutil.h"
 #include "mcuctrace.h"
+#include "mcucutil.h"
 #include "platform/board.h"
 
 namespace ORVE_MCUC {
@@ -11,9 +12,7 @@ namespace {
 tm localNow() {
   timespec now{};
   board_clock(&now);
-  tm local{};
-  localtime_r(&now.tv_sec, &local);
-  return local;
+  return localTime(now.tv_sec);
 }
 
 // Replaces fields of the local time and sets the clock: one way for time, date and weekday.

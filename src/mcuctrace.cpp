@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "mcuctrace_file.h"
 #include "platform/board.h"
@@ -99,6 +100,7 @@ void CTrace::trace_string(int level, const char* text) {
 void CTrace::write(int level, LineBuffer& line, std::size_t length) {
   if (!tracePasses(level)) return;
   const Guard guard(traceMutex());
+  if (m_hTrace == nullptr && m_nextFileDue) turnPage();
   if (m_hTrace == nullptr) return;
   const timespec now = boardNow();
   const std::string_view stamp = m_stamp.at(now);
@@ -115,7 +117,18 @@ void CTrace::write(int level, LineBuffer& line, std::size_t length) {
   if (end < start + kLineSize) *end++ = '\n';
   const auto whole = static_cast<std::size_t>(end - start);
   _Write_Trace_Dev(m_hTrace, {start, std::min(whole, kLineSize)});
-  if (turnToDay(now.tv_sec) || m_hTrace->maxReached()) load(m_hTrace);
+  m_nextFileDue = turnToDay(now.tv_sec) || m_hTrace->maxReached() || m_nextFileDue;
+  if (m_nextFileDue) turnPage();
+}
+
+// A line is written while an exception passes and where memory has run out: the page is then turned with a
+// later line.
+void CTrace::turnPage() {
+  try {
+    load(m_hTrace);
+    m_nextFileDue = false;
+  } catch (const std::bad_alloc&) {
+  }
 }
 
 bool CTrace::turnToDay(time_t second) {
@@ -136,7 +149,11 @@ void CTrace::load(CTraceFile* handle) {
   const bool current = handle == m_hTrace;
   const std::string path = current ? onBoard(nextPath(second)) : "";
   if (handle != nullptr) _Close_Trace_Dev(handle);
-  if (current) m_hTrace = path.empty() ? nullptr : _Open_Trace_Dev(path, kMaxFileSize, m_bShared);
+  if (current) {
+    m_hTrace = nullptr;
+    if (!path.empty()) m_hTrace = _Open_Trace_Dev(path, kMaxFileSize, m_bShared);
+    m_iCurrCount = (m_iCurrCount + 1) % kFilesPerDay;
+  }
   read_config();
 }
 
@@ -147,10 +164,8 @@ std::string CTrace::nextPath(time_t second) {
   const tm& local = m_stamp.local(second);
   const std::string date =
       twoDigits(local.tm_mon + 1) + twoDigits(local.tm_mday) + fourDigits(int64_t{local.tm_year} + 1900);
-  const int count = m_iCurrCount;
-  m_iCurrCount = (m_iCurrCount + 1) % kFilesPerDay;
-  return directory + get_process_name() + "_info_" + date + '_' + std::to_string(count) + '.' + process +
-         ".log";
+  return directory + get_process_name() + "_info_" + date + '_' + std::to_string(m_iCurrCount) + '.' +
+         process + ".log";
 }
 
 void CTrace::read_config() {

@@ -81,6 +81,7 @@ class CTrace {
   std::string nextPath(time_t second);
   // True when that second lies in another day than the current file: its files are counted from 0.
   bool turnToDay(time_t second);
+  void turnPage();
 
   const char* m_lpszModule;
   const char* m_lpszPrivateInfo;
@@ -89,6 +90,7 @@ class CTrace {
   int m_iCurrCount = 0;
   int m_iCurrInfoDay = 0;
   int m_iCurrInfoMonth = 0;
+  bool m_nextFileDue = false;
   pid_t m_processid;
   TraceStamp m_stamp;
 };

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "mcuctrace_echo.h"
+#include "platform/lineecho.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -17,9 +17,14 @@ using Guard = CMutexGuardT<CMutexThreadRecursive>;
 
 // The end of the data is tested before a line is added, so it can lie past the limit by one line.
 constexpr std::size_t kLongestLine = 1024;
+// Lines come in bursts, and reading the header costs as much as writing one. Within a burst, whose lines
+// follow one another faster than anybody could change the file in between, it is read once; of a long one now
+// and then.
+constexpr std::chrono::microseconds kGapInBurst{2};
+constexpr std::chrono::milliseconds kHeaderTrusted{1};
 
-const LineEcho& echo() {
-  static const LineEcho output;
+const platform::LineEcho& echo() {
+  static const platform::LineEcho output;
   return output;
 }
 
@@ -64,9 +69,9 @@ CMutexThreadRecursive& traceMutex() {
 
 CTraceFile::CTraceFile(const std::string& path, std::size_t maxSize, bool shared)
     : m_bShared(shared),
+      m_pFileName(path),
       m_file(openFile(path, shared)),
       m_lMaxSize(maxSize),
-      m_pFileName(path),
       m_header(m_file) {
   echo();  // looks at standard output before the first line is written
   if (m_file < 0) return;
@@ -95,18 +100,29 @@ void CTraceFile::write(std::string_view line) {
 
 void CTraceFile::writeShared(std::string_view line) {
   const FileLock lock(m_file);
-  std::size_t end = dataEnd();
+  std::size_t end = readDataEnd();
   if (full(end) && ftruncate(m_file, static_cast<off_t>(end)) == 0) end = TraceFileHeader::kSize;
   append(end, line);
 }
 
-bool CTraceFile::append(std::size_t end, std::string_view line) {
+void CTraceFile::append(std::size_t end, std::string_view line) {
   const ssize_t written = pwrite(m_file, line.data(), line.size(), static_cast<off_t>(end));
-  return written == static_cast<ssize_t>(line.size()) && m_header.write(end + line.size());
+  const bool whole = written == static_cast<ssize_t>(line.size()) && m_header.write(end + line.size());
+  m_end = whole ? end + line.size() : end;
+  m_lineWritten = std::chrono::steady_clock::now();
+}
+
+std::size_t CTraceFile::dataEnd() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - m_lineWritten >= kGapInBurst || now - m_endRead >= kHeaderTrusted) {
+    m_end = readDataEnd();
+    m_endRead = now;
+  }
+  return m_end;
 }
 
 // Others may have emptied the file, or written nonsense into its header: then it begins anew.
-std::size_t CTraceFile::dataEnd() {
+std::size_t CTraceFile::readDataEnd() const {
   const std::size_t end = m_header.read().value_or(0);
   const std::size_t last = m_lMaxSize > 0 ? m_lMaxSize + kLongestLine : end;
   return end < TraceFileHeader::kSize ? TraceFileHeader::kSize : std::min(end, last);

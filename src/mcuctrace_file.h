@@ -2,6 +2,7 @@
 // global trace mutex.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -39,16 +40,20 @@ class CTraceFile {
 
  private:
   void writeShared(std::string_view line);
-  bool append(std::size_t end, std::string_view line);
+  void append(std::size_t end, std::string_view line);
   std::size_t dataEnd();
+  std::size_t readDataEnd() const;
   bool full(std::size_t end) const { return m_lMaxSize > 0 && end >= m_lMaxSize; }
 
   bool m_bMaxReached = false;
   bool m_bShared;
+  std::string m_pFileName;
   int m_file;
   std::size_t m_lMaxSize;
-  std::string m_pFileName;
   TraceFileHeader m_header;
+  std::size_t m_end = 0;  // of the data, as it was read and by the lines written since
+  std::chrono::steady_clock::time_point m_endRead{};
+  std::chrono::steady_clock::time_point m_lineWritten{};
 };
 
 // All open trace files.

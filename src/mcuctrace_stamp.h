@@ -11,10 +11,12 @@
 #include <ctime>
 #include <string_view>
 
+#include "mcucutil.h"
+
 namespace ORVE_MCUC {
 
 // "[01/02/2024 10:20:30.456 pid=812 uuid=0x0] ": made anew only when the second changes, because asking for
-// the local time costs as much as writing a line.
+// the time zone and the local time costs as much as writing a line.
 class TraceStamp {
  public:
   explicit TraceStamp(pid_t processId) : processId_(processId) {}
@@ -36,8 +38,7 @@ class TraceStamp {
   void turnTo(time_t second) {
     if (length_ != 0 && second == second_) return;
     second_ = second;
-    local_ = {};
-    localtime_r(&second, &local_);
+    local_ = localTime(second);
     render();
   }
 

@@ -7,7 +7,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <thread>
+
+#include "platform/board.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -16,7 +17,7 @@ constinit std::atomic<int> g_delayPercent{100};
 
 void pause(std::chrono::microseconds length) {
   const auto scaled = length * g_delayPercent.load(std::memory_order_relaxed) / 100;
-  if (scaled.count() > 0) std::this_thread::sleep_for(scaled);
+  if (scaled.count() > 0) board_pause(scaled.count());
 }
 
 constexpr std::array<char, 16> kHexDigits{'0', '1', '2', '3', '4', '5', '6', '7',
@@ -34,6 +35,13 @@ void DelayMicroseconds(int microseconds) {
 
 void setDelayScale(int percent) {
   g_delayPercent.store(percent, std::memory_order_relaxed);
+}
+
+tm localTime(time_t second) {
+  tzset();  // localtime_r alone keeps to the zone that it met first
+  tm local{};
+  localtime_r(&second, &local);
+  return local;
 }
 
 int Bytes2String(const char* source, int count, char* text, int textSize) {

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <string>
+#include <thread>
 
 #include "platform/apipc.h"
 #include "platform/board.h"
@@ -35,8 +37,9 @@ int board_path(const char* device_path, char* path, size_t size) {
   return 0;
 }
 
+// The daemon's standard output is the place of its log lines, and may be one that nobody reads.
 int board_shell(const char* command) {
-  return exitStatus(std::system(command));
+  return exitStatus(std::system((std::string("exec >/dev/null; ") + command).c_str()));
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {
@@ -47,6 +50,16 @@ int board_shell_line(const char* command, char* line, size_t size) {
   return any ? static_cast<int>(std::strlen(line)) : 0;
 }
 
+void board_pause(int64_t microseconds) {
+  if (microseconds > 0) std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+}
+
+int64_t board_monotonic_us(void) {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<int64_t>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
+}
+
 void board_clock(struct timespec* now) {
   clock_gettime(CLOCK_REALTIME, now);
 }
@@ -54,6 +67,10 @@ void board_clock(struct timespec* now) {
 int board_clock_set(time_t seconds) {
   const timeval time{seconds, 0};
   return settimeofday(&time, nullptr);
+}
+
+uint64_t apipc_connection_number(uint32_t task) {
+  return apipc_connect_chk_task_by_taskid(task) == -1 ? 0 : 1;
 }
 
 void apipc_que_wait(int timeout_ms) {

@@ -6,15 +6,16 @@
 #include <sys/un.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <utility>
+
+#include "board_error.h"
 
 namespace simboard {
 namespace {
 
 constexpr int kBacklog = 128;
-constexpr int kSendBuffer = 1 << 20;  // the system may grant less; a few of the longest packets always fit
+constexpr int kSendBuffer = 1 << 18;  // the system may grant less; a few of the longest packets always fit
 
 /** A socket address has room for about a hundred characters; a longer path is reached through its directory's
  * descriptor. */
@@ -65,7 +66,7 @@ FileDescriptor openListener(const std::string& path) {
   ::mkdir(path.substr(0, path.rfind('/')).c_str(), 0755);
   removeStaleSocket(path);
   if (listener && listenAt(listener.get(), path)) return listener;
-  std::fprintf(stderr, "apipc: cannot listen at %s: %s\n", path.c_str(), std::strerror(errno));
+  complain(Complaint::Listener, "apipc: cannot listen at " + path + ": " + std::strerror(errno));
   return {};
 }
 

@@ -3,18 +3,25 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "board_error.h"
+#include "platform/board.h"
+
 namespace simboard {
 namespace {
 
 constexpr std::size_t kLabelLengthAt = 24;
 
-std::string hex(uint32_t value) {
+}  // namespace
+
+std::string hexWord(uint32_t value) {
   char text[11];
   std::snprintf(text, sizeof text, "0x%08" PRIx32, value);
   return text;
 }
 
-}  // namespace
+SteadyTime boardTime() {
+  return SteadyTime(std::chrono::microseconds(board_monotonic_us()));
+}
 
 uint32_t readLe32(std::span<const unsigned char> bytes) {
   return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
@@ -35,7 +42,7 @@ std::optional<std::string> packetFault(std::span<const unsigned char> start, std
            " came";
   }
   if (const uint32_t uiId = readLe32(start); uiId != sender)
-    return "ui_id " + hex(uiId) + " is not the sender's own";
+    return "ui_id " + hexWord(uiId) + " is not the sender's own";
   return std::nullopt;
 }
 
@@ -52,9 +59,8 @@ void DropReport::tellDue(SteadyTime now) {
 }
 
 void DropReport::tell(SteadyTime now) {
-  std::fprintf(stderr,
-               "apipc: dropped a packet of %s: %s (%" PRIu64 " since the last line, %" PRIu64 " in all)\n",
-               hex(lastSender_).c_str(), lastWhy_.c_str(), untold_, dropped_);
+  errorLine("apipc: dropped a packet of " + hexWord(lastSender_) + ": " + lastWhy_ + " (" +
+            std::to_string(untold_) + " since the last line, " + std::to_string(dropped_) + " in all)");
   untold_ = 0;
   lastLine_ = now;
 }

@@ -12,7 +12,9 @@
 
 namespace simboard {
 
-using SteadyTime = std::chrono::steady_clock::time_point;
+/** The board's time, which a test may move. */
+using SteadyTime = std::chrono::time_point<std::chrono::steady_clock, std::chrono::microseconds>;
+SteadyTime boardTime();
 inline constexpr SteadyTime kNever = SteadyTime::max();
 
 inline constexpr std::size_t kHeadSize = 28;
@@ -22,6 +24,9 @@ inline constexpr std::size_t kMaxPacket = kHeadSize + kMaxFrame;
 /** The little-endian word at the start of four or more bytes. */
 uint32_t readLe32(std::span<const unsigned char> bytes);
 std::array<unsigned char, 4> toLe32(uint32_t value);
+
+/** "0x010a3900". */
+std::string hexWord(uint32_t value);
 
 /** What is wrong with a packet of `length` bytes from `sender`, in words; nothing when it may pass. `start`
  * holds its first kHeadSize bytes, or all of it if it is shorter. */

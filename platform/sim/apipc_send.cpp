@@ -1,10 +1,8 @@
 // Sending, looking up, and the end of the service: from any thread.
 #include <sys/socket.h>
 
-#include <cinttypes>
-#include <cstdio>
-
 #include "apipc_loop.h"
+#include "board_error.h"
 
 namespace simboard {
 namespace {
@@ -19,19 +17,19 @@ bool MessageService::send(uint32_t task, std::span<const unsigned char> packet) 
   const uint32_t receiver = namedInHead ? readLe32(packet) : task;
   const auto peer = peers_.find(receiver);
   if (!peer) return false;
-  const SendResult result = peer->send(packet);
-  if (result == SendResult::TooSlow) {
+  const SendResult result = peer->outgoing().send(packet);
+  if (result == SendResult::TooMuch) {
     peer->shutDown();
     signal();
-    std::fprintf(stderr, "apipc: 0x%08" PRIx32 " does not read what it is sent: connection closed\n",
-                 receiver);
+    complain(Complaint::SlowPeer,
+             "apipc: " + hexWord(receiver) + " does not read what it is sent: connection closed");
   }
   return result == SendResult::Sent;
 }
 
-bool MessageService::connected(uint32_t task) const {
+uint64_t MessageService::connection(uint32_t task) const {
   const auto peer = peers_.find(task);
-  return peer && !peer->hungUp();
+  return peer && !peer->hungUp() ? peer->number : 0;
 }
 
 // The flag comes last: from then on the listener is the waiting thread's to close.

@@ -9,6 +9,9 @@ namespace simboard {
  * service. */
 void apipc_close_all_peers();
 
+/** The board's time was moved: what is due by it is due now. */
+void apipc_time_moved();
+
 }  // namespace simboard
 
 #endif

@@ -176,6 +176,14 @@ JournalLine& describe(JournalLine&& line, const recvcard_mesg& request) {
       .number(request.length);
 }
 
+recvcard_mesg oneCard(uint8_t type, uint8_t port, uint16_t board) {
+  recvcard_mesg request{};
+  request.DeviceType = type;
+  request.ProtAddr = port;
+  request.BoardAddr = board;
+  return request;
+}
+
 uint16_t le16(const unsigned char* at) {
   return static_cast<uint16_t>(at[0] | at[1] << 8);
 }
@@ -197,6 +205,22 @@ void cardPacketFromFpga(uint32_t address, std::span<const unsigned char> bytes) 
   request.checksum = le16(&bytes[bytes.size() - 2]);
   const std::lock_guard guard(cardsLock);
   writeCards(request, bytes.subspan(kPacketHead, request.length));
+}
+
+std::vector<unsigned char> cardRegisters(uint8_t type, uint8_t port, uint16_t board, uint32_t address,
+                                         std::size_t count) {
+  const std::lock_guard guard(cardsLock);
+  std::vector<unsigned char> bytes;
+  forEachCard(oneCard(type, port, board), [&](const CardKey& key) {
+    for (uint32_t i = 0; i < count; ++i) bytes.push_back(cardAt(key).read(address + i));
+  });
+  return bytes;
+}
+
+void setCardRegisters(uint8_t type, uint8_t port, uint16_t board, uint32_t address,
+                      std::span<const unsigned char> bytes) {
+  const std::lock_guard guard(cardsLock);
+  forEachCard(oneCard(type, port, board), [&](const CardKey& key) { cardAt(key).write(address, bytes); });
 }
 
 void forgetCards() {

@@ -1,9 +1,9 @@
-// The board directory: made when missing, held by one daemon, left by a reboot.
+#include "board_dir.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -14,9 +14,11 @@
 #include "board_cards.h"
 #include "board_conf.h"
 #include "board_control.h"
+#include "board_error.h"
 #include "board_flash.h"
 #include "board_fpga.h"
 #include "board_journal.h"
+#include "board_power.h"
 #include "platform/board.h"
 #include "simboard.h"
 
@@ -29,10 +31,9 @@ constexpr char kRebootMark[] = "PARLEND_BOARD_REBOOTED";
 constexpr char kPowered[] = "hw/powered";  // there while the board is switched on
 constexpr char kFlagFile[] = "etc/init.d/flag_fpgaload";
 constexpr char kFpgaStatusFile[] = "sys/class/fpga/fpga_conf";
-constexpr const char* kDirectories[] = {
-    "run",           "hw",   "etc/init.d",           "log",
-    "tmp",           "root", "usr/orve/etc/sysconf", "usr/orve/etc/lsd/cabCfg",
-    "sys/class/fpga"};
+constexpr const char* kDirectories[] = {"run", "hw", "etc/init.d", "usr/orve/etc/sysconf", "sys/class/fpga"};
+// Only the daemon's own files lie there: what is in their place is its business, not the board's.
+constexpr const char* kDaemonDirectories[] = {"log", "tmp", "root", "usr/orve/etc/lsd/cabCfg"};
 
 std::string root;
 char** arguments = nullptr;
@@ -40,7 +41,7 @@ int lockFile = -1;
 BoardConf plugged;
 
 [[noreturn]] void refuse(const std::string& why) {
-  std::fprintf(stderr, "%s\n", why.c_str());
+  errorLine(why);
   std::exit(2);
 }
 
@@ -103,13 +104,16 @@ unsigned char cardBit() {
   return plugged.cardBit;
 }
 
-void reboot() {
-  if (journalsWrites()) JournalLine("reboot");
-  closeJournal();  // what other threads still do, they do to a board without power
-  apipc_close_all_peers();
+void forgetPowered() {
   unlink(path(kPowered).c_str());
+}
+
+void markReboot() {
   setenv("PARLEND_BOARD", root.c_str(), 1);
   setenv(kRebootMark, "1", 1);
+}
+
+void startProgramAgain() {
   // By its own path where that can be learnt, so that the process keeps its name.
   std::error_code unknown;
   const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
@@ -119,11 +123,11 @@ void reboot() {
 }
 
 void stop() {
+  setPower(false);
   apipc_close_all_peers();
   closeJournal();
   closeFpga();
   closeFlash();
-  closeControl();
   forgetCards();
   close(lockFile);
   lockFile = -1;
@@ -144,12 +148,14 @@ void board_start(int, char** argv) {
     fs::create_directories(path(part), failed);
     if (failed) refuse("cannot create " + path(part) + ": " + failed.message());
   }
+  for (const char* part : kDaemonDirectories) fs::create_directories(path(part), failed);
   takeBoard();
   readConf();
   const bool rebooted = std::getenv(kRebootMark) != nullptr;
   unsetenv(kRebootMark);
   if (!openJournal(plugged.journal, rebooted)) refuse("cannot write " + path("hw/journal.log"));
   powerUp(rebooted);
+  setPower(true);
 }
 
 int board_path(const char* device_path, char* out, size_t size) {

@@ -5,9 +5,12 @@
 
 #include <cerrno>
 #include <mutex>
+#include <optional>
 
+#include "board_control.h"
 #include "board_files.h"
 #include "board_journal.h"
+#include "board_power.h"
 #include "platform/driver.h"
 #include "simboard.h"
 
@@ -67,6 +70,7 @@ bool openFlash(bool switchedOn) {
 }
 
 void closeFlash() {
+  const std::lock_guard guard(writeLock);
   if (flashFile >= 0) close(flashFile);
   flashFile = -1;
 }
@@ -85,25 +89,31 @@ int Flash_Init(void) {
 
 int ReadDataFromFlashx(uint32_t address, uint32_t length, unsigned char* buffer) {
   const bool failed =
-      takeFault(Fault::FlashRead) || !inFlash(address, length) ||
+      takeFault(Fault::FlashRead, address, length) || !inFlash(address, length) ||
       pread(flashFile, buffer, length, static_cast<off_t>(address)) != static_cast<ssize_t>(length);
   if (journalsReads()) JournalLine("flash-read").address(address).number(length).failedIf(failed);
   return failed ? -1 : 0;
 }
 
 int WriteDataToFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
-  const std::lock_guard guard(writeLock);
-  const bool failed = takeFault(Fault::FlashWrite) || !inFlash(address, length) ||
-                      !writeWhole(flashFile, address, length, data);
+  std::unique_lock guard(writeLock);
+  const std::optional<uint32_t> done = hasPower() ? takePowerCut(length) : std::nullopt;
+  const uint32_t written = done.value_or(length);
+  const bool failed = (!done && takeFault(Fault::FlashWrite, address, length)) || !inFlash(address, length) ||
+                      !writeWhole(flashFile, address, written, data) || written < length;
   journalWrite("flash-write", address, length, data, failed);
-  return failed ? -1 : 0;
+  if (!done) return failed ? -1 : 0;
+  setPower(false);  // before the next write has its turn
+  guard.unlock();
+  powerGoes(Outage::Cut);
+  return -1;
 }
 
 int WriteDataToFactoryTmpFlashx(uint32_t address, uint32_t length, const unsigned char* data) {
   const std::lock_guard guard(writeLock);
   const int file = open(path(kFactoryCopy).c_str(), O_RDWR | O_CLOEXEC);
-  const bool failed = takeFault(Fault::FactoryWrite) || file < 0 || !inFlash(address, length) ||
-                      !writeWhole(file, address, length, data);
+  const bool failed = takeFault(Fault::FactoryWrite, address, length) || file < 0 ||
+                      !inFlash(address, length) || !writeWhole(file, address, length, data);
   if (file >= 0) close(file);
   journalWrite("factory-write", address, length, data, failed);
   return failed ? -1 : 0;

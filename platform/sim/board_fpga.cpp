@@ -98,12 +98,14 @@ bool openFpga(bool switchedOn) {
 }
 
 void closeFpga() {
+  const std::lock_guard guard(busLock);
   if (bus != nullptr) munmap(bus, kBusSize);
   bus = nullptr;
 }
 
 uint16_t linkedPorts() {
   const std::lock_guard guard(busLock);
+  if (bus == nullptr) return 0;
   uint32_t ports = 0;
   for (unsigned i = 0; i < kCopperLinks.size(); ++i) ports |= (bus[kCopperLinks[i]] & 0x0FU) << 4 * i;
   for (const uint32_t at : kFiberLinks) ports |= bus[at] | static_cast<uint32_t>(bus[at + 1]) << 8;
@@ -111,8 +113,8 @@ uint16_t linkedPorts() {
 }
 
 int writeRegister(uint32_t address, uint8_t value) {
-  if (!onBus(address, 1)) return -1;
   const std::lock_guard guard(busLock);
+  if (bus == nullptr || !onBus(address, 1)) return -1;
   store(address, 1, &value);
   return 0;
 }
@@ -126,22 +128,22 @@ int FPGA_UDP_Init(void) {
 }
 
 int WriteFPGABlock(unsigned char, uint32_t address, uint32_t length, const unsigned char* data) {
-  const bool failed = takeFault(Fault::FpgaWrite) || !onBus(address, length);
   {
     const std::lock_guard guard(busLock);
+    const bool failed = takeFault(Fault::FpgaWrite, address, length) || !onBus(address, length);
     if (!failed) store(address, length, data);
     if (journalsWrites()) {
       JournalLine("fpga-write").address(address).number(length).bytes({data, length}).failedIf(failed);
     }
+    if (failed) return -1;
   }
-  if (failed) return -1;
   cardPacketFromFpga(address, {data, length});
   return 0;
 }
 
 int ReadFPGABlock(unsigned char, uint32_t address, uint16_t length, unsigned char* buffer) {
-  const bool failed = takeFault(Fault::FpgaRead) || !onBus(address, length);
   const std::lock_guard guard(busLock);
+  const bool failed = takeFault(Fault::FpgaRead, address, length) || !onBus(address, length);
   if (!failed) std::memcpy(buffer, bus + address, length);
   if (journalsReads()) {
     const std::span<const unsigned char> read(buffer, failed ? 0 : length);

@@ -8,9 +8,9 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <mutex>
 
+#include "platform/board.h"
 #include "simboard.h"
 
 namespace simboard {
@@ -25,17 +25,11 @@ int file = -1;
 std::mutex fileLock;  // stamps do not go backwards from line to line
 long long startedUs = 0;
 
-long long monotonicUs() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<long long>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
-}
-
 }  // namespace
 
 bool openJournal(JournalLevel level, bool goOn) {
   const char* first = std::getenv(kStartMark);
-  startedUs = goOn && first != nullptr ? std::strtoll(first, nullptr, 10) : monotonicUs();
+  startedUs = goOn && first != nullptr ? std::strtoll(first, nullptr, 10) : board_monotonic_us();
   setenv(kStartMark, std::to_string(startedUs).c_str(), 1);
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (goOn ? 0 : O_TRUNC);
   file = open(path("hw/journal.log").c_str(), flags, 0600);
@@ -67,7 +61,7 @@ JournalLine::JournalLine(const char* call) {
 JournalLine::~JournalLine() {
   text_ += '\n';
   const std::lock_guard guard(fileLock);
-  const long long us = monotonicUs() - startedUs;
+  const long long us = board_monotonic_us() - startedUs;
   char stamp[48];
   const int length = std::snprintf(stamp, sizeof stamp, "%lld.%06lld ", us / 1'000'000, us % 1'000'000);
   const iovec pieces[] = {{stamp, static_cast<std::size_t>(length)}, {text_.data(), text_.size()}};

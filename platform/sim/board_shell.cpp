@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,10 +13,12 @@
 #include <optional>
 #include <vector>
 
+#include "board_error.h"
 #include "board_files.h"
 #include "board_flash.h"
 #include "board_fpga.h"
 #include "board_journal.h"
+#include "board_power.h"
 #include "platform/board.h"
 #include "simboard.h"
 
@@ -161,7 +162,9 @@ int nothing(const Words&, std::string&) {
 }
 
 int restart(const Words& words, std::string&) {
-  if (words.size() == 2 && words[1] == "-f") reboot();
+  if (words.size() != 2 || words[1] != "-f") return kFailed;
+  if (journalsWrites()) JournalLine("reboot");
+  powerGoes(Outage::Reboot);
   return kFailed;
 }
 
@@ -189,11 +192,12 @@ const std::map<std::string, Command, std::less<>>& commands() {
 }
 
 int run(const char* command, std::string& output) {
+  if (!hasPower()) return kFailed;
   if (journalsWrites()) JournalLine("shell").word(command);
   const Words words = split(command);
   const auto found = words.empty() ? commands().end() : commands().find(words[0]);
   if (found != commands().end()) return found->second(words, output);
-  std::fprintf(stderr, "simulated board: unknown command: %s\n", command);
+  complain(Complaint::UnknownCommand, std::string("simulated board: unknown command: ") + command);
   return kUnknownCommand;
 }
 
@@ -204,9 +208,7 @@ using namespace simboard;
 
 int board_shell(const char* command) {
   std::string output;
-  const int status = run(command, output);
-  std::fwrite(output.data(), 1, output.size(), stdout);
-  return status;
+  return run(command, output);
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {

@@ -33,8 +33,10 @@ enum class Fault {
   NetCall,
   MessageQueue,
 };
-// True when this call is to fail; counts it down.
+// True when this call is to fail, as all do without power; counts it down. The first five kinds name what the
+// call touches.
 bool takeFault(Fault kind);
+bool takeFault(Fault kind, uint32_t address, uint32_t length);
 
 unsigned char cardBit();
 const BoardConf& conf();
@@ -45,10 +47,7 @@ uint32_t sensorLux(std::size_t index);
 // Stores a value in the environment without a journal line of its own. 0: stored.
 int storeEnvironment(const std::string& key, const std::string& value);
 
-// Switches the board off and on and starts the daemon's program again; does not return.
-[[noreturn]] void reboot();
-
-// Leaves the board directory, for a test that goes on with another one. No other call may be running.
+// Leaves the board directory, for a test that goes on with another one. Calls of threads that go on fail.
 void stop();
 
 }  // namespace simboard

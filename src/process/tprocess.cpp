@@ -7,6 +7,7 @@
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -20,9 +21,8 @@ Singleton<Tprocess>& holder() {
   return instance;
 }
 
-int logEntry(const char* handler) {
-  PARLEND_TRACE(kInfo) << handler << " enter:";
-  return 0;
+void logEntry(const WorkKey& key) {
+  PARLEND_TRACE(kInfo) << key.handler << " enter:";
 }
 
 void logScreenPara(int index) {
@@ -49,86 +49,55 @@ std::optional<PenetrateInfo> unpackPenetrate(const char* payload, int length) {
   return PenetrateInfo{address, count, data};
 }
 
-void logNoData(const HandlerWords& words) {
-  PARLEND_TRACE(kError) << "=== " << words.handler << " ===: data block is null! return.";
+void logNoData(const WorkKey& key) {
+  PARLEND_TRACE(kError) << "=== " << key.handler << " ===: data block is null! return.";
 }
 
-void logCutShort(const HandlerWords& words, int length) {
-  PARLEND_TRACE(kError) << "=== " << words.handler << " ===: a payload of " << length
+void logCutShort(const WorkKey& key, int length) {
+  PARLEND_TRACE(kError) << "=== " << key.handler << " ===: a payload of " << length
                         << " bytes is shorter than it says! return.";
 }
 
-void logBanner(const char* begin, const HandlerWords& words) {
-  PARLEND_TRACE(kInfo) << "============================ " << begin << " " << words.handler
-                       << " ===========================";
-}
-
-void logBegin(const HandlerWords& words, const PenetrateInfo& info) {
-  logBanner("Begin", words);
-  if (words.logsEntry) logEntry(words.handler);
+void logKeyLine(const WorkKey& key, const PenetrateInfo& info) {
+  if (key.logsEntry) logEntry(key);
   if (!tracePasses(kInfo)) return;
   const HexText<kKeyLineRoom> text(info.data.data(), info.length);
-  PARLEND_TRACE(kInfo) << "Process key: " << words.key << "  Register: " << CTrace::hex << info.Register
+  PARLEND_TRACE(kInfo) << "Process key: " << key.name << "  Register: " << CTrace::hex << info.Register
                        << " len: " << info.length << " data:" << text.c_str();
 }
 
 int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
-  return handlePenetrate(
-      {"Sprocess_DoScreenInfoEcho", "DoScreenInfoEchoKey"}, lenth, data, [](const PenetrateInfo& info) {
-        auto& image = Data_Global::getInstance()->ScreenParaReg;
-        const std::size_t at = info.Register & 0xFF;
-        for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
-          image[at + i] = info.data[i];
-        }
-        logScreenPara(0);
-        logScreenPara(1);
-      });
+  return handlePenetrate<DoScreenInfoEchoKey>(lenth, data, [](const PenetrateInfo& info) {
+    auto& image = Data_Global::getInstance()->ScreenParaReg;
+    const std::size_t at = info.Register & 0xFF;
+    for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
+      image[at + i] = info.data[i];
+    }
+    logScreenPara(0);
+    logScreenPara(1);
+  });
 }
 
 int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
-  return handlePenetrate(
-      {"Sprocess_DoBackupInfo", "DoBackupInfoKey", true}, lenth, data, [](const PenetrateInfo& info) {
-        const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register),
-                                                               info.length, info.data.data());
-        if (ret != 0)
-          PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = "
-                                << ret;
-        DriverUtil::getInstance()->runCommand("sync");
-      });
+  return handlePenetrate<DoBackupInfoKey>(lenth, data, [](const PenetrateInfo& info) {
+    writeFlash(flash::ofBackupInfo(info.Register), info.data,
+               {"WriteToBackupInfo", "Write backup info to flash failed. ret = "});
+    DriverUtil::getInstance()->runCommand("sync");
+  });
 }
 
 int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
-  return handlePenetrate(
-      {"Sprocess_DoSoftwareTable", "DoSoftwareTableKey"}, lenth, data, [](const PenetrateInfo& info) {
-        if (info.Register < reg::kRoleTable) {
-          Data_Global::getInstance()->LEDConfigStatus = shortcut::kByTables;
-        }
-        const int ret = Data_Global::getInstance()->CopyConstDataToFlash(
-            flash::ofSoftwareTable(info.Register), info.data);
-        if (ret != 0) {
-          PARLEND_TRACE(kError) << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = "
-                                << ret;
-        }
-      });
-}
-
-int Tprocess::Sprocess_Correction(int, char*) {
-  return logEntry("Sprocess_Correction");
-}
-int Tprocess::Sprocess_SenderTestPatten(int, char*) {
-  return logEntry("Sprocess_SenderTestPatten");
-}
-int Tprocess::Sprocess_ActiveReporting(int, char*) {
-  return logEntry("Sprocess_ActiveReporting");
-}
-int Tprocess::Sprocess_SendtoScanCard(int, char*) {
-  return logEntry("Sprocess_SendtoScanCard");
-}
-int Tprocess::Sprocess_SendtoMultiCard(int, char*) {
-  return logEntry("Sprocess_SendtoMultiCard");
-}
-int Tprocess::Sprocess_SendtoDistribute(int, char*) {
-  return logEntry("Sprocess_SendtoDistribute");
+  return handlePenetrate<DoSoftwareTableKey>(lenth, data, [](const PenetrateInfo& info) {
+    if (info.Register < reg::kRoleTable) {
+      Data_Global::getInstance()->LEDConfigStatus = shortcut::kByTables;
+    }
+    const int ret =
+        Data_Global::getInstance()->CopyConstDataToFlash(flash::ofSoftwareTable(info.Register), info.data);
+    if (ret != 0) {
+      PARLEND_TRACE(kError) << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = "
+                            << ret;
+    }
+  });
 }
 
 }  // namespace ORVE_MCUC

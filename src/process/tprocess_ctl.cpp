@@ -6,49 +6,70 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr Fprocess_cmd row(enum_Process_Key_Table key, int (*handler)(int, char*)) {
-  return {kThirdProtocolLabel, 1, key, "", handler};
+// The handler of a key that nothing queues: the item is logged.
+template <enum_Process_Key_Table key>
+int logEntry(int, char*) {
+  PARLEND_TRACE(kInfo) << workKey<key>.handler << " enter:";
+  return 0;
 }
 
-// A key that has its place while no handler serves it: its items are logged and dropped.
-constexpr Fprocess_cmd unserved(enum_Process_Key_Table key) {
-  return row(key, nullptr);
-}
-
-constexpr std::array<Fprocess_cmd, 200> kRows{
-    unserved(HwBasicinfoKey),
-    row(SaveSendCardParaKey, &Tprocess::Sprocess_SaveSendCardPara),
-    unserved(ReturnFactorySetKey),
-    row(ReloadSenderFPGAKey, &Tprocess::Sprocess_ReloadSendCardProgram),
-    unserved(DoFeatureInfoKey),
-    row(CorrectionKey, &Tprocess::Sprocess_Correction),
-    row(DoScreenInfoEchoKey, &Tprocess::Sprocess_DoScreenInfoEcho),
-    unserved(HDR10Key),
-    unserved(HLGKey),
-    row(SenderTestPattenKey, &Tprocess::Sprocess_SenderTestPatten),
-    unserved(PictureQualityCalKey),
-    unserved(WarmUpKey),
-    row(DoBackupInfoKey, &Tprocess::Sprocess_DoBackupInfo),
-    row(CalculateParaOfSenderKey, &Tprocess::Sprocess_CalculateParaOfSender),
-    row(AdvCalcParaOfSenderKey, &Tprocess::Sprocess_AdvCalcParaOfSender),
-    unserved(PositionNetPortKey),
-    unserved(DoNumberFunCardPortKey),
-    row(DoSoftwareTableKey, &Tprocess::Sprocess_DoSoftwareTable),
-    unserved(DoEDIDSpaceKey),
-    row(ActiveReportingKey, &Tprocess::Sprocess_ActiveReporting),
-    row(SenderRGBGammaKey, &Tprocess::Sprocess_SenderRGBGamma),
-    unserved(doAdjustBrightnessKey),
-    unserved(SendCardMappingKey),
-    unserved(RVConfigFileSpaceKey),
-    unserved(ScreenPatternGenKey),
-    row(SendtoScanCardKey, &Tprocess::Sprocess_SendtoScanCard),
-    row(SendtoMultiCardKey, &Tprocess::Sprocess_SendtoMultiCard),
-    row(SendtoDistributeKey, &Tprocess::Sprocess_SendtoDistribute),
+struct KeyHandler {
+  enum_Process_Key_Table key;
+  WorkHandler
+      handler;  // null: the key has its place while nobody serves it; its items are logged and dropped
 };
+
+// The dispatcher's table, in its order: who does the work of a key of maps/workkeys.h.
+constexpr std::array kHandlers{
+    KeyHandler{HwBasicinfoKey, nullptr},
+    KeyHandler{SaveSendCardParaKey, &Tprocess::Sprocess_SaveSendCardPara},
+    KeyHandler{ReturnFactorySetKey, nullptr},
+    KeyHandler{ReloadSenderFPGAKey, &Tprocess::Sprocess_ReloadSendCardProgram},
+    KeyHandler{DoFeatureInfoKey, nullptr},
+    KeyHandler{CorrectionKey, &logEntry<CorrectionKey>},
+    KeyHandler{DoScreenInfoEchoKey, &Tprocess::Sprocess_DoScreenInfoEcho},
+    KeyHandler{HDR10Key, nullptr},
+    KeyHandler{HLGKey, nullptr},
+    KeyHandler{SenderTestPattenKey, &logEntry<SenderTestPattenKey>},
+    KeyHandler{PictureQualityCalKey, nullptr},
+    KeyHandler{WarmUpKey, nullptr},
+    KeyHandler{DoBackupInfoKey, &Tprocess::Sprocess_DoBackupInfo},
+    KeyHandler{CalculateParaOfSenderKey, &Tprocess::Sprocess_CalculateParaOfSender},
+    KeyHandler{AdvCalcParaOfSenderKey, &Tprocess::Sprocess_AdvCalcParaOfSender},
+    KeyHandler{PositionNetPortKey, nullptr},
+    KeyHandler{DoNumberFunCardPortKey, nullptr},
+    KeyHandler{DoSoftwareTableKey, &Tprocess::Sprocess_DoSoftwareTable},
+    KeyHandler{DoEDIDSpaceKey, &Tprocess::Sprocess_DoDoEDIDSpace},
+    KeyHandler{ActiveReportingKey, &logEntry<ActiveReportingKey>},
+    KeyHandler{SenderRGBGammaKey, &Tprocess::Sprocess_SenderRGBGamma},
+    KeyHandler{doAdjustBrightnessKey, nullptr},
+    KeyHandler{SendCardMappingKey, nullptr},
+    KeyHandler{RVConfigFileSpaceKey, &Tprocess::Sprocess_RVConfigFileSpace},
+    KeyHandler{ScreenPatternGenKey, nullptr},
+    KeyHandler{SendtoScanCardKey, &logEntry<SendtoScanCardKey>},
+    KeyHandler{SendtoMultiCardKey, &logEntry<SendtoMultiCardKey>},
+    KeyHandler{SendtoDistributeKey, &logEntry<SendtoDistributeKey>},
+};
+
+constexpr bool handlersAreComplete() {
+  for (std::size_t no = 0; no < kHandlers.size(); ++no) {
+    if (kHandlers[no].key != kWorkKeys[no].key) return false;
+  }
+  return kHandlers.size() == kWorkKeys.size();
+}
+static_assert(handlersAreComplete());
+
+constexpr auto kRows = [] {
+  std::array<Fprocess_cmd, kHandlers.size()> rows{};
+  for (std::size_t no = 0; no < rows.size(); ++no) {
+    rows[no] = {kThirdProtocolLabel, 1, kHandlers[no].key, "", kHandlers[no].handler};
+  }
+  return rows;
+}();
 
 }  // namespace
 
-constinit std::array<Fprocess_cmd, 200> Tprocess_ctl::process_root = kRows;
+constinit const std::array<Fprocess_cmd, 200> Tprocess_ctl::process_root = padded<200>(kRows);
 
 Tprocess_ctl* Tprocess_ctl::getInstance() {
   static Tprocess_ctl instance;
@@ -60,7 +81,7 @@ Tprocess_ctl::~Tprocess_ctl() {
 }
 
 int Tprocess_ctl::initialize() {
-  for (uint32_t no = 0; no < process_root.size() && process_root[no].cmd_str != nullptr; ++no) {
+  for (uint32_t no = 0; process_root[no].cmd_str != nullptr; ++no) {
     m_mapProcess[static_cast<uint32_t>(process_root[no].process_key)] = {no, &process_root[no]};
   }
   return 1;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <span>
 
 #include "maps/workkeys.h"
 #include "mcucdatablock.h"
@@ -13,17 +14,19 @@
 
 namespace ORVE_MCUC {
 
+using WorkHandler = int (*)(int lenth, char* data);
+
 struct Fprocess_cmd {
   uint16_t largelab = 0;
   uint16_t smalllab = 0;
   enum_Process_Key_Table process_key = HwBasicinfoKey;
   const char* cmd_str = nullptr;  // null ends the table
-  int (*called_fun)(int lenth, char* data) = nullptr;
+  WorkHandler called_fun = nullptr;
 };
 
 struct Fprocess_cmdMap {
   uint32_t NO = 0;  // position of the row in the table
-  Fprocess_cmd* cmd = nullptr;
+  const Fprocess_cmd* cmd = nullptr;
 };
 
 class Tprocess_ctl {
@@ -51,13 +54,13 @@ class Tprocess_ctl {
   // Measures the receiving cards again once a link change has settled, and pushes their size.
   void SendRecvCardParaToLsdByLinkChange();
 
-  // Pushes of one group of ports, from a fresh read.
-  void SendRedundtoLSD1_4();
-  void SendRedundtoLSD5_8();
-  void SendRedundtoLSD9_16();
-  void SendNetLinktoLSD1_4();
-  void SendNetLinktoLSD5_8();
-  void SendNetLinktoLSD9_16();
+  // Pushes of one group of ports, from a fresh read; when that fails, what a check has read a moment ago.
+  void SendRedundtoLSD1_4(std::span<const uint8_t> checked = {});
+  void SendRedundtoLSD5_8(std::span<const uint8_t> checked = {});
+  void SendRedundtoLSD9_16(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD1_4(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD5_8(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD9_16(std::span<const uint8_t> checked = {});
 
   RelaxedValue<bool> apipc_connect_status;  // LSD's connection has been seen
   RelaxedValue<bool> OptToNetEnableOnce;    // asks for the connection step once more
@@ -65,7 +68,7 @@ class Tprocess_ctl {
  private:
   Tprocess_ctl() = default;
 
-  static std::array<Fprocess_cmd, 200> process_root;
+  static const std::array<Fprocess_cmd, 200> process_root;  // rows, then empty ones
   std::map<uint32_t, Fprocess_cmdMap> m_mapProcess;
   CMutexThreadRecursive m_mutex;
 };

@@ -3,15 +3,14 @@
 #include <optional>
 
 #include "calc/screenrecord.h"
-#include "driverutil.h"
 #include "hextext.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
-#include "proto/store/boardwrite.h"
 #include "proto/store/data_common.h"
+#include "proto/store/imageload.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -27,13 +26,11 @@ Data_Global& store() {
 }
 
 void storeConfigStatus(uint8_t status) {
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(flash::kShortcutConfig, 1, &status);
-  if (ret != 0)
-    PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
+  writeFlash(flash::kShortcutConfig, {&status, 1},
+             {"WriteToBackupInfo", "Write backup info to flash failed. ret = "});
 }
 
 void setConfigStatus(uint8_t status) {
-  CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
   store().LEDConfigStatus = status;
   storeConfigStatus(status);
 }
@@ -44,21 +41,24 @@ bool isTaken(const SmartScreen& screen) {
          taken.cardsPerPort == screen.cardsPerPort && taken.mode == screen.mode;
 }
 
-void logRecord(const HandlerWords& words, std::span<const uint8_t> record) {
+void logRecord(std::span<const uint8_t> record) {
   if (!tracePasses(kInfo)) return;
   const HexText<kRecordTextRoom> text(record.data(), static_cast<int>(record.size()));
-  PARLEND_TRACE(kInfo) << words.handler << " enter:" << text.view();
+  PARLEND_TRACE(kInfo) << workKey<CalculateParaOfSenderKey>.handler << " enter:" << text.view();
 }
 
 // A submission takes the backup marker back: the output ports are assigned anew.
 void clearBackupMark() {
-  store().SendParameterReg[fpga::kBackupMark] = kNotABackup;
+  FeatureDraft draft;
+  draft.put(fpga::kBackupMark, kNotABackup);
+  putFeature(store(), draft);
   writeFlash(flash::ofFeature(fpga::kBackupMark), {&kNotABackup, 1}, "Sprocess_CalculateParaOfSender");
   store().NormalBackupStatus = 1;
 }
 
 void submit(std::span<const uint8_t> record) {
   CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+  loadWhatIsMissing(store());
   const SmartScreen screen = shortcut::smartScreenOf(record.first<shortcut::kUsedSize>());
   putScreen(MyTempParaTable, MyTempParaCharTable, screen);
   MyTempParaCharTable[kTempRoleAt] = store().PbufMorSMode;
@@ -84,10 +84,8 @@ using Record = std::array<uint8_t, shortcut::kUsedSize>;
 
 std::optional<Record> readRecord() {
   Record record{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== CalculateParaOfSenderHandler ===the record cannot be read. ret = " << ret;
+  if (readFlash(flash::kShortcutConfig, record,
+                {"CalculateParaOfSenderHandler", "the record cannot be read. ret = "}) != 0) {
     return std::nullopt;
   }
   logFields("buff_new[0x16~0x19] = ", record);
@@ -104,23 +102,23 @@ void takeStored(const Record& record) {
   putScreen(MyTempParaTable, MyTempParaCharTable, stored);
 }
 
-bool takeAdvancedScreen() {
+// The ports as they are stored at one moment: peers go on writing them. They are also what the working arrays
+// hold from now on.
+std::optional<AdvancedScreen> readAdvancedScreen() {
   std::array<uint8_t, kAdvancedArea> area{};
-  const int ret =
-      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, area.size(), area.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== Sprocess_AdvCalcParaOfSender ===the ports cannot be read. ret = " << ret;
-    return false;
+  if (readFlash(flash::kShortcutConfig, area,
+                {"Sprocess_AdvCalcParaOfSender", "the ports cannot be read. ret = "}) != 0) {
+    return std::nullopt;
   }
   if (tracePasses(kInfo)) {
     const HexText<kRecordTextRoom> text(area.data(), kRecordTextRoom / 3 - 1);
     PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
   }
+  AdvancedScreen screen;
   for (std::size_t p = 0; p < kMappedPorts; ++p) {
-    const AdvancedPort port =
-        shortcut::advancedPortOf(std::span<const uint8_t>(area)
-                                     .subspan(shortcut::kPortsAt + p * shortcut::kPortSize)
-                                     .first<shortcut::kPortSize>());
+    const auto block = std::span<const uint8_t>(area).subspan(shortcut::kPortsAt + p * shortcut::kPortSize);
+    const AdvancedPort port = shortcut::advancedPortOf(block.first<shortcut::kPortSize>());
+    screen[p] = port;
     TempAdvPortCM[p] = port.mode;
     TempAdvCfgPortRow[p] = port.rows;
     TempAdvCfgPortCol[p] = port.columns;
@@ -129,61 +127,51 @@ bool takeAdvancedScreen() {
     PARLEND_TRACE(kInfo) << "port num = " << p << " row = " << port.rows << " col = " << port.columns
                          << " x = " << port.x << " y = " << port.y << " cm = " << port.mode;
   }
-  return true;
+  return screen;
 }
 
-// A handler whose payload is not a register write.
-template <class Work>
-int handleCommand(const HandlerWords& words, Work work) {
-  logBanner("Begin", words);
-  work();
-  logBanner("Finish", words);
-  return 0;
+// The first bytes of the screen information; what could not be loaded is left alone in flash.
+void saveScreenPara() {
+  constexpr char kCaller[] = "Sprocess_SaveSendCardPara";
+  if (store().loadFailures.screen) {
+    PARLEND_TRACE(kError) << "=== " << kCaller
+                          << " ===the screen parameters could not be loaded and are not saved.";
+    return;
+  }
+  writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(), kCaller);
 }
 
 }  // namespace
 
 int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
-  return handleCommand({"Sprocess_SaveSendCardPara", "SaveSendCardParaKey"}, [] {
+  return handleCommand<SaveSendCardParaKey>([] {
+    CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+    loadWhatIsMissing(store());
     if (store().LEDConfigStatus == shortcut::kByTables) storeConfigStatus(shortcut::kByTables);
-    writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(),
-               "Sprocess_SaveSendCardPara");
+    saveScreenPara();
     store().SaveParaToFlash(1);
   });
 }
 
 int Tprocess::Sprocess_ReloadSendCardProgram(int, char*) {
-  return handleCommand({"Sprocess_ReloadSendCardProgram", "ReloadSenderFPGAKey"},
-                       [] { store().RestoreFPGA(); });
+  return handleCommand<ReloadSenderFPGAKey>([] { store().RestoreFPGA(); });
 }
 
 int Tprocess::Sprocess_CalculateParaOfSender(int lenth, char* data) {
-  const HandlerWords words{"Sprocess_CalculateParaOfSender", "CalculateParaOfSenderKey"};
-  if (data == nullptr) {
-    logNoData(words);
-    return 0;
-  }
-  if (lenth < static_cast<int>(shortcut::kUsedSize)) {
-    logCutShort(words, lenth);
-    return 0;
-  }
-  return handleCommand(words, [&] {
-    const std::span record(reinterpret_cast<const uint8_t*>(data), static_cast<std::size_t>(lenth));
-    logRecord(words, record);
-    submit(record);
-  });
+  return handleRecord<CalculateParaOfSenderKey>(lenth, data, shortcut::kUsedSize,
+                                                [](std::span<const uint8_t> record) {
+                                                  logRecord(record);
+                                                  submit(record);
+                                                });
 }
 
-int Tprocess::Sprocess_AdvCalcParaOfSender(int, char* data) {
-  const HandlerWords words{"Sprocess_AdvCalcParaOfSender", "AdvCalcParaOfSenderKey"};
-  if (data == nullptr) {
-    logNoData(words);
-    return 0;
-  }
-  return handleCommand(words, [] {
-    if (!takeAdvancedScreen()) return;
-    store().AdvCalcParaGetSreenSize(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
-    store().AdvCalcParaOfSenderInMosaicMode();
+int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
+  return handleRecord<AdvCalcParaOfSenderKey>(lenth, data, 0, [](std::span<const uint8_t>) {
+    CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+    const auto screen = readAdvancedScreen();
+    if (!screen) return;
+    store().AdvCalcParaGetSreenSize(*screen);
+    store().AdvCalcParaOfSenderInMosaicMode(*screen);
     setConfigStatus(shortcut::kAdvanced);
   });
 }
@@ -192,12 +180,12 @@ void Tprocess::CalculateParaOfSenderHandler() {
   constexpr char kBanner[] =
       "============================ 200Ms CalculateParaOfSenderHandler ===========================";
   Data_Global& global = store();
+  // A submission that comes meanwhile waits, so that table and calculation belong to one record.
+  CMutexGuardT<CMutexThreadRecursive> guard(global.m_mutex);
   const auto record = readRecord();
   global.GetRecvCardSize_EnvNew();
   global.SendRVCardWHtoLSD();
   global.ShortCfgReadRvStatus = 0;
-  // A submission that comes meanwhile waits, so that table and calculation belong to one record.
-  CMutexGuardT<CMutexThreadRecursive> guard(global.m_mutex);
   if (record) takeStored(*record);
   PARLEND_TRACE(kInfo) << kBanner;
   global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);

@@ -1,100 +1,64 @@
 #include "proto/tshl_ctl.h"
 
-#include "maps/registermap.h"
+#include <utility>
+
+#include "logwords.h"
 #include "mcuctrace.h"
-#include "proto/spaces/addr_backupinforegister.h"
-#include "proto/spaces/addr_cardprogmaspaceregister.h"
-#include "proto/spaces/addr_edidspaceregister.h"
-#include "proto/spaces/addr_hwbasicinforegister.h"
-#include "proto/spaces/addr_rgbgammaregister.h"
-#include "proto/spaces/addr_rvconfigfilespace.h"
-#include "proto/spaces/addr_screeninfoechoregister.h"
-#include "proto/spaces/addr_screenpatterngenregister.h"
-#include "proto/spaces/addr_shortcutconfigscreenregister.h"
-#include "proto/spaces/addr_silentregisters.h"
-#include "proto/spaces/addr_softwaretableregister.h"
-#include "proto/spaces/addr_testprinfregister.h"
+#include "proto/spaces/spaces.h"
 #include "results.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-template <class Space>
-constexpr Fshl_cmd rootRow(uint32_t base, const char* name, const char* text) {
-  return {base, name, text, 0, {}, {}, nullptr, &Space::Ssh_cmd, &Space::Ssh_print, nullptr};
-}
-
-// An address range that is on the map while no space serves it: requests are refused.
-constexpr Fshl_cmd unservedRow(uint32_t base, const char* name, const char* text) {
-  return {base, name, text, 0, {}, {}, nullptr, nullptr, nullptr, nullptr};
-}
-
-constexpr std::array<Fshl_cmd, 71> kRoot{
-    rootRow<Addr_HwBasicInfoRegister>(reg::kHwBasicInfo, "factory", "factory hardware register"),
-    rootRow<Addr_PluginCardInfoRegister>(reg::kPluginCardInfo, "plug in card info", "plug in card register"),
-    unservedRow(reg::kCommand, "command", "command register"),
-    unservedRow(reg::kFeature, "feature", "feature register"),
-    rootRow<Addr_ScreenInfoEchoRegister>(reg::kScreenInfoEcho, "screen info echo", "screen info echo"),
-    unservedRow(reg::kHCInteraction, "human-computer interaction info",
-                "human-computer interaction info register"),
-    rootRow<Addr_BackupInfoRegister>(reg::kBackupInfo, "backup", "backup info register"),
-    unservedRow(reg::kIntelligentBrightness, "Intelligent brightness",
-                "Intelligent brightness sent by screen register"),
-    rootRow<Addr_CabinetRotationRegister>(reg::kCabinetRotation, "cabinet rotation",
-                                          "cabinet rotation register"),
-    rootRow<Addr_ShortcutConfigScreenRegister>(reg::kShortcutConfigScreen, "shortcut config screen",
-                                               "shortcut config screen register"),
-    unservedRow(reg::kScanBoardPosition, "netscanborad", "network scanborad position register"),
-    unservedRow(reg::kFunCardPortNumber, "netborad", "network scanborad register"),
-    rootRow<Addr_SoftwareTableRegister>(reg::kSoftwareTable, "softwarespace", "software space register"),
-    rootRow<Addr_SoftwareTableRegister>(reg::kSoftwareTableUpper, "softwarespace", "software space register"),
-    rootRow<Addr_EDIDSpaceRegister>(reg::kEdid, "edid", "edid space register"),
-    unservedRow(reg::kBrightness, "brightness", "brightness space register"),
-    rootRow<Addr_TestPrinfRegister>(reg::kTestPrint, "testprintf", "testprintf Infomation"),
-    rootRow<Addr_TestPrinfRegister>(reg::kTestPrintUpper, "testprintf", "testprintf Infomation"),
-    rootRow<Addr_RGBGammaRegister>(reg::kRGBGamma, "RGB Gamma", "RGB Gamma register"),
-    rootRow<Addr_ScreenPatternGenregister>(reg::kScreenPatternGen, "ScreenPatternGen info",
-                                           "ScreenPatternGen info register"),
-    rootRow<Addr_RVConfigFileSpace>(reg::kRVConfigFile, "RVConfig File Space info",
-                                    "RVConfig File Space info register"),
-    rootRow<Addr_CardProgmaSpaceRegister>(reg::kCardProgram, "cardprogspace",
-                                          "sendcard programm space register"),
-    rootRow<Addr_CardProgmaSpaceRegister>(reg::kCardProgramUpper, "ccardprogspace",
-                                          "csendcard programm space register"),
+template <uint32_t base>
+concept Served = requires {
+  spaceAt(At<base>{});
 };
+
+template <uint32_t base>
+int enter(IMD_proto3rd* msgIMD, const Fshl_cmd*, int) {
+  return spaceAt(At<base>{}).Ssh_cmd(*msgIMD);
+}
+template <uint32_t base>
+int print(IMD_proto3rd*) {
+  return spaceAt(At<base>{}).Ssh_print();
+}
+
+// The router's row of a row of the map. One that no space serves has no function.
+template <std::size_t no>
+constexpr Fshl_cmd rootRow() {
+  constexpr const SpaceRow& row = kSpaces[no];
+  constexpr uint32_t space = firstBase(row);
+  Fshl_cmd root{.RegisterAddr = row.base, .cmd_str = row.name, .cmd_exp = row.text};
+  if constexpr (Served<space>) {
+    root.called_fun = &enter<space>;
+    root.print_fun = &print<space>;
+  }
+  return root;
+}
+
+constexpr auto kRootRows = []<std::size_t... no>(std::index_sequence<no...>) {
+  return std::array{rootRow<no>()...};
+}
+(std::make_index_sequence<kSpaces.size()>{});
+
+constexpr SectionWords kTask{
+    "============================= Begin SendCard Task ===============================",
+    "============================= Finish SendCard Task =============================="};
 
 }  // namespace
 
-constinit std::array<Fshl_cmd, 71> Tshl_ctl::cmd_root = kRoot;
+constinit const std::array<Fshl_cmd, 71> Tshl_ctl::cmd_root = padded<71>(kRootRows);
 
 Tshl_ctl* Tshl_ctl::getInstance() {
   static Tshl_ctl instance;
   return &instance;
 }
 
-Tshl_ctl::Tshl_ctl() {
-  Addr_HwBasicInfoRegister::getInstance();
-  Addr_PluginCardInfoRegister::getInstance();
-  Addr_ScreenInfoEchoRegister::getInstance();
-  Addr_BackupInfoRegister::getInstance();
-  Addr_CabinetRotationRegister::getInstance();
-  Addr_ShortcutConfigScreenRegister::getInstance();
-  Addr_SoftwareTableRegister::getInstance();
-  Addr_TestPrinfRegister::getInstance();
-  Addr_RGBGammaRegister::getInstance();
-  Addr_ScreenPatternGenregister::getInstance();
-  Addr_RVConfigFileSpace::getInstance();
-  Addr_CardProgmaSpaceRegister::getInstance();
-  Addr_EDIDSpaceRegister::getInstance();
-}
-
-Tshl_ctl::~Tshl_ctl() {
-  Addr_HwBasicInfoRegister::deleteInstance();
-  Addr_TestPrinfRegister::deleteInstance();
-}
-
 int Tshl_ctl::initialize() {
-  mapRows(cmd_root.data(), m_mapProtoShl);
+  for (uint32_t no = 0; cmd_root[no].cmd_str != nullptr; ++no) {
+    m_mapProtoShl[cmd_root[no].RegisterAddr] = {no, &cmd_root[no]};
+  }
   return 1;
 }
 
@@ -103,25 +67,21 @@ int Tshl_ctl::Ssh_StartSendCard(IMD_proto3rd* msgIMD) {
     PARLEND_TRACE(kError) << "=== Ssh_StartSendCard ===Ssh_StartSendCard: The proto is NULL! return.";
     return kRefused;
   }
-  PARLEND_TRACE(kInfo) << "============================= Begin SendCard Task ===============================";
+  LogSection section(kTask);
   const uint32_t address = msgIMD->proto.m_uiRegisterUnitAddress;
   PARLEND_TRACE(kInfo) << "Recv Register Address : " << CTrace::hex << address
                        << " length : " << msgIMD->proto.m_usValidDataLength;
   const auto hit = m_mapProtoShl.find(reg::routerKey(address));
   if (hit == m_mapProtoShl.end()) {
     PARLEND_TRACE(kError) << "=== Ssh_StartSendCard ===Ssh_StartSendCard: Invalid register address!";
+    section.abandon();
     return kRefused;
   }
-  Fshl_cmd* row = hit->second.cmd;
-  int result = kRefused;
-  if (row->called_fun != nullptr) {
-    result = row->called_fun(msgIMD, row, 0);
-  } else {
-    PARLEND_TRACE(kError) << "=== Ssh_StartSendCard ===no space serves " << row->cmd_exp;
-    msgIMD->proto.m_ucAck = kAckRefused;
-  }
-  PARLEND_TRACE(kInfo) << "============================= Finish SendCard Task ==============================";
-  return result;
+  const Fshl_cmd* row = hit->second.cmd;
+  if (row->called_fun != nullptr) return row->called_fun(msgIMD, row, 0);
+  PARLEND_TRACE(kError) << "=== Ssh_StartSendCard ===no space serves " << row->cmd_exp;
+  msgIMD->proto.m_ucAck = kAckRefused;
+  return kRefused;
 }
 
 void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {

@@ -11,7 +11,6 @@ namespace ORVE_MCUC {
 class Tshl_ctl {
  public:
   static Tshl_ctl* getInstance();
-  ~Tshl_ctl();
   Tshl_ctl(const Tshl_ctl&) = delete;
   Tshl_ctl& operator=(const Tshl_ctl&) = delete;
 
@@ -35,9 +34,9 @@ class Tshl_ctl {
   int Ssh_cmdAll();
 
  private:
-  Tshl_ctl();
+  Tshl_ctl() = default;
 
-  static std::array<Fshl_cmd, 71> cmd_root;
+  static const std::array<Fshl_cmd, 71> cmd_root;  // rows of maps/spaces.h, then empty ones
   MAP_INT_Fshl_cmd m_mapProtoShl;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "results.h"
 
@@ -48,11 +49,35 @@ uint16_t byteSum(const unsigned char* bytes, std::size_t count) {
   return static_cast<uint16_t>(sum);
 }
 
-uint16_t wordAt(const unsigned char* bytes) {
-  return TOLM_MAKEWD(bytes[1], bytes[0]);
+std::span<const uint8_t> bytesOf(const unsigned char* frame, int length) {
+  return {frame, static_cast<std::size_t>(length)};
+}
+
+int refuse(const unsigned char* frame, int length) {
+  PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = "
+                        << length << "pData = " << static_cast<const void*>(frame);
+  return -1;
 }
 
 }  // namespace
+
+std::optional<TransportHead> decodeTransportHead(std::span<const uint8_t> bytes) {
+  ByteReader reader(bytes);
+  // Braces read from left to right.
+  const TransportHead decoded{{reader.le32(), reader.le32(), reader.le32(), reader.le32(), reader.le32()},
+                              {reader.le16(), reader.le16(), reader.le32()}};
+  if (!reader.ok()) return std::nullopt;
+  return decoded;
+}
+
+void encodeTransportHead(const ipcHeaderInfo& head, std::span<uint8_t, kTransportHeadLength> room) {
+  ByteWriter writer(room);
+  for (const uint32_t word : {head.uiid, head.labelCount, head.size, head.result, head.detail})
+    writer.le32(word);
+  writer.le16(head.smallLabel);
+  writer.le16(head.largeLabel);
+  writer.le32(head.payloadLength);
+}
 
 MCUCMsg::MCUCMsg(uint16_t header, uint8_t ack, uint8_t labels, uint8_t source, uint8_t destination,
                  uint8_t deviceType, uint8_t port, uint16_t board, uint8_t code, uint32_t registerAddress)
@@ -84,31 +109,28 @@ bool MCUCMsg::Checkout(const unsigned char* frame, int length) {
   if (length < 4) return false;
   unsigned short computed = 0;
   CaculCheckout(frame, 2, length - 4, &computed);
-  const uint16_t received = wordAt(frame + length - 2);
+  const uint16_t received = le16(bytesOf(frame, length), static_cast<std::size_t>(length) - 2);
   PARLEND_TRACE(kInfo) << "revise = " << computed << ", iDataLen = " << length << ", usCheckout=" << received;
   PARLEND_TRACE(kInfo) << "Finish Checkout the DataBlock.";
   return computed == received;
 }
 
 int MCUCMsg::DecodeHeader(const unsigned char* frame, int length) {
-  if (frame == nullptr || length < kFrameMinimum) {
-    PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = "
-                          << length << "pData = " << static_cast<const void*>(frame);
-    return -1;
-  }
-  m_usHeader = wordAt(frame);
-  m_ucAck = frame[2];
-  m_ucLabels = frame[3];
-  m_ucSourceAddress = frame[4];
-  m_ucDestinationAddrerss = frame[5];
-  m_ucDeviceType = frame[6];
-  m_ucPortAddress = frame[7];
-  m_usBoardAddress = wordAt(frame + 8);
-  m_ucCode = frame[10];
-  m_ucReserved = frame[11];
-  m_uiRegisterUnitAddress = TOLM_MAKEDW(frame[15], frame[14], frame[13], frame[12]);
-  m_usValidDataLength = wordAt(frame + 16);
-  m_usCheckout = wordAt(frame + length - 2);
+  if (frame == nullptr || length < kFrameMinimum) return refuse(frame, length);
+  ByteReader reader(bytesOf(frame, length));
+  m_usHeader = reader.le16();
+  m_ucAck = reader.u8();
+  m_ucLabels = reader.u8();
+  m_ucSourceAddress = reader.u8();
+  m_ucDestinationAddrerss = reader.u8();
+  m_ucDeviceType = reader.u8();
+  m_ucPortAddress = reader.u8();
+  m_usBoardAddress = reader.le16();
+  m_ucCode = reader.u8();
+  m_ucReserved = reader.u8();
+  m_uiRegisterUnitAddress = reader.le32();
+  m_usValidDataLength = reader.le16();
+  m_usCheckout = le16(bytesOf(frame, length), static_cast<std::size_t>(length) - 2);
   return 0;
 }
 
@@ -118,30 +140,24 @@ int MCUCMsg::EncodeHeader(unsigned char* buffer, int size) {
     return -1;
   }
   TOLM_RENCWD(buffer, m_usHeader);
-  buffer[2] = m_ucAck;
-  buffer[3] = m_ucLabels;
-  buffer[4] = m_ucSourceAddress;
-  buffer[5] = m_ucDestinationAddrerss;
-  buffer[6] = m_ucDeviceType;
-  buffer[7] = m_ucPortAddress;
-  TOLM_ENCWD(buffer + 8, m_usBoardAddress);
-  buffer[10] = m_ucCode;
-  buffer[11] = m_ucReserved;
-  TOLM_ENCDW(buffer + 12, m_uiRegisterUnitAddress);
-  TOLM_ENCWD(buffer + 16, m_usValidDataLength);
+  ByteWriter writer(std::span(buffer, kFrameHeadLength).subspan(2));
+  for (const uint8_t byte :
+       {m_ucAck, m_ucLabels, m_ucSourceAddress, m_ucDestinationAddrerss, m_ucDeviceType, m_ucPortAddress})
+    writer.u8(byte);
+  writer.le16(m_usBoardAddress);
+  writer.u8(m_ucCode);
+  writer.u8(m_ucReserved);
+  writer.le32(m_uiRegisterUnitAddress);
+  writer.le16(m_usValidDataLength);
   return 0;
 }
 
 int ThirdProtoMCUCMsg::Decode(const unsigned char* frame, int length) {
   if (const int failed = DecodeHeader(frame, length)) return failed;
   if (m_ucCode == kCodeWrite) {
-    if (length < kFrameMinimum + m_usValidDataLength) {
-      PARLEND_TRACE(kError) << "=== DecodeHeader ===Decode Header: Decode Failed! return. The data length = "
-                            << length << "pData = " << static_cast<const void*>(frame);
-      return -1;
-    }
-    const unsigned char* data = frame + kFrameHeadLength;
-    m_data.insert(m_data.end(), data, data + m_usValidDataLength);
+    if (length < kFrameMinimum + m_usValidDataLength) return refuse(frame, length);
+    const auto data = bytesOf(frame, length).subspan(kFrameHeadLength, m_usValidDataLength);
+    m_data.insert(m_data.end(), data.begin(), data.end());
   }
   PARLEND_TRACE(kInfo) << "Finish Decode the DataBlock.";
   return 0;

@@ -3,7 +3,8 @@
 #pragma once
 
 #include <cstdint>
-#include <type_traits>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace ORVE_MCUC {
@@ -92,7 +93,10 @@ class ThirdProtoMCUCMsg : public MCUCMsg {
   using MCUCMsg::Decode;
 };
 
-// The 28-byte transport head as it lies in front of a frame, little-endian like the target.
+inline constexpr int kTransportHeadLength = 28;
+inline constexpr uint16_t kThirdProtocolLabel = 0x1C;
+
+// The transport head in front of a frame. On the wire: its fields in this order, little-endian.
 struct ipcHeaderInfo {
   uint32_t uiid = 0;  // the peer: requester of a request and its reply, target of a notification
   uint32_t labelCount = 0;
@@ -103,9 +107,9 @@ struct ipcHeaderInfo {
   uint16_t largeLabel = 0;     // kThirdProtocolLabel for frames
   uint32_t payloadLength = 0;  // bytes of the frame
 };
-static_assert(sizeof(ipcHeaderInfo) == 28 && std::is_trivially_copyable_v<ipcHeaderInfo>);
+static_assert(sizeof(ipcHeaderInfo) == kTransportHeadLength);
 
-// Head and label of a received message, as two records.
+// The transport head of a received message, as its two halves.
 struct Fipc_msg_head {
   uint32_t ui_id;
   uint32_t lbl_cnt;
@@ -120,8 +124,13 @@ struct Fimd_label {
 };
 static_assert(sizeof(Fipc_msg_head) == 20 && sizeof(Fimd_label) == 8);
 
-inline constexpr int kTransportHeadLength = 28;
-inline constexpr uint16_t kThirdProtocolLabel = 0x1C;
+struct TransportHead {
+  Fipc_msg_head head;
+  Fimd_label label;
+};
+// Nothing when there are fewer than 28 bytes.
+std::optional<TransportHead> decodeTransportHead(std::span<const uint8_t> bytes);
+void encodeTransportHead(const ipcHeaderInfo& head, std::span<uint8_t, kTransportHeadLength> room);
 
 // One request, reply or notification.
 struct IMD_proto3rd {

@@ -15,12 +15,15 @@ void* threadProc(void* self) {
 
 }  // namespace
 
-McuIMDThread::McuIMDThread() : m_vectorUIIDs{taskOf(kServiceLsd)} {}
+McuIMDThread::McuIMDThread() {
+  m_vectorUIIDs.reserve(kPeersRemembered);
+  m_vectorUIIDs.push_back(taskOf(kServiceLsd));
+}
 
 int McuIMDThread::Init() {
   PARLEND_TRACE(kInfo) << "McuIMDThread: Init apipc, result = " << 0 << " type = "
                        << "parlend";
-  m_ready.store(true, std::memory_order_release);
+  open();
   if (const int failed = CreateThread(m_apipc, &threadProc<&McuIMDThread::ApipcMsg>)) return failed;
   if (const int failed = CreateThread(m_recv, &threadProc<&McuIMDThread::RecvMsg>)) return failed;
   return CreateThread(m_flag, &threadProc<&McuIMDThread::FlagMsg>);

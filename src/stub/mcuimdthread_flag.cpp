@@ -1,6 +1,7 @@
 // The flag and status thread: waits for the loaded FPGA, announces the daemon, then ticks.
 #include "mcuctrace.h"
 #include "mcucutil.h"
+#include "outofmemory.h"
 #include "platform/apipc.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
@@ -16,22 +17,6 @@ constexpr int kTickMs = 200;
 constexpr uint8_t kHighestResetState = 3;
 constexpr int kNotConnected = -1;
 
-// Every status counts as changed from here on, except those that are zero, and a fiber link of 0xFF.
-void forgetPushes() {
-  Data_Global& store = *Data_Global::getInstance();
-  store.SendRedundStatustoLSD_buff.fill(0);
-  store.SendRedundtoLSD_buff.fill(0);
-  store.SendNetLinktoLSD_buff.fill(0);
-  store.fiberlink_buff.fill(0xFF);
-  store.fiberRedund_buff.fill(0);
-  store.FiberToNetStatus_buff.fill(0);
-  // Not the link words themselves: cards are reached by them meanwhile.
-  store.fiber1BelowTold.fill(0);
-  store.fiber2BelowTold.fill(0);
-  store.fiberCopyStatus_buff.fill(0);
-  store.SendOptRedundtoLSD_buff.fill(0);
-}
-
 }  // namespace
 
 int McuIMDThread::CheckFPGAOnline() {
@@ -42,7 +27,7 @@ int McuIMDThread::CheckFPGAOnline() {
 void McuIMDThread::FlagMsg() {
   PARLEND_TRACE(kDebug) << "FlagMsg process thread begin.";
   while (CheckFPGAOnline() != 0 && !m_flag.exit.load()) waitForFpgaLoadFlag();
-  if (!m_flag.exit.load()) bringUp();
+  while (!m_flag.exit.load() && !withinMemory("FlagMsg", [this] { bringUp(); })) Delay(kTickMs);
   while (!m_flag.exit.load()) {
     tick();
     Delay(kTickMs);
@@ -58,6 +43,10 @@ void McuIMDThread::bringUp() {
 }
 
 void McuIMDThread::tick() {
+  withinMemory("tick", [this] { step(); });
+}
+
+void McuIMDThread::step() {
   auto& state = Data_Global::getInstance()->RebootRF;
   // The factory reset's step comes first; until the reset is over nothing else is done.
   if (state == 0) watchStatus();
@@ -95,17 +84,18 @@ void McuIMDThread::LsdApipcConnHandler() {
   monitor.apipc_connect_status = true;
   monitor.OptToNetEnableOnce = false;
   PARLEND_TRACE(kInfo) << "<<<<<<FlagMsg process thread apipc_connect_chktask_by_taskid success!>>>>>>";
-  forgetPushes();
+  Data_Global::getInstance()->forget();
 }
 
 void McuIMDThread::CalculateSenderParaHandler() {
   auto& waiting = Data_Global::getInstance()->CalculateParaHandlerCnt;
   const uint32_t count = waiting;
   const bool atRest = count != 0 && count == m_submissionsSeen;
-  m_submissionsSeen = atRest ? 0 : count;
+  m_submissionsSeen = count;
   if (!atRest) return;
-  waiting = 0;
   Tprocess::CalculateParaOfSenderHandler();
+  waiting.add(0U - count);  // a submission that came meanwhile still counts
+  m_submissionsSeen = 0;
 }
 
 }  // namespace ORVE_MCUC

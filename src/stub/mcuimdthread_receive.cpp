@@ -1,10 +1,10 @@
 // From the message service to the register request: wait thread, receive thread, one frame.
 #include <algorithm>
-#include <cstring>
 
 #include "hextext.h"
 #include "mcuctrace.h"
 #include "mcucutil.h"
+#include "outofmemory.h"
 #include "proto/store/data_common.h"
 #include "results.h"
 #include "stub/mcuimdthread.h"
@@ -15,8 +15,6 @@ namespace {
 
 constexpr int kPauseAfterErrorMs = 5;
 constexpr int kWaitForMessageMs = 1000;
-constexpr std::size_t kPeersRemembered =
-    1024;  // the list serves the log: ever new peers must not fill memory
 constexpr uint8_t kSourceOfTools = 0xFE;
 
 // The service's callback, on the wait thread: it only queues.
@@ -69,7 +67,7 @@ void McuIMDThread::ApipcMsg() {
   PARLEND_TRACE(kDebug) << "ApipcMsg process thread begin:";
   while (!m_apipc.exit.load()) {
     PARLEND_TRACE(kInfo) << "Apipc: begin wait message...";
-    apipc_loop_wait(this, &ipc_event_deal);
+    withinMemory("ApipcMsg", [this] { apipc_loop_wait(this, &ipc_event_deal); });
     PARLEND_TRACE(kInfo) << "Apipc: finish wait message.";
   }
   PARLEND_TRACE(kDebug) << "ApipcMsg process thread exit.";
@@ -78,7 +76,7 @@ void McuIMDThread::ApipcMsg() {
 void McuIMDThread::RecvMsg() {
   PARLEND_TRACE(kDebug) << "RecvMeg process thread begin:";
   while (!m_recv.exit.load()) {
-    ipc_event_deal_th();
+    withinMemory("RecvMsg", [this] { ipc_event_deal_th(); });
     Delay(kPauseAfterErrorMs);
   }
   PARLEND_TRACE(kDebug) << "RecvMeg process thread exit.";
@@ -92,7 +90,6 @@ int McuIMDThread::ipc_event_deal_th() {
   return kErrNoMessage;
 }
 
-// Waits for a message and handles it to the end. 0 also when there was none.
 int McuIMDThread::takeMessage() {
   apipc_msg_t message = nullptr;
   if (apipc_deq(&message) < 0) {
@@ -114,10 +111,9 @@ int McuIMDThread::takeMessage() {
     PARLEND_TRACE(kError) << "=== ipc_event_deal ===Recv, boday is invalid, return.";
     return kErrNoMessage;
   }
-  Fipc_msg_head head;
-  Fimd_label label;
-  std::memcpy(&head, contents, sizeof head);
-  std::memcpy(&label, contents + sizeof head, sizeof label);
+  const auto decoded = decodeTransportHead({contents, kTransportHeadLength});
+  if (!decoded) return kErrNoMessage;
+  const auto& [head, label] = *decoded;
   PARLEND_TRACE(kInfo) << "Apipc, Get a new Packet: ihead_t uiid = " << CTrace::hex << head.ui_id
                        << " label count = " << head.lbl_cnt << " size = " << head.size
                        << " large label = " << label.large << " small label = " << label.small;
@@ -147,7 +143,10 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
     PARLEND_TRACE(kError) << "=== dealDataBlock ===Deal DataBlock: Checkout Result is false! ";
     ack = kAckChecksum;
   }
-  if (const int failed = request.proto.Decode(frame, length)) {
+  int failed = 0;
+  if (!withinMemory("dealDataBlock", [&] { failed = request.proto.Decode(frame, length); }))
+    ack = kAckRefused;
+  if (failed != 0) {
     PARLEND_TRACE(kError) << "=== dealDataBlock ===Decode DataBlock Failed! Decode result = " << failed;
   } else {
     request.proto.m_ucAck = ack;
@@ -171,7 +170,7 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
 
 void McuIMDThread::rememberPeer(uint32_t uiid) {
   if (std::find(m_vectorUIIDs.begin(), m_vectorUIIDs.end(), uiid) != m_vectorUIIDs.end()) return;
-  if (m_vectorUIIDs.size() >= kPeersRemembered) return;
+  if (m_vectorUIIDs.size() >= kPeersRemembered) return;  // the list serves the log
   m_vectorUIIDs.push_back(uiid);
   PARLEND_TRACE(kInfo) << "recv new uiid = " << uiid << " size = " << static_cast<int>(m_vectorUIIDs.size());
 }

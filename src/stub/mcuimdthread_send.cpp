@@ -1,6 +1,4 @@
 // Replies and notifications: the same steps, with words of their own.
-#include <cstring>
-
 #include "hextext.h"
 #include "mcuctrace.h"
 #include "results.h"
@@ -50,7 +48,7 @@ void logSent(const Words& words, const unsigned char* bytes, int total) {
   }
 }
 
-int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
+int sendFrame(IMD_proto3rd& record, uint32_t task, const MessageSink& sink, const Words& words) {
   PARLEND_TRACE(kInfo) << words.begin;
   // Only the bytes that are sent are ever written, so the buffer is not cleared.
   unsigned char buffer[kTransportHeadLength + DATA_BLOCK_LENGTH];
@@ -61,11 +59,11 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
   }
   record.ipcHeader.result = record.proto.m_ucAck;
   record.ipcHeader.payloadLength = static_cast<uint32_t>(length);
-  std::memcpy(buffer, &record.ipcHeader, sizeof record.ipcHeader);
+  encodeTransportHead(record.ipcHeader, std::span(buffer).first<kTransportHeadLength>());
   const int total = kTransportHeadLength + length;
   PARLEND_TRACE(kInfo) << "ReplyMsg: the ack = " << record.proto.m_ucAck;
   PARLEND_TRACE(kInfo) << "================================= Begin apipc send ==============================";
-  const int sent = apipc_send(task, buffer, static_cast<unsigned int>(total));
+  const int sent = sink(task, {buffer, static_cast<std::size_t>(total)});
   PARLEND_TRACE(kInfo) << "================================= Finish apipc send =============================";
   if (sent != 0) {
     PARLEND_TRACE(kError) << words.failed << sent;
@@ -78,8 +76,12 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
 
 }  // namespace
 
+int sendThroughService(uint32_t task, std::span<const uint8_t> message) {
+  return apipc_send(task, message.data(), static_cast<unsigned int>(message.size()));
+}
+
 int McuIMDThread::ReplyMsgNew(IMD_proto3rd* request) {
-  return sendFrame(*request, taskOf(kServiceSend), kReply);
+  return sendFrame(*request, taskOf(kServiceSend), m_sink, kReply);
 }
 
 int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
@@ -87,7 +89,7 @@ int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
     PARLEND_TRACE(kInfo) << "SendMsg: the message channel is not there yet, nothing is sent.";
     return kErrSend;
   }
-  return sendFrame(*message, message->processID, kNotification);
+  return sendFrame(*message, message->processID, m_sink, kNotification);
 }
 
 int McuIMDThread::SendMsg(IMD_proto3rd message) {

@@ -1,56 +1,83 @@
 // The deferred work queue and the one thread that works it off. addMessageToList may be called from any
-// thread, handlers included; items wait until the thread runs.
+// thread, handlers included.
+//
+// Whoever adds waits until the running handler has returned and until there is room; a handler's own items
+// wait for neither. Between two items the thread lets in one of those who wait, and only one: so a producer
+// gets in however many items there are, and a producer that never pauses does not keep the thread from its
+// items.
 #pragma once
 
 #include <pthread.h>
 
-#include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <mutex>
 
-#include "mcucmutex.h"
 #include "stub/mcuprocessdatablock.h"
 
 namespace ORVE_MCUC {
 
 class McuProcessThread {
  public:
+  static constexpr std::size_t kMostItems = 256;
+
   McuProcessThread() = default;
   McuProcessThread(const McuProcessThread&) = delete;
   McuProcessThread& operator=(const McuProcessThread&) = delete;
   ~McuProcessThread();
 
-  // Starts the thread: 0, or kErrThread.
+  // Starts the thread: 0, or kErrThread, after which every item is refused.
   int Init();
   int CreateThread();
-  // Ask the thread to end; it does so after the item it works on.
+  // Asks the thread to end, which it does after the item it works on. Whoever waits is refused, and so is
+  // every later item.
   int Release();
   void UnInit() { Release(); }
+  // No thread will come: what waits for it is lost, and every later item is refused.
+  void giveUp();
   static int CloseAllSessions() { return 0; }
   int GetStatus() const { return m_iStatus; }
 
-  // Appends an item, which the queue owns from here on. Waits while a handler runs on another thread.
-  void addMessageToList(MCUProcessDataBlock* item);
+  // Appends an item, which the queue owns from here on: 0, or kRefused with the item gone. Items that come
+  // before the thread wait for it, as many as there is room for.
+  int addMessageToList(MCUProcessDataBlock* item);
 
-  // The thread's body: hands the oldest item to the dispatcher, holding the queue lock, until Release().
+  // The thread's body: hands the oldest item to the dispatcher, one after the other, until Release().
   void doProcess();
+  // The same on the calling thread, which stands in for the queue's, until nothing is left. Returns how many
+  // items there were.
+  std::size_t workOff();
 
  private:
+  using Items = std::list<std::unique_ptr<MCUProcessDataBlock>>;
+  using Lock = std::unique_lock<std::mutex>;
+
   static void* ThreadProc(void* self);
-  // Handles the oldest item, holding the queue lock. False: the queue was empty.
-  bool processOldest();
-  // Lets a producer that waits for the lock have it before the next item is taken.
-  void admitProducers();
+  // Waits until an item may be added. False: it is refused.
+  bool waitForTurn(Lock& lock);
+  bool hasRoom() const { return m_messageList.size() < kMostItems; }
+  // Whether the calling thread is running one of this queue's handlers.
+  bool isHandler() const;
+  std::size_t handleAll(Lock& lock);
+  // What a handler lacks memory for is not done.
+  void handleOldest(Lock& lock);
+  void admitOne(Lock& lock);
 
   pthread_t m_dwMcuProcessThreadID{};
   pthread_t m_hMcuProcessThread{};
-  std::atomic<bool> m_bExitMcuProcessThread{false};
   int32_t m_iStatus = 0;
-  CMutexThreadRecursive m_processLstMenux;
-  std::list<std::unique_ptr<MCUProcessDataBlock>> m_messageList;
-  std::atomic<int> m_signals{0};  // additions and exit requests, counted; the idle thread waits for a change
-  std::atomic<int> m_producers{0};  // threads that are appending right now
+
+  std::mutex m_processLstMenux;  // guards what follows; never held while a handler runs
+  std::condition_variable m_work;
+  std::condition_variable m_turn;
+  Items m_messageList;  // the item of the running handler stays at the front
+  bool m_bExitMcuProcessThread = false;
+  bool m_threadRuns = false;
+  bool m_busy = false;          // a handler runs, or the thread is between two items
+  bool m_admitting = false;     // one producer may go in although the thread is between two items
+  std::size_t m_producers = 0;  // waiting for their turn
 };
 
 }  // namespace ORVE_MCUC

@@ -1,9 +1,16 @@
 // The upper half of the work queue: it knows the dispatcher.
 #include "mcuctrace.h"
+#include "outofmemory.h"
 #include "process/tprocess_ctl.h"
 #include "stub/mcuprocessthread.h"
 
 namespace ORVE_MCUC {
+namespace {
+
+// The queue whose handler this thread is running.
+thread_local constinit const McuProcessThread* t_handlerOf = nullptr;
+
+}  // namespace
 
 void* McuProcessThread::ThreadProc(void* self) {
   static_cast<McuProcessThread*>(self)->doProcess();
@@ -12,28 +19,56 @@ void* McuProcessThread::ThreadProc(void* self) {
 
 void McuProcessThread::doProcess() {
   PARLEND_TRACE(kDebug) << "doProcess process thread begin:";
-  int seen = 0;
-  while (!m_bExitMcuProcessThread.load()) {
-    m_signals.wait(seen);
-    seen = m_signals.load();
-    while (!m_bExitMcuProcessThread.load() && processOldest()) admitProducers();
+  Lock lock(m_processLstMenux);
+  m_threadRuns = true;
+  m_turn.notify_all();
+  while (!m_bExitMcuProcessThread) {
+    m_work.wait(lock, [this] { return m_bExitMcuProcessThread || !m_messageList.empty(); });
+    handleAll(lock);
   }
+  lock.unlock();
   PARLEND_TRACE(kDebug) << "doProcess process thread exit.";
 }
 
-bool McuProcessThread::processOldest() {
-  CMutexGuardT<CMutexThreadRecursive> guard(m_processLstMenux);
-  if (m_messageList.empty()) return false;
-  if (MCUProcessDataBlock* item = m_messageList.front().get())
-    Tprocess_ctl::getInstance()->onProcessDealwith(item);
-  m_messageList.pop_front();
-  return true;
+std::size_t McuProcessThread::workOff() {
+  Lock lock(m_processLstMenux);
+  return handleAll(lock);
 }
 
-// A released mutex goes to whoever runs, which is this thread: without this step a producer would wait until
-// the queue is empty, not until the running handler returns.
-void McuProcessThread::admitProducers() {
-  if (const int waiting = m_producers.load()) m_producers.wait(waiting);
+std::size_t McuProcessThread::handleAll(Lock& lock) {
+  std::size_t handled = 0;
+  m_busy = true;
+  for (; !m_bExitMcuProcessThread && !m_messageList.empty(); ++handled) {
+    handleOldest(lock);
+    admitOne(lock);
+  }
+  m_busy = false;
+  m_turn.notify_all();
+  return handled;
+}
+
+void McuProcessThread::handleOldest(Lock& lock) {
+  MCUProcessDataBlock* item = m_messageList.front().get();
+  lock.unlock();
+  if (item != nullptr) {
+    t_handlerOf = this;
+    withinMemory("doProcess", [item] { Tprocess_ctl::getInstance()->onProcessDealwith(item); });
+    t_handlerOf = nullptr;
+  }
+  lock.lock();
+  m_messageList.pop_front();
+}
+
+void McuProcessThread::admitOne(Lock& lock) {
+  if (m_producers == 0 || !hasRoom()) return;
+  m_admitting = true;
+  m_turn.notify_all();
+  m_work.wait(lock, [this] { return m_bExitMcuProcessThread || !m_admitting; });
+  m_admitting = false;
+}
+
+bool McuProcessThread::isHandler() const {
+  return t_handlerOf == this;
 }
 
 }  // namespace ORVE_MCUC

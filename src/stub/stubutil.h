@@ -1,12 +1,15 @@
 // The start-up owner: brings the daemon up, holds its threads, sends for everybody and carries out requests.
+//
+// Tests use it without threads: prepare() does what initialize() does before it starts them, channel() is
+// opened and then carries out a request or a tick on the calling thread, queue().workOff() the work that they
+// left, and deleteInstance() leaves nothing of it behind.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 
 #include "mcucmutex.h"
-#include "stub/mcucmessagestruct.h"
-#include "stub/mcuprocessdatablock.h"
+#include "outgoing.h"
 
 namespace ORVE_MCUC {
 
@@ -14,9 +17,11 @@ class FpgaReportThread;
 class McuIMDThread;
 class McuProcessThread;
 
-class StubUtil {
+class StubUtil final : private Outgoing {
  public:
   static StubUtil* getInstance();
+  // Only while none of its threads runs.
+  static void deleteInstance();
   ~StubUtil();
   StubUtil(const StubUtil&) = delete;
   StubUtil& operator=(const StubUtil&) = delete;
@@ -24,11 +29,17 @@ class StubUtil {
   // Brings up services and threads in their order. False when a thread could not be started: those after it
   // are not started either.
   bool initialize();
+  // All of it but the threads.
+  void prepare();
 
   // Sends an unsolicited message to the task in its processID; any thread. 0 or a channel code.
   int SendMsg(IMD_proto3rd message);
-  // Queues a work item, which the queue then owns; any thread. Items wait until the work thread runs.
-  void addMessageToList(MCUProcessDataBlock* item);
+  // Queues a work item, which the queue then owns; any thread. 0, or kRefused with the item gone.
+  int addMessageToList(MCUProcessDataBlock* item);
+
+  McuIMDThread& channel() { return *m_McuIMDThreadPtr; }
+  McuProcessThread& queue() { return *m_McuProcessThreadPtr; }
+  FpgaReportThread& report() { return *m_FpgaReportThreadPtr; }
 
   // Carries out one request and replies; on the receive thread. The result of the routing, -1 for none.
   int onDataRecvFromIMDNew(IMD_proto3rd* request);
@@ -41,9 +52,13 @@ class StubUtil {
 
  private:
   StubUtil();
+  int send(IMD_proto3rd message) override;
+  int queue(std::unique_ptr<MCUProcessDataBlock> item) override;
   bool creatIMDComm();
   bool creatProcess();
   bool creatFpgaReport();
+  // Routes a request. What the requester cannot see from its reply is logged: a refusal with acknowledge 0.
+  int carryOut(IMD_proto3rd& request);
   int route(IMD_proto3rd* request);
 
   std::shared_ptr<McuIMDThread> m_McuIMDThreadPtr;

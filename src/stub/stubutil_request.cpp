@@ -1,5 +1,6 @@
 // Carrying out one request: destination check, routing, reply.
 #include "mcuctrace.h"
+#include "outofmemory.h"
 #include "proto/tshl_ctl.h"
 #include "results.h"
 #include "stub/mcuimdthread.h"
@@ -12,7 +13,7 @@ int StubUtil::onDataRecvFromIMDNew(IMD_proto3rd* request) {
   CMutexGuardT<CMutexThread> guard(m_stubMenux);
   checkSelfDeviceRequestNew(request);
   // A frame that failed its checksum carries an acknowledge code already and is only answered.
-  const int result = request->proto.m_ucAck == kAckDone ? route(request) : kFailed;
+  const int result = request->proto.m_ucAck == kAckDone ? carryOut(*request) : kFailed;
   m_McuIMDThreadPtr->ReplyMsgNew(request);
   PARLEND_TRACE(kInfo) << " >>>>>>>>>> onDataRecvFromIMDNew UnLock <<<<<<<<<<<<";
   return result;
@@ -27,6 +28,21 @@ bool StubUtil::checkSelfDeviceRequestNew(IMD_proto3rd* request) {
                           << destination << " sequse id = " << CTrace::hex << m_DeviceSequseID;
   }
   return true;
+}
+
+int StubUtil::carryOut(IMD_proto3rd& request) {
+  ThirdProtoMCUCMsg& proto = request.proto;
+  int result = kFailed;
+  if (!withinMemory("onDataRecvFromIMDNew", [&] { result = route(&request); })) {
+    proto.m_ucAck = kAckRefused;
+    proto.m_data.clear();
+  } else if (result != kDone && proto.m_ucAck == kAckDone) {
+    PARLEND_TRACE(kError) << "=== onDataRecvFromIMDNew ===not carried out although acknowledged: device type "
+                          << proto.m_ucDeviceType << ", code " << proto.m_ucCode
+                          << ", register = " << CTrace::hex << proto.m_uiRegisterUnitAddress
+                          << ", length = " << proto.m_usValidDataLength << ", result = " << result;
+  }
+  return result;
 }
 
 int StubUtil::route(IMD_proto3rd* request) {

@@ -19,6 +19,16 @@ constexpr int kSettleMs = 2000;  // the threads come up before the main thread g
 }  // namespace
 
 bool StubUtil::initialize() {
+  prepare();
+  const bool channel = creatIMDComm();
+  if (!channel) m_McuProcessThreadPtr->giveUp();  // a receive thread may run all the same, and queue
+  if (!channel || !creatProcess() || !creatFpgaReport()) return false;
+  PARLEND_TRACE(kInfo) << "================================= Finish main init ==============================";
+  Delay(kSettleMs);
+  return true;
+}
+
+void StubUtil::prepare() {
   PARLEND_TRACE(kInfo) << "================================= Begin main init ===============================";
   if (DriverUtil::getInstance()->initUdp() < 0) PARLEND_TRACE(kError) << "=== udp_port_init === fail!!!!";
   apipc_init(taskOf(kServiceParlend), 0);
@@ -28,10 +38,6 @@ bool StubUtil::initialize() {
   // loaded.
   Data_Global::getInstance()->RestoreFPGA();
   SetEnvParlendVerToRootfs();
-  if (!creatIMDComm() || !creatProcess() || !creatFpgaReport()) return false;
-  PARLEND_TRACE(kInfo) << "================================= Finish main init ==============================";
-  Delay(kSettleMs);
-  return true;
 }
 
 int StubUtil::SetEnvParlendVerToRootfs() {

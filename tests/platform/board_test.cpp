@@ -111,7 +111,8 @@ TEST_F(BoardTest, ContentsOutliveTheDaemonAndThePowerCycleClearsTheBusOnly) {
   EXPECT_EQ(WriteDataToFlashx(0xA3B100, 1, &value), 0);
   startAgain();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(value));
-  reboot();
+  board_shell("reboot -f");
+  powerOn();
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(0));
   EXPECT_THAT(fpga(0x1F, 1), ElementsAre(0x0F));
   EXPECT_THAT(flash(0xA3B100, 1), ElementsAre(value));
@@ -126,7 +127,8 @@ TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
             0);
   EXPECT_EQ(WriteDataToFactoryTmpFlashx(0x200, 1, &after), 0);
   EXPECT_THAT(flash(0x200, 1), ElementsAre(0));
-  reboot();
+  board_shell("reboot -f");
+  powerOn();
   EXPECT_THAT(flash(0x100, 1), ElementsAre(0));
   EXPECT_THAT(flash(0x200, 1), ElementsAre(after));
   EXPECT_THAT(flash(0xC20030, 4), ElementsAre(0, 1, 1, 1));

@@ -20,9 +20,9 @@
 #include <utility>
 #include <vector>
 
-#include "mcuctrace_echo.h"
 #include "mcuctrace_file.h"
 #include "platform/board.h"
+#include "platform/lineecho.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -259,6 +259,22 @@ TEST_F(TraceTest, EmptyingTheFileAgainAndAgainNeverEndsTheWriter) {
   vandal.join();
   trace.trace_string(kInfo, "after");
   EXPECT_THAT(lines(path).back(), EndsWith("Info:after"));
+  struct sigaction handling {};
+  sigaction(SIGBUS, nullptr, &handling);
+  EXPECT_EQ(handling.sa_handler, SIG_DFL);
+}
+
+TEST_F(TraceTest, AnotherTimeZoneHoldsFromTheNextSecondOn) {
+  CTrace trace("Log");
+  const auto hourIn = [&](const char* zone, int second) {
+    setenv("TZ", zone, 1);
+    board_clock_set(kNoon + second);
+    trace.trace_string(kInfo, zone);
+    return lines(file("01022024", 0)).back().substr(12, 2);
+  };
+  EXPECT_EQ(hourIn("EAST-5", 10), "17");
+  EXPECT_EQ(hourIn("WEST3", 20), "09");
+  EXPECT_EQ(hourIn("UTC0", 30), "12");
 }
 
 TEST_F(TraceTest, ALineThatTheDiskTakesOnlyInPartIsNotThere) {
@@ -357,12 +373,12 @@ class EchoTest : public testing::TestWithParam<Output> {
   }
 
   // A pipe of another user cannot be opened anew; neither can one while there are no descriptors left.
-  std::unique_ptr<LineEcho> make() const {
+  std::unique_ptr<platform::LineEcho> make() const {
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
     const rlimit none{0, limit.rlim_max};
     if (GetParam() == Output::kPipeOfAnotherUser) setrlimit(RLIMIT_NOFILE, &none);
-    auto echo = std::make_unique<LineEcho>(ends[1]);
+    auto echo = std::make_unique<platform::LineEcho>(ends[1]);
     setrlimit(RLIMIT_NOFILE, &limit);
     return echo;
   }
@@ -398,13 +414,13 @@ INSTANTIATE_TEST_SUITE_P(Outputs, EchoTest,
 TEST(Echo, AFileIsAppendedToAndAClosedDescriptorIsLeftAlone) {
   const std::string path = testing::TempDir() + "echo" + std::to_string(getpid());
   const int file = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_APPEND, 0600);
-  const LineEcho echo(file);
+  const platform::LineEcho echo(file);
   echo.write("one\n");
   echo.write("two\n");
   EXPECT_EQ(fs::file_size(path), 8U);
   close(file);
   fs::remove(path);
-  LineEcho(file).write("nowhere\n");
+  platform::LineEcho(file).write("nowhere\n");
 }
 
 }  // namespace

@@ -39,6 +39,15 @@ void SvgSheet::text(Point at, const std::string& words, TextStyle style) {
                words);
 }
 
+void SvgSheet::upright(Point at, const std::string& words, TextStyle style) {
+  xml_.element("text",
+               {{"transform", "translate(" + coordinates(at) + ") rotate(-90)"},
+                {"font-size", xmlNumber(style.size)},
+                {"text-anchor", style.anchor},
+                {"font-weight", style.weight}},
+               words);
+}
+
 void SvgSheet::beginHalo(double width) {
   xml_.open("g", {{"paint-order", "stroke"},
                   {"stroke", "white"},
@@ -92,8 +101,24 @@ void SvgSheet::lines(const std::string& path, const char* colour, double width) 
                {{"d", path}, {"fill", "none"}, {"stroke", colour}, {"stroke-width", xmlNumber(width)}});
 }
 
+void SvgSheet::dashes(const std::string& path, const char* colour, double width, const char* lengths) {
+  if (path.empty()) return;
+  xml_.element("path", {{"d", path},
+                        {"fill", "none"},
+                        {"stroke", colour},
+                        {"stroke-linejoin", "round"},
+                        {"stroke-dasharray", lengths},
+                        {"stroke-width", xmlNumber(width)}});
+}
+
 void SvgSheet::fill(const std::string& path) {
   if (!path.empty()) xml_.element("path", {{"d", path}, {"fill", kInk}});
+}
+
+std::string lineThrough(std::span<const Point> points) {
+  std::string path;
+  for (const Point point : points) path += (path.empty() ? "M" : "L") + coordinates(point);
+  return path;
 }
 
 std::string lineRight(Point from, double length) {

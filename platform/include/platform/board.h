@@ -21,13 +21,21 @@ void board_start(int argc, char** argv);
 /* Where a device path lies on this machine, zero-terminated. 0: done; -1: it does not fit into size bytes. */
 int board_path(const char* device_path, char* path, size_t size);
 
-/* Runs a command line and waits for it: its exit status, or -1 when it could not be run. */
+/* Runs a command line and waits for it; what it prints is lost. Its exit status, or -1 when it could not be
+ * run. */
 int board_shell(const char* command);
 
 /* Runs a command line and reads the first line that it prints (at most size - 1 characters, line end
  * included). Returns the number of characters, 0 when there was no output, -1 when the command could not be
  * started. */
 int board_shell_line(const char* command, char* line, size_t size);
+
+/* Pauses the calling thread; nothing for counts below 1. */
+void board_pause(int64_t microseconds);
+
+/* Microseconds of the board's time since some moment before the daemon's start: never set, never going back.
+ * Pauses pass in the same time. */
+int64_t board_monotonic_us(void);
 
 /* The board's clock: seconds and nanoseconds since 1970. */
 void board_clock(struct timespec* now);

@@ -6,12 +6,17 @@
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "proto/cards/cardtasks.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/tshl_ctl.h"
 #include "results.h"
 #include "taskid.h"
 
 namespace ORVE_MCUC {
 namespace {
+
+// What a reply's frame has room for.
+constexpr uint16_t kLongestRead = DATA_BLOCK_LENGTH - kFrameMinimum;
+static_assert(kLongestRead == 65516);
 
 // Calls with the address and the bytes of each chunk. The address that is reached.
 template <class Use>
@@ -23,6 +28,10 @@ uint32_t inChunks(uint32_t address, std::span<uint8_t> data, std::size_t chunkSi
     data = data.subspan(chunk.size());
   }
   return address;
+}
+
+CardPlace placeOf(const CardTask& task, const ThirdProtoMCUCMsg& proto) {
+  return {task.selector, proto.m_ucPortAddress, proto.m_usBoardAddress};
 }
 
 int answer(ThirdProtoMCUCMsg& proto, int code) {
@@ -51,14 +60,18 @@ int readChunks(const CardTask& task, ThirdProtoMCUCMsg& proto) {
                                   << ", PortAddr = " << proto.m_ucPortAddress << ", ReadLength = " << length
                                   << ", BoardAddr = " << proto.m_usBoardAddress
                                   << ", RegAddr = " << CTrace::hex << address;
-             const int got = DriverUtil::getInstance()->ReadCardPara(
-                 address, proto.m_ucPortAddress, proto.m_usBoardAddress, length, chunk.data(), task.selector);
+             const int got = readCard(placeOf(task, proto), address, chunk);
              if (result == 0) result = got;
            });
   return result;
 }
 
 int read(const CardTask& task, ThirdProtoMCUCMsg& proto) {
+  if (proto.m_usValidDataLength > kLongestRead) {
+    PARLEND_TRACE(kError) << "=== " << task.name << " ===a read of " << proto.m_usValidDataLength
+                          << " bytes does not fit into a reply, return! ";
+    return answer(proto, kRefused);
+  }
   if (!mayRead(task, proto.m_ucPortAddress)) return answer(proto, kRefused);
   proto.m_data.assign(proto.m_usValidDataLength, 0);
   const int result = readChunks(task, proto);
@@ -85,8 +98,7 @@ void writeChunk(const CardTask& task, const ThirdProtoMCUCMsg& proto, uint32_t a
                   << " BoardAddr = " << proto.m_usBoardAddress << " RegAddr = " << CTrace::hex << address;
     if (task.showsData) line.record() << " data[0]:" << chunk[0];
   }
-  DriverUtil::getInstance()->SendCardPara(address, proto.m_ucPortAddress, proto.m_usBoardAddress, length,
-                                          chunk.data(), task.selector);
+  writeCard(placeOf(task, proto), address, chunk);
 }
 
 int write(const CardTask& task, const IMD_proto3rd& request) {

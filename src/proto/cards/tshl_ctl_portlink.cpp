@@ -2,10 +2,10 @@
 #include <array>
 #include <span>
 
-#include "driverutil.h"
 #include "maps/cardgeometry.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/tshl_ctl.h"
 
 namespace ORVE_MCUC {
@@ -20,7 +20,7 @@ constexpr unsigned int kBytesOfFiberPath = 2;
 template <std::size_t Length>
 std::array<uint8_t, Length> linkBytes(uint32_t address, const char* name) {
   std::array<uint8_t, Length> bytes{};
-  if (DriverUtil::getInstance()->ReadFPGABusBlock(address, bytes.data(), Length) == 0) return bytes;
+  if (readFpga(address, bytes) == 0) return bytes;
   PARLEND_TRACE(kError) << "=== PortLinkVerify ===Read from FPGA basicPara failed when reading " << name
                         << " information! ";
   return {};

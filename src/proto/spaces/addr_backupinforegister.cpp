@@ -1,37 +1,32 @@
-#include "proto/spaces/addr_backupinforegister.h"
-
+// Backup information: a window into the parameter flash.
+#include "logwords.h"
 #include "maps/flashmap.h"
-#include "proto/store/flashread.h"
+#include "proto/spaces/spaces.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kRows{offsetRow(reg::kBackupInfo, "backup info", "backup info register", {1, 512},
-                                     &Addr_BackupInfoRegister::DoBackupInfo),
-                           Fshl_cmd{}};
-static_assert(rowsAreSound(kRows));
+constexpr SectionWords kReading{
+    "============================ Begin Read BackupInfo ==============================",
+    "============================ Finish Read BackupInfo ============================="};
+
+int ReadFromBackupInfo(IMD_proto3rd& request) {
+  LogSection section(kReading);
+  const uint32_t address = flash::ofBackupInfo(request.proto.m_uiRegisterUnitAddress);
+  if (replyFromFlash(request, address, {"ReadFromBackupInfo", "Read backup info flash failed. ret = "}) ==
+      0) {
+    return kDone;
+  }
+  section.abandon();
+  return kFailed;
+}
 
 }  // namespace
 
-constinit std::array<Fshl_cmd, 2> Addr_BackupInfoRegister::cmd_tblOffset = kRows;
-
-int Addr_BackupInfoRegister::DoBackupInfo(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  return readOrWrite(msgIMD, &ReadFromBackupInfo, &WriteToBackupInfo);
-}
-
-int Addr_BackupInfoRegister::ReadFromBackupInfo(IMD_proto3rd* msgIMD) {
-  PARLEND_TRACE(kInfo) << "============================ Begin Read BackupInfo ==============================";
-  const int ret = replyFromFlash(*msgIMD, flash::ofBackupInfo(msgIMD->proto.m_uiRegisterUnitAddress));
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== ReadFromBackupInfo ===Read backup info flash failed. ret = " << ret;
-    return kFailed;
-  }
-  PARLEND_TRACE(kInfo) << "============================ Finish Read BackupInfo =============================";
-  return kDone;
-}
-
-int Addr_BackupInfoRegister::WriteToBackupInfo(IMD_proto3rd* msgIMD) {
-  return queueWrite(msgIMD, DoBackupInfoKey, "DoBackupInfoKey");
+const RegisterSpace& spaceAt(At<reg::kBackupInfo>) {
+  static constexpr RegisterSpace kSpace =
+      registerSpace<reg::kBackupInfo>({.read = &ReadFromBackupInfo, .write = &queueWrite<DoBackupInfoKey>});
+  return kSpace;
 }
 
 }  // namespace ORVE_MCUC

@@ -1,15 +1,9 @@
-#include "proto/spaces/addr_rgbgammaregister.h"
-
-#include "driverutil.h"
+// Gamma tables: reads come from the FPGA, writes go to flash.
 #include "maps/gammamap.h"
+#include "proto/spaces/spaces.h"
 
 namespace ORVE_MCUC {
 namespace {
-
-constexpr std::array kRows{offsetRow(reg::kRGBGamma, "RGBGamma info", "RGBGamma info register", {1, 1024},
-                                     &Addr_RGBGammaRegister::DoRGBGammatable),
-                           Fshl_cmd{}};
-static_assert(rowsAreSound(kRows));
 
 // Where a gamma register lies on the FPGA bus, and what its log lines call it. No name: nowhere.
 struct Place {
@@ -33,29 +27,25 @@ void logFailedRead(const Place& place, int ret) {
                         << "_" << what << kind << " Info failed! ret = " << ret;
 }
 
-}  // namespace
-
-constinit std::array<Fshl_cmd, 2> Addr_RGBGammaRegister::cmd_tblOffset = kRows;
-
-int Addr_RGBGammaRegister::DoRGBGammatable(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  return readOrWrite(msgIMD, &ReadRGBGammatable, &WriteRGBGammatable);
-}
-
-int Addr_RGBGammaRegister::ReadRGBGammatable(IMD_proto3rd* msgIMD) {
-  const uint16_t length = msgIMD->proto.m_usValidDataLength;
-  const Place place = placeOf(msgIMD->proto.m_uiRegisterUnitAddress & kGammaRegisterMask, length);
-  auto& data = msgIMD->proto.m_data;
-  data.assign(length, 0);
-  if (place.depth == nullptr) return kDone;
-  const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, place.fpga, length, data.data());
-  if (ret >= 0) return kDone;
+int ReadRGBGammatable(IMD_proto3rd& request) {
+  const uint16_t length = request.proto.m_usValidDataLength;
+  const Place place = placeOf(request.proto.m_uiRegisterUnitAddress & kGammaRegisterMask, length);
+  if (place.depth == nullptr) {
+    request.proto.m_data.assign(length, 0);
+    return kDone;
+  }
+  const int ret = replyFromFpga(request, place.fpga);
+  if (ret == 0) return kDone;
   logFailedRead(place, ret);
-  data.clear();
   return kRefused;
 }
 
-int Addr_RGBGammaRegister::WriteRGBGammatable(IMD_proto3rd* msgIMD) {
-  return queueWrite(msgIMD, SenderRGBGammaKey, "SenderRGBGammaKey");
+}  // namespace
+
+const RegisterSpace& spaceAt(At<reg::kRGBGamma>) {
+  static constexpr RegisterSpace kSpace =
+      registerSpace<reg::kRGBGamma>({.read = &ReadRGBGammatable, .write = &queueWrite<SenderRGBGammaKey>});
+  return kSpace;
 }
 
 }  // namespace ORVE_MCUC

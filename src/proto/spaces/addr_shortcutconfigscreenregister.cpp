@@ -1,24 +1,21 @@
-#include "proto/spaces/addr_shortcutconfigscreenregister.h"
-
+// Configuration of the screen: the record of a smart configuration, and the blocks of an advanced one. A
+// window into the parameter flash whose writes start the calculations.
 #include "calc/screenrecord.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
+#include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
-#include "proto/store/flashread.h"
 #include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kRows{offsetRow(reg::kShortcutConfigScreen, "shortcut config screen info",
-                                     "shortcut config screen info register", {1, 1500},
-                                     &Addr_ShortcutConfigScreenRegister::DoShortcutConfigScreen),
-                           Fshl_cmd{}};
-static_assert(rowsAreSound(kRows));
-
 constexpr uint8_t kSubmitAdvanced = 0xB9;  // as the first byte of a write
 constexpr uint16_t kVspReadLength = 38;    // a read of the record that VSP makes
 constexpr std::size_t kCalculationFirst = 0x10;
 constexpr std::size_t kCalculationLast = 0x1C;
+
+constexpr uint8_t m_cfgScreenFlag = shortcut::kSmart;  // only its log lines use it
 
 uint32_t offsetOf(const IMD_proto3rd& request) {
   return request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
@@ -26,18 +23,12 @@ uint32_t offsetOf(const IMD_proto3rd& request) {
 
 // VSP keeps a configuration of its own: it is answered in place of the record's.
 int readForVsp(IMD_proto3rd& request) {
-  DriverUtil& driver = *DriverUtil::getInstance();
   std::array<uint8_t, kVspReadLength> record{};
-  if (driver.ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data()) != 0) {
-    PARLEND_TRACE(kError)
-        << "=== WriteToNumberFunCardPort ===Read from ShortcutConfig Flash failed when reading flash! ";
-  }
+  readFlash(flash::kShortcutConfig, record,
+            {"WriteToNumberFunCardPort", "Read from ShortcutConfig Flash failed when reading flash! "});
   std::array<uint8_t, 4> SmartLEDParaForVSP{};
-  if (driver.ReadBytesFromFlash(flash::kShortcutForVsp, SmartLEDParaForVSP.size(),
-                                SmartLEDParaForVSP.data()) != 0) {
-    PARLEND_TRACE(kError)
-        << "=== ReadFromShortcutConfigScreen ===Read ShortCutStoreForVSP from  Flash failed !!! ";
-  }
+  readFlash(flash::kShortcutForVsp, SmartLEDParaForVSP,
+            {"ReadFromShortcutConfigScreen", "Read ShortCutStoreForVSP from  Flash failed !!! "});
   for (std::size_t i = 0; i < SmartLEDParaForVSP.size(); ++i) {
     PARLEND_TRACE(kInfo) << "SmartLEDParaForVSP[" << i << "] = " << SmartLEDParaForVSP[i];
   }
@@ -53,9 +44,8 @@ int readForVsp(IMD_proto3rd& request) {
 int readRecord(IMD_proto3rd& request) {
   const uint32_t offset = offsetOf(request);
   if (offset == 0 && request.proto.m_usValidDataLength == kVspReadLength) return readForVsp(request);
-  if (const int ret = replyFromFlash(request, flash::kShortcutConfig + offset)) {
-    PARLEND_TRACE(kError) << "=== WriteToNumberFunCardPort ===read bytes from flash failed. driverRet = "
-                          << ret;
+  if (replyFromFlash(request, flash::kShortcutConfig + offset,
+                     {"WriteToNumberFunCardPort", "read bytes from flash failed. driverRet = "}) != 0) {
     return kFailed;
   }
   auto& data = request.proto.m_data;
@@ -64,12 +54,9 @@ int readRecord(IMD_proto3rd& request) {
 }
 
 int writeRecordBytes(uint32_t offset, std::span<const uint8_t> data) {
-  const int ret = DriverUtil::getInstance()->PageProgram(
-      0, flash::kShortcutConfig + offset, static_cast<unsigned short>(data.size()), data.data());
-  if (ret == 0) return kDone;
-  PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===write to page program failed. driverRet = "
-                        << ret;
-  return kRefused;
+  const int ret = writeFlash(flash::kShortcutConfig + offset, data,
+                             {"WriteToShortcutConfigScreen", "write to page program failed. driverRet = "});
+  return ret == 0 ? kDone : kRefused;
 }
 
 // The cards are measured once for all the writes that come before the calculation.
@@ -92,112 +79,13 @@ void logExpectedSplit(std::span<const uint8_t> record, const SmartScreen& screen
   logPortLoad(screen, splitOf(screen));
 }
 
-}  // namespace
-
-constinit std::array<Fshl_cmd, 2> Addr_ShortcutConfigScreenRegister::cmd_tblOffset = kRows;
-uint8_t Addr_ShortcutConfigScreenRegister::m_cfgScreenFlag = shortcut::kSmart;
-uint8_t Addr_ShortcutConfigScreenRegister::m_advCfgSubmit = 0;
-
-void Addr_ShortcutConfigScreenRegister::prepare() {
-  TempAdvCfgPortRow.fill(1);
-  TempAdvCfgPortCol.fill(1);
-}
-
-int Addr_ShortcutConfigScreenRegister::DoShortcutConfigScreen(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  PARLEND_TRACE(kInfo) << "======================== Begin DoShortcutConfigScreen ========================";
-  const int result = readOrWrite(msgIMD, &ReadFromShortcutConfigScreen, &WriteToShortcutConfigScreen);
-  if (result == kRefused && msgIMD != nullptr) msgIMD->proto.m_ucAck = kAckRefused;
-  return result;
-}
-
-int Addr_ShortcutConfigScreenRegister::ReadFromShortcutConfigScreen(IMD_proto3rd* msgIMD) {
-  PARLEND_TRACE(kInfo) << "======================== Begin Read ShortCut Config Info ========================";
-  const int result = readRecord(*msgIMD);
-  PARLEND_TRACE(kInfo) << "======================== Finish Read ShortCut Config Info =======================";
-  return result;
-}
-
-int Addr_ShortcutConfigScreenRegister::WriteToShortcutConfigScreen(IMD_proto3rd* msgIMD) {
-  PARLEND_TRACE(kInfo) << "======================== Begin Write ShortCut Config Info =======================";
-  int result = kRefused;
-  if (msgIMD == nullptr) {
-    PARLEND_TRACE(kError) << "=== IMD_proto3rd ===:, msgIMD is invalid, return.";
-  } else {
-    result = msgIMD->proto.m_data.empty() ? int{kDone} : writeRecord(*msgIMD);
-  }
-  PARLEND_TRACE(kInfo) << "======================== Finish Write ShortCut Config Info ======================";
-  return result;
-}
-
-int Addr_ShortcutConfigScreenRegister::writeRecord(IMD_proto3rd& request) {
-  const std::span<const uint8_t> data = request.proto.m_data;
-  const uint32_t offset = offsetOf(request);
-  const bool submits = data[0] == kSubmitAdvanced;
-  if ((offset & 0xFF) == 0) {
-    if (submits) {
-      m_advCfgSubmit = 1;
-    } else {
-      PARLEND_TRACE(kInfo) << "   m_cfgScreenFlag =  " << m_cfgScreenFlag;
-    }
-    PARLEND_TRACE(kInfo) << "\t buff[0] = " << data[0];
-  }
-  int result = kDone;
-  if (!submits) {
-    PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister Strage Lenth:" << request.proto.m_usValidDataLength;
-    if (offset + data.size() < shortcut::kRecordSize &&
-        Data_Global::getInstance()->TmpCalcScreenPara.copyFrom(data, offset)) {
-      PARLEND_TRACE(kInfo) << "ShortcutConfig memcpy ";
-    }
-    result = writeRecordBytes(offset, data);
-  }
-  if (offset >= kCalculationFirst && offset <= kCalculationLast) {
-    if (const int refused = submitSmart(request)) return refused;
-  } else if (offset < shortcut::kPortsAt || offset > shortcut::kPortsLast) {
-    PARLEND_TRACE(kInfo) << "cfg screen flag = " << m_cfgScreenFlag;
-  } else if (!submits) {
-    ParseAdvCfgScreen(request.proto.m_uiRegisterUnitAddress, data);
-  }
-  if (m_advCfgSubmit != 0) {
-    m_advCfgSubmit = 0;
-    constexpr uint8_t kSubmitted[] = {1};
-    if (const int refused =
-            queuePayload(request, AdvCalcParaOfSenderKey, "AdvCalcParaOfSenderKey", kSubmitted))
-      return refused;
-  }
-  return result;
-}
-
-int Addr_ShortcutConfigScreenRegister::submitSmart(IMD_proto3rd& request) {
-  std::array<uint8_t, shortcut::kRecordSize> record{};
-  const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, shortcut::kUsedSize,
-                                                                record.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===read bytes from flash failed. driverRet = "
-                          << ret;
-    return kRefused;
-  }
-  const SmartScreen screen =
-      shortcut::smartScreenOf(std::span<const uint8_t>(record).first<shortcut::kUsedSize>());
-  if (screen.rows == 0 || screen.columns == 0 || screen.cardsPerPort == 0) {
-    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===Check Para stage: Para invalid! Row = "
-                          << screen.rows << " Colume = " << screen.columns
-                          << " Box Number = " << record[shortcut::kCardsPerPortAt];
-    return kRefused;
-  }
-  measureCardsOnce();
-  logExpectedSplit(record, screen);
-  const int stored = writeRecordBytes(0, record);
-  PARLEND_TRACE(kInfo) << "Para is OK. Continue...";
-  const int queued = queuePayload(request, CalculateParaOfSenderKey, "CalculateParaOfSenderKey", record);
-  return queued != kDone ? queued : stored;
-}
-
-int Addr_ShortcutConfigScreenRegister::ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
+// Stores one field of the advanced configuration, for the ports that are mapped.
+void ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
   const std::size_t offset = (address & reg::kOffsetMask) - shortcut::kPortsAt;
   const std::size_t port = offset / shortcut::kPortSize;
   const std::size_t field = offset % shortcut::kPortSize;
   PARLEND_TRACE(kInfo) << "port num = " << port << " offset = " << field;
-  if (port >= kMappedPorts) return 0;  // kept in flash only
+  if (port >= kMappedPorts) return;  // kept in flash only
   switch (field) {
     case shortcut::kPortModeAt:
       TempAdvPortCM[port] = data[0];
@@ -217,7 +105,93 @@ int Addr_ShortcutConfigScreenRegister::ParseAdvCfgScreen(uint32_t address, std::
     default:
       break;
   }
-  return 0;
+}
+
+int submitSmart(IMD_proto3rd& request) {
+  std::array<uint8_t, shortcut::kRecordSize> record{};
+  if (readFlash(flash::kShortcutConfig, std::span(record).first<shortcut::kUsedSize>(),
+                {"WriteToShortcutConfigScreen", "read bytes from flash failed. driverRet = "}) != 0) {
+    return kRefused;
+  }
+  const SmartScreen screen =
+      shortcut::smartScreenOf(std::span<const uint8_t>(record).first<shortcut::kUsedSize>());
+  if (screen.rows == 0 || screen.columns == 0 || screen.cardsPerPort == 0) {
+    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===Check Para stage: Para invalid! Row = "
+                          << screen.rows << " Colume = " << screen.columns
+                          << " Box Number = " << record[shortcut::kCardsPerPortAt];
+    return kRefused;
+  }
+  measureCardsOnce();
+  logExpectedSplit(record, screen);
+  const int stored = writeRecordBytes(0, record);
+  PARLEND_TRACE(kInfo) << "Para is OK. Continue...";
+  const int queued = queuePayload<CalculateParaOfSenderKey>(request, record);
+  return queued != kDone ? queued : stored;
+}
+
+int writeRecord(IMD_proto3rd& request) {
+  const std::span<const uint8_t> data = request.proto.m_data;
+  const uint32_t offset = offsetOf(request);
+  const bool submits = data[0] == kSubmitAdvanced;
+  if ((offset & 0xFF) == 0) {
+    if (!submits) PARLEND_TRACE(kInfo) << "   m_cfgScreenFlag =  " << m_cfgScreenFlag;
+    PARLEND_TRACE(kInfo) << "\t buff[0] = " << data[0];
+  }
+  int result = kDone;
+  if (!submits) {
+    PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister Strage Lenth:" << request.proto.m_usValidDataLength;
+    if (offset + data.size() < shortcut::kRecordSize &&
+        Data_Global::getInstance()->TmpCalcScreenPara.copyFrom(data, offset)) {
+      PARLEND_TRACE(kInfo) << "ShortcutConfig memcpy ";
+    }
+    result = writeRecordBytes(offset, data);
+  }
+  if (offset >= kCalculationFirst && offset <= kCalculationLast) {
+    if (const int refused = submitSmart(request)) return refused;
+  } else if (offset < shortcut::kPortsAt || offset > shortcut::kPortsLast) {
+    PARLEND_TRACE(kInfo) << "cfg screen flag = " << m_cfgScreenFlag;
+  } else if (!submits) {
+    ParseAdvCfgScreen(request.proto.m_uiRegisterUnitAddress, data);
+  }
+  if (submits && (offset & 0xFF) == 0) {
+    constexpr uint8_t kSubmitted[] = {1};
+    if (const int refused = queuePayload<AdvCalcParaOfSenderKey>(request, kSubmitted)) return refused;
+  }
+  return result;
+}
+
+constexpr SectionWords kReading{
+    "======================== Begin Read ShortCut Config Info ========================",
+    "======================== Finish Read ShortCut Config Info ======================="};
+constexpr SectionWords kWriting{
+    "======================== Begin Write ShortCut Config Info =======================",
+    "======================== Finish Write ShortCut Config Info ======================"};
+
+int ReadFromShortcutConfigScreen(IMD_proto3rd& request) {
+  LogSection section(kReading);
+  return readRecord(request);
+}
+
+int WriteToShortcutConfigScreen(IMD_proto3rd& request) {
+  LogSection section(kWriting);
+  return request.proto.m_data.empty() ? int{kDone} : writeRecord(request);
+}
+
+// The one space that tells its requester of every refusal.
+int DoShortcutConfigScreen(IMD_proto3rd& request, const OffsetRow&) {
+  PARLEND_TRACE(kInfo) << "======================== Begin DoShortcutConfigScreen ========================";
+  const bool reads = request.proto.m_ucCode == kCodeRead;
+  const int result = reads ? ReadFromShortcutConfigScreen(request) : WriteToShortcutConfigScreen(request);
+  if (result == kRefused) request.proto.m_ucAck = kAckRefused;
+  return result;
+}
+
+}  // namespace
+
+const RegisterSpace& spaceAt(At<reg::kShortcutConfigScreen>) {
+  static constexpr RegisterSpace kSpace =
+      registerSpace<reg::kShortcutConfigScreen>({.handle = &DoShortcutConfigScreen, .entered = &logEntry});
+  return kSpace;
 }
 
 }  // namespace ORVE_MCUC

@@ -1,51 +1,34 @@
-#include "proto/spaces/addr_silentregisters.h"
+// Two spaces that exist and hold nothing: plug-in cards and cabinet rotation. Reads carry no data, writes do
+// nothing.
+#include "proto/spaces/spaces.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::array kPluginRows{
-    offsetRow(reg::kPluginCardInfo, "plugin card info", "plugin card info register", {1, 512},
-              &Addr_PluginCardInfoRegister::DoPluginCardInfo),
-    Fshl_cmd{}};
-static_assert(rowsAreSound(kPluginRows));
-constexpr std::array kRotationRows{
-    offsetRow(reg::kCabinetRotation, "cabinet rotation", "cabinet rotation register", {1, 69632},
-              &Addr_CabinetRotationRegister::DoRotationInfo),
-    Fshl_cmd{}};
-static_assert(rowsAreSound(kRotationRows));
+int doNothing(IMD_proto3rd&) {
+  return kDone;
+}
+
+void logAddress(const RegisterSpace&, const IMD_proto3rd& request) {
+  PARLEND_TRACE(kInfo) << "Ssh_cmd: addr = " << CTrace::hex << request.proto.m_uiRegisterUnitAddress;
+}
+
+void logRefusal(int result) {
+  PARLEND_TRACE(kError) << "=== Addr_CabinetRotationRegister ===call fun failed, result = " << result;
+}
 
 }  // namespace
 
-constinit std::array<Fshl_cmd, 2> Addr_PluginCardInfoRegister::cmd_tblOffset = kPluginRows;
-
-int Addr_PluginCardInfoRegister::DoPluginCardInfo(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  return readOrWrite(msgIMD, &ReadFromPluginCardInfo, &WriteToPluginCardInfo);
-}
-int Addr_PluginCardInfoRegister::ReadFromPluginCardInfo(IMD_proto3rd*) {
-  return kDone;
-}
-int Addr_PluginCardInfoRegister::WriteToPluginCardInfo(IMD_proto3rd*) {
-  return kDone;
+const RegisterSpace& spaceAt(At<reg::kPluginCardInfo>) {
+  static constexpr RegisterSpace kSpace =
+      registerSpace<reg::kPluginCardInfo>({.read = &doNothing, .write = &doNothing, .entered = &logEntry});
+  return kSpace;
 }
 
-constinit std::array<Fshl_cmd, 2> Addr_CabinetRotationRegister::cmd_tblOffset = kRotationRows;
-
-int Addr_CabinetRotationRegister::Ssh_cmd(IMD_proto3rd* msgIMD, Fshl_cmd* tbl, int validDataBegin) {
-  PARLEND_TRACE(kInfo) << "Ssh_cmd: addr = " << CTrace::hex << msgIMD->proto.m_uiRegisterUnitAddress;
-  const int result = RegisterSpace::Ssh_cmd(msgIMD, tbl, validDataBegin);
-  if (result == kBadLength || result == kBadAccess) {
-    PARLEND_TRACE(kError) << "=== Addr_CabinetRotationRegister ===call fun failed, result = " << result;
-  }
-  return result;
-}
-int Addr_CabinetRotationRegister::DoRotationInfo(IMD_proto3rd* msgIMD, Fshl_cmd*, int) {
-  return readOrWrite(msgIMD, &ReadFromRotationInfo, &WriteToRotationInfo);
-}
-int Addr_CabinetRotationRegister::ReadFromRotationInfo(IMD_proto3rd*) {
-  return kDone;
-}
-int Addr_CabinetRotationRegister::WriteToRotationInfo(IMD_proto3rd*) {
-  return kDone;
+const RegisterSpace& spaceAt(At<reg::kCabinetRotation>) {
+  static constexpr RegisterSpace kSpace = registerSpace<reg::kCabinetRotation>(
+      {.read = &doNothing, .write = &doNothing, .entered = &logAddress, .refused = &logRefusal});
+  return kSpace;
 }
 
 }  // namespace ORVE_MCUC

@@ -5,10 +5,6 @@
 
 namespace ORVE_MCUC {
 
-void mapRows(Fshl_cmd* rows, MAP_INT_Fshl_cmd& map) {
-  for (uint32_t no = 0; rows[no].cmd_str != nullptr; ++no) map[rows[no].RegisterAddr] = {no, &rows[no]};
-}
-
 int Ssh_checkFun(Fcheck_func* check, IMD_proto3rd* msgIMD) {
   const ThirdProtoMCUCMsg& request = msgIMD->proto;
   const int32_t length = request.m_usValidDataLength;

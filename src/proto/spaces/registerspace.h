@@ -1,123 +1,114 @@
-// The pattern of every register space, written once. A space is a class
+// The pattern of every register space, written once. A space is a row of maps/spaces.h, a line in
+// proto/spaces/spaces.h, and one source file with its operations and
 //
-//   class Addr_X : public RegisterSpace<Addr_X> {
-//     static std::array<Fshl_cmd, n> cmd_tblOffset;                the rows, the last one empty
-//     static constexpr char kName[] = "Addr_X";                    names the space in its log lines
-//     static constexpr uint32_t kBase = reg::kX;                   first base address
-//     static int ReadFromX(IMD_proto3rd*); ...                     its operations
-//     static void prepare();                                       if it has something of its own to set up
-//   };
+//   const RegisterSpace& spaceAt(At<reg::kX>) {
+//     static constexpr RegisterSpace kSpace =
+//         registerSpace<reg::kX>({.read = &ReadFromX, .write = &queueWrite<DoXKey>});
+//     return kSpace;
+//   }
 //
-// and its differences are constants that hide those of this base. Everything here runs on the receive thread;
-// getInstance may be called from any thread.
+// with its differences as further traits. Everything here runs on the receive thread, one request at a time.
 #pragma once
 
-#include <cstdio>
+#include <algorithm>
+#include <array>
 #include <span>
 
-#include "maps/registermap.h"
+#include "maps/spaces.h"
 #include "maps/workkeys.h"
 #include "mcuctrace.h"
 #include "proto/spaces/fshl_cmd.h"
+#include "proto/store/deviceaccess.h"
 #include "results.h"
-#include "singleton.h"
 
 namespace ORVE_MCUC {
 
-// Sets a request's data to the bytes that its reply carries.
-void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes);
+// Names a space by its first base address.
+template <uint32_t base>
+struct At {};
 
-// Wraps a write into a work item and queues it: the reply says done, the handler of key does the work later.
-// 0; kRefused for no request, more data than an item holds or no memory; kBadAccess for a write without data.
-int queueWrite(IMD_proto3rd* request, int32_t key, const char* keyName);
-// Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
-int queuePayload(IMD_proto3rd& request, int32_t key, const char* keyName, std::span<const uint8_t> payload);
+struct RegisterSpace;
 
-// Reads for a read, writes for a write: the common body of the handling operations.
-template <class Read, class Write>
-int readOrWrite(IMD_proto3rd* request, Read read, Write write, int otherCode = kFailed) {
-  if (request == nullptr) return kRefused;
-  switch (request->proto.m_ucCode) {
-    case kCodeRead:
-      return read(request);
-    case kCodeWrite:
-      return write(request);
-    default:
-      return otherCode;
-  }
-}
+// An operation leaves reply data and acknowledge code in the request. A result of results.h.
+using SpaceOperation = int (*)(IMD_proto3rd& request);
 
-template <class Space>
-class RegisterSpace {
- public:
-  static Space* getInstance() {
-    return holder().get([] {
-      initMap();
-      return new Space;
-    });
-  }
-  static void deleteInstance() { holder().destroy(); }
+// What a space does, and where it differs from the others.
+struct SpaceTraits {
+  SpaceOperation read = nullptr;
+  SpaceOperation write = nullptr;
+  // Instead of the two: the operation of the row that was found, for reads and writes.
+  int (*handle)(IMD_proto3rd& request, const OffsetRow& row) = nullptr;
 
-  static int initMap() {
-    mapRows(Space::cmd_tblOffset.data(), rowMap());
-    if constexpr (requires { Space::prepare(); }) Space::prepare();
-    return 0;
-  }
+  bool checks = true;                    // false: the operations check their accesses, no row is looked up
+  bool keyIsOffset = false;              // rows are found by the low 16 bits of an address, not by the base
+  int unknownKey = kFailed;              // result for an address without a row
+  int unknownCode = kFailed;             // result for a request that neither reads nor writes
+  std::span<const OffsetRow> rows = {};  // instead of those of maps/spaces.h
 
-  // The router's way in: finds the row of the address, checks the access and calls the row's operation.
-  static int Ssh_cmd(IMD_proto3rd* msgIMD, Fshl_cmd* /*tbl*/, int /*validDataBegin*/) {
-    if constexpr (Space::kLogsEntry) PARLEND_TRACE(kInfo) << "SM2W Ssh_cmd";
-    if constexpr (Space::kLogsMap) logMap(msgIMD->proto.m_uiRegisterUnitAddress);
-    if (rowMap().empty()) initMap();
-    const auto hit = rowMap().find(msgIMD->proto.m_uiRegisterUnitAddress & Space::kKeyMask);
-    if (hit == rowMap().end()) {
-      msgIMD->proto.m_ucAck = kAckRefused;
-      PARLEND_TRACE(kError) << "=== " << Space::kName << " ===invalid register access";
-      return Space::kUnknownKeyResult;
-    }
-    Fshl_cmd* row = hit->second.cmd;
-    if (row == nullptr || row->called_fun == nullptr || row->check_fun == nullptr) return kFailed;
-    Fcheck_func check{row->cmdType, row->cmdLen};
-    if (const int why = row->check_fun(&check, msgIMD)) {
-      msgIMD->proto.m_ucAck = kAckRefused;
-      return why;
-    }
-    return row->called_fun(msgIMD, row, 0);
-  }
+  void (*entered)(const RegisterSpace& space, const IMD_proto3rd& request) = nullptr;  // first of all
+  void (*refused)(int result) = nullptr;                                               // after a failed check
+};
 
-  // Prints the offset table.
-  static int Ssh_print(IMD_proto3rd*) {
-    for (const auto& row : Space::cmd_tblOffset) {
-      if (row.cmd_str == nullptr) break;
-      std::printf("register base=0x%08X offset=0x%08X :%s\n", static_cast<unsigned>(Space::kBase),
-                  static_cast<unsigned>(row.RegisterAddr), row.cmd_exp);
-    }
-    return 0;
-  }
+struct RegisterSpace {
+  const SpaceRow& map;
+  std::span<const OffsetRow> rows;
+  SpaceTraits traits;
 
-  static constexpr uint32_t kKeyMask = reg::kNarrowMask;
-  static constexpr int kUnknownKeyResult = kFailed;
-  static constexpr bool kLogsEntry = false;
-  static constexpr bool kLogsMap = false;
+  // The router's way in: finds the row of the address, checks the access, and reads or writes.
+  int Ssh_cmd(IMD_proto3rd& request) const;
+  // Prints the rows on standard output. Returns 0.
+  int Ssh_print() const;
 
  private:
-  // Function-local, so that a space may be asked for before main whatever was initialised first.
-  static MAP_INT_Fshl_cmd& rowMap() {
-    static MAP_INT_Fshl_cmd map;
-    return map;
-  }
-  static Singleton<Space>& holder() {
-    static Singleton<Space> m_pInstance;
-    return m_pInstance;
-  }
-  static void logMap(uint32_t address) {
-    if (!tracePasses(kInfo)) return;
-    PARLEND_TRACE(kInfo) << "map size = " << rowMap().size() << " register = " << CTrace::hex << address;
-    for (const auto& [key, entry] : rowMap()) {
-      PARLEND_TRACE(kInfo) << "first register addr = " << CTrace::hex << key
-                           << " second addr = " << CTrace::hex << entry.cmd->RegisterAddr;
-    }
-  }
+  const OffsetRow* find(uint32_t address) const;
+  int carryOut(IMD_proto3rd& request, const OffsetRow* row) const;
 };
+
+// The rows that maps/spaces.h has for the space at a base.
+template <uint32_t base>
+inline constexpr auto kOffsetRows = [] {
+  constexpr auto belongs = [](const SpaceRow& row) {
+    return row.owner == spaceRow(base).owner && row.offset.name != nullptr;
+  };
+  std::array<OffsetRow, static_cast<std::size_t>(std::ranges::count_if(kSpaces, belongs))> rows{};
+  auto next = rows.begin();
+  for (const auto& row : kSpaces) {
+    if (belongs(row)) *next++ = row.offset;
+  }
+  return rows;
+}();
+
+template <uint32_t base>
+consteval RegisterSpace registerSpace(const SpaceTraits& traits) {
+  static_assert(firstBase(spaceRow(base)) == base, "a space is named by its first base");
+  static_assert(allDiffer(kOffsetRows<base>, &OffsetRow::key));
+  return {spaceRow(base), traits.rows.empty() ? std::span<const OffsetRow>(kOffsetRows<base>) : traits.rows,
+          traits};
+}
+
+// For traits: log lines that several spaces begin with.
+void logEntry(const RegisterSpace& space, const IMD_proto3rd& request);
+void logEntryAndRows(const RegisterSpace& space, const IMD_proto3rd& request);
+
+// Sets a request's data to the bytes that its reply carries.
+void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes);
+// The same with as many bytes as were asked for, read from there. 0, or the driver's result and no data.
+int replyFromFlash(IMD_proto3rd& request, uint32_t flashAddress, FailureWords words);
+int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister);
+
+// Wraps a write into a work item and queues it: the reply says done, the handler of the key does the work
+// later. kDone; kRefused for more data than an item holds or no memory; kBadAccess for a write without data.
+int queueWrite(IMD_proto3rd& request, const WorkKey& key);
+// Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
+int queuePayload(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
+
+template <enum_Process_Key_Table key>
+int queueWrite(IMD_proto3rd& request) {
+  return queueWrite(request, workKey<key>);
+}
+template <enum_Process_Key_Table key>
+int queuePayload(IMD_proto3rd& request, std::span<const uint8_t> payload) {
+  return queuePayload(request, workKey<key>, payload);
+}
 
 }  // namespace ORVE_MCUC

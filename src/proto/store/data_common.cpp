@@ -1,7 +1,7 @@
 #include "proto/store/data_common.h"
 
+#include "driverutil.h"
 #include "maps/fpgamap.h"
-#include "singleton.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -29,6 +29,14 @@ constexpr std::array<uint16_t, kOutputPorts> fieldOffsets() {
 
 constinit const std::array<uint16_t, 16> PortParaXOffsetIndex = fieldOffsets<fpga::kWindowXAt>();
 constinit const std::array<uint16_t, 16> PortParaYOffsetIndex = fieldOffsets<fpga::kWindowYAt>();
+
+// Card reads ask the links before they go out.
+Data_Global::Data_Global() {
+  DriverUtil::useLinks(this);
+}
+Data_Global::~Data_Global() {
+  DriverUtil::useLinks(nullptr);
+}
 
 Data_Global* Data_Global::getInstance() {
   return globalHolder().get([] { return new Data_Global; });
@@ -58,11 +66,6 @@ void Data_Global::PortOffsetYUpdate(unsigned int port, uint16_t value) {
 }
 void Data_Global::PortMorSUpdate(unsigned int port, uint8_t value) {
   if (port < kOutputPorts) SendParameterReg[fpga::portRole(port)] = value;
-}
-
-uint16_t Data_Global::linkedPorts() const {
-  return static_cast<uint16_t>(GigaPhyLinkSta | Fiber1BelowLinkStatus_buff.le16(0) |
-                               Fiber2BelowLinkStatus_buff.le16(0));
 }
 
 }  // namespace ORVE_MCUC

@@ -1,17 +1,23 @@
-// The sending card's parameters: images of the register spaces, what was last pushed to peers, and the
-// operations that several rooms share. One object for the process, reached from every thread; images and
-// flags are relaxed atomics, so that they behave as plain bytes.
+// The sending card's parameters, put together from aspects that have an owner and a lock each, and the
+// operations that several rooms share. One object for the process, reached from every thread. A function that
+// needs one aspect takes that aspect.
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <cstdint>
+#include <optional>
 #include <span>
 
+#include "calc/advmapping.h"
 #include "maps/cardgeometry.h"
-#include "mcucdatablock.h"
-#include "mcucmutex.h"
+#include "portlinks.h"
+#include "proto/store/devicestate.h"
+#include "proto/store/lastpushed.h"
 #include "proto/store/paratables.h"
+#include "proto/store/registerimages.h"
+#include "proto/store/resetstate.h"
+#include "proto/store/screenstate.h"
+#include "singleton.h"
 
 namespace ORVE_MCUC {
 
@@ -19,7 +25,14 @@ namespace ORVE_MCUC {
 extern const std::array<uint16_t, 16> PortParaXOffsetIndex;
 extern const std::array<uint16_t, 16> PortParaYOffsetIndex;
 
-class Data_Global {
+class Data_Global : public RegisterImages,
+                    public ConfigurationLock,
+                    public ScreenState,
+                    public MeasuredCards,
+                    public PortLinks,
+                    public LastPushed,
+                    public ResetState,
+                    public DeviceState {
  public:
   static Data_Global* getInstance();
   static void deleteInstance();
@@ -47,12 +60,9 @@ class Data_Global {
   void PortOffsetYUpdate(unsigned int port, uint16_t value);
   void PortMorSUpdate(unsigned int port, uint8_t value);
 
-  // Bit p: output port p has a link, over copper or one of the fibers.
-  uint16_t linkedPorts() const;
-
   // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
   // result, or -1 for another type.
-  int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
+  static int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
   // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
   int Read_ScreenSize_FromFlash(uint32_t* out);
   int Read_CardSize_FromFlash(uint32_t* out);
@@ -73,8 +83,6 @@ class Data_Global {
   void RestoreFPGA();
   // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
   void SendMasterOrBackup(uint8_t backup);
-  // The same in the image alone.
-  void setPortRoles(uint8_t backup);
 
   // Measures the receiving cards behind the first linked port, behind port 0 with an optical module. 0; -1
   // when the size is not a measured one.
@@ -84,79 +92,45 @@ class Data_Global {
   // card counts, port tables and roles to the FPGA and saves them.
   void CalculateParaGetSreenSize(const ByteImage<1024>& table);
   void CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table, const ByteImage<32>& chars);
-  // Advanced configuration, from the working arrays of the ports: the same two steps. The mapping returns 0,
-  // or kErrPortPara with nothing changed.
+  // Advanced configuration: the same two steps. The mapping returns 0, or kErrPortPara with nothing changed.
+  // Both steps of one configuration are given the same value; without it, the working arrays of the ports.
+  void AdvCalcParaGetSreenSize(const AdvancedScreen& screen);
+  int AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen);
   void AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns, const PortValues& xs,
                                const PortValues& ys);
   int AdvCalcParaOfSenderInMosaicMode();
   // Calculates one port's table of positions and writes it to the FPGA. Port 0..9; x and y change nothing:
-  // positions are relative to the port's block. Returns 0.
+  // positions are relative to the port's block. card: as the calculation has measured it, else as it is now.
+  // Returns 0.
   int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
-                       uint16_t columns);
+                       uint16_t columns, std::optional<CardSize> card = {});
   // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
-  // fiber link.
+  // fiber link, which a check has read a moment ago.
   void SendRedundStatustoLSD();
-  void SendFiberLinkInfo();
+  void SendFiberLinkInfo(std::span<const uint8_t> checked = {});
 
   // Pushes to peers: sent and forgotten.
-  static constexpr char kSendDate[] = "Send Date to LSD, the reg address = ";
   void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
   void SendRebootMsgtoLSD(std::span<const uint8_t> data);
   void SendRVCardWHtoLSD();
-  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
-  // cannot be read are pushed as they were. Nothing beyond 0x1EF, where the image mirrors no registers.
-  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine = kSendDate);
+  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. When they
+  // cannot be read, what a check has read of them a moment ago takes their place; without, they are pushed as
+  // they were. Nothing beyond 0x1EF, where the image mirrors no registers.
+  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine,
+                  std::span<const uint8_t> checked = {});
   void SendMStoLSD1_4();
   void SendMStoLSD5_8();
   void SendMStoLSD9_16();
   void SendFlag_parlendload();
   void SendC8toVsp();
 
-  RelaxedByte NormalBackupStatus;
-  RelaxedByte PbufMorSMode;  // 0 master, 1 slave
-  RelaxedByte LinkButError;
-  RelaxedByte LEDConfigStatus;  // what configured the screen last
-  RelaxedByte factoryflag;
-  RelaxedByte RWFPGATestflag;                      // 1: the report thread tests FPGA tables
-  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
-  ByteImage<32> TmpCalcScreenPara;
-  CMutexThreadRecursive m_mutex;
-  ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
-  ByteImage<392> ScreenParaReg;         // screen information
-  ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
-  ByteImage<16> SendRedundStatustoLSD_buff;
-  ByteImage<4> SendRedundtoLSD_buff;
-  ByteImage<4> SendNetLinktoLSD_buff;
-  RelaxedByte RebootRF;  // factory reset: 0 idle, 3 requested, 2 running, 1 reboot pending
-  RelaxedByte ResetMode;
-  RelaxedByte FpgaOnlineFlag;
-  ByteImage<1> fiberlink_buff;
-  ByteImage<1> fiberRedund_buff;
-  ByteImage<1> fiberCopyStatus_buff;
-  ByteImage<2> FiberToNetStatus_buff;
-  ByteImage<2> Fiber1BelowLinkStatus_buff;  // bit p: port p has a link below fiber 1
-  ByteImage<2> Fiber2BelowLinkStatus_buff;
-  ByteImage<2> fiber1BelowTold;  // what LSD was told of them
-  ByteImage<2> fiber2BelowTold;
-  ByteImage<6> SendOptRedundtoLSD_buff;
-  RelaxedByte LocalAddr;
-  ByteImage<4> ScanRecvBuf;
-  RelaxedByte ScanCardID;
-  RelaxedByte sync_hwtime_flag;
-  ByteImage<2> CfgScreenStatus;
-  RelaxedValue<bool> FpgaParaLoadFinish;
   static constexpr std::array<uint8_t, 4> IsNewFlashTag{0x39, 0xF6, 0xA5, 0x5A};  // marks a formatted flash
-  RelaxedByte ShortCfgReadRvStatus;
-  RelaxedValue<uint16_t> GigaPhyLinkSta;
-  RelaxedByte OptModuleLinkSta;
-  RelaxedValue<CardSize> ReceiveCardSize;  // 128 x 128 until measured; width and height change together
-  RelaxedByte _gCorroentHighSpeed;
-  RelaxedByte LinkStateChanged;
 
  private:
-  Data_Global() = default;
+  Data_Global();
+  ~Data_Global();
+  friend class Singleton<Data_Global>;
   void BootRecover();
-  bool refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes);
 };
 
 // The basic hardware page.
@@ -169,6 +143,7 @@ class Data_Preset {
   void SaveBasicParaToFlash();
 
   std::array<uint8_t, 392> BasicHardWareReg{};
+  RelaxedValue<bool> loadFailed;  // the page could not be read: it is not saved
 
  private:
   Data_Preset() = default;

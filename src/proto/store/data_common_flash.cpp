@@ -6,25 +6,27 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr unsigned short kPageSize = 256;
+constexpr std::size_t kPageSize = 256;
 
 // Reads a size record: width u32, height u32. The texts name it in the log lines.
-int readSize(uint32_t address, const char* failed, const char* zeroWidth, const char* zeroHeight,
-             uint32_t* out) {
+struct SizeWords {
+  FailureWords failed;
+  const char* zeroWidth;
+  const char* zeroHeight;
+};
+int readSize(uint32_t address, const SizeWords& words, uint32_t* out) {
   std::array<uint8_t, 8> record{};
-  if (DriverUtil::getInstance()->ReadBytesFromFlash(address, record.size(), record.data()) != 0) {
-    PARLEND_TRACE(kError) << failed;
-    return -1;
-  }
+  if (readFlash(address, record, words.failed) != 0) return -1;
   out[0] = le32(record, 0);
   out[1] = le32(record, 4);
-  if (out[0] == 0) PARLEND_TRACE(kInfo) << zeroWidth << out[0];
-  if (out[1] == 0) PARLEND_TRACE(kInfo) << zeroHeight << out[1];
+  if (out[0] == 0) PARLEND_TRACE(kInfo) << words.zeroWidth << out[0];
+  if (out[1] == 0) PARLEND_TRACE(kInfo) << words.zeroHeight << out[1];
   return out[0] != 0 && out[1] != 0 ? 0 : -1;
 }
 
@@ -33,24 +35,26 @@ int readSize(uint32_t address, const char* failed, const char* zeroWidth, const 
 int Data_Global::RestoreDataFromFlash(int type, std::span<uint8_t> dest) {
   PARLEND_TRACE(kInfo) << "========================== Begin restore data from flash ========================";
   int result = -1;
-  if (type == 0 || type == 1) {
-    const uint32_t address = type == 0 ? flash::kBasicHardwarePage : flash::kFeature;
-    result = DriverUtil::getInstance()->ReadBytesFromFlash(address, static_cast<unsigned int>(dest.size()),
-                                                           dest.data());
-  }
+  if (type == 0 || type == 1)
+    result = readFlash(type == 0 ? flash::kBasicHardwarePage : flash::kFeature, dest);
   PARLEND_TRACE(kInfo) << "========================== Finish restore data from flash =======================";
   return result;
 }
 
 int Data_Global::Read_ScreenSize_FromFlash(uint32_t* out) {
   return readSize(flash::kScreenSize,
-                  "=== Read_ScreenSize_FromFlash ===Can not read flash screensize , faild !!! ",
-                  "=======Read FromFlash ScreenSizeW = ", "=======Read FromFlash ScreenSizeH = ", out);
+                  {{"Read_ScreenSize_FromFlash", "Can not read flash screensize , faild !!! "},
+                   "=======Read FromFlash ScreenSizeW = ",
+                   "=======Read FromFlash ScreenSizeH = "},
+                  out);
 }
 
 int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
-  return readSize(flash::kCardSize, "=== Read_CardSize_FromFlash ===Can not read flash CardSize , faild !!! ",
-                  "=======Read FromFlash CardSize_W = ", "=======Read FromFlash CardSize_H = ", out);
+  return readSize(flash::kCardSize,
+                  {{"Read_CardSize_FromFlash", "Can not read flash CardSize , faild !!! "},
+                   "=======Read FromFlash CardSize_W = ",
+                   "=======Read FromFlash CardSize_H = "},
+                  out);
 }
 
 void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
@@ -61,21 +65,19 @@ void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
 
 int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {
   PARLEND_TRACE(kInfo) << "======================== Begin copy const data to flash =========================";
-  constexpr uint8_t kDevice = 2;
-  DriverUtil& driver = *DriverUtil::getInstance();
+  const auto levelOf = [](int result) { return result == 0 ? kInfo : kError; };
   const auto pages = static_cast<unsigned int>(data.size() / kPageSize);
   uint32_t at = address;
   unsigned int i = 0;
-  for (; data.size() >= kPageSize; data = data.subspan(kPageSize), at += kPageSize, ++i) {
-    const int result = driver.PageProgram(kDevice, at, kPageSize, data.data());
-    PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
-                         << " result = " << result << " temp = " << pages << " i = " << i;
+  for (; data.size() >= kPageSize; data = data.subspan(kPageSize), at += uint32_t{kPageSize}, ++i) {
+    const int result = writeFlash(at, data.first(kPageSize));
+    PARLEND_TRACE(levelOf(result)) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                                   << " result = " << result << " temp = " << pages << " i = " << i;
   }
-  const auto rest = static_cast<unsigned short>(data.size());
-  const int result = driver.PageProgram(kDevice, at, rest, data.data());
-  PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
-                       << " spi address = " << CTrace::hex << address << " result = " << result
-                       << " mod = " << rest << " i = " << i;
+  const int result = writeFlash(at, data);
+  PARLEND_TRACE(levelOf(result)) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                                 << " spi address = " << CTrace::hex << address << " result = " << result
+                                 << " mod = " << static_cast<unsigned int>(data.size()) << " i = " << i;
   PARLEND_TRACE(kInfo) << "======================== Finish copy const data to flash ========================";
   return result;
 }
@@ -97,7 +99,8 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
 void Data_Global::ReadHardwareInfo() {
   Data_Preset& preset = *Data_Preset::getInstance();
   auto& page = preset.BasicHardWareReg;
-  if (RestoreDataFromFlash(0, std::span(page).first(kPageSize)) != 0) {
+  preset.loadFailed = RestoreDataFromFlash(0, std::span(page).first(kPageSize)) != 0;
+  if (preset.loadFailed) {
     // What could not be read must not be written back as zeros.
     PARLEND_TRACE(kError)
         << "=== ReadHardwareInfo ===the basic hardware page cannot be read, it is not saved.";
@@ -112,9 +115,8 @@ void Data_Global::ReadHardwareInfo() {
 
 void Data_Preset::SaveBasicParaToFlash() {
   constexpr uint8_t kSaved = 0x55;
-  DriverUtil& driver = *DriverUtil::getInstance();
-  driver.WriteDataToFlash(flash::kBasicHardwareSaved, 1, &kSaved);
-  driver.WriteDataToFlash(flash::kBasicHardwarePage, 16, BasicHardWareReg.data());
+  writeFlash(flash::kBasicHardwareSaved, {&kSaved, 1});
+  writeFlash(flash::kBasicHardwarePage, std::span(BasicHardWareReg).first<16>());
 }
 
 }  // namespace ORVE_MCUC

@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <string_view>
 
-#include "driverutil.h"
 #include "envstore.h"
 #include "maps/flashmap.h"
 #include "mcuctrace.h"
 #include "platform/netinfo.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -35,8 +35,7 @@ std::array<char, kSerialTextLength> fixedText(std::string_view stored) {
 }
 
 void storeInFlash(const SerialNumber& serial) {
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kSerialNumber, static_cast<unsigned int>(serial.size()),
-                                              serial.data());
+  writeFlash(flash::kSerialNumber, serial);
 }
 
 void setDefaultText() {

@@ -9,11 +9,13 @@
 
 namespace ORVE_MCUC {
 
-inline constinit ByteImage<1024> ParaTable;          // the first 512 bytes are saved in flash
+inline constinit ByteImage<1024> ParaTable;          // the first kGlobalParaSize bytes are saved in flash
 inline constinit ByteImage<1024> AdvCfgParaTable;    // advanced configuration, 10 bytes a port
 inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced connection modes of ports 1..16
 inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
 inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
+
+inline constexpr std::size_t kGlobalParaSize = 512;
 
 // Byte 2 of the character table: master/backup of the configuration being calculated.
 inline constexpr std::size_t kTempRoleAt = 2;
@@ -27,8 +29,8 @@ inline constexpr std::size_t kLayoutAt = 10;   // rows, columns, connection mode
 
 // Working values of the advanced configuration, ports 0..9.
 using PortValues = std::array<RelaxedValue<uint16_t>, 10>;
-inline constinit PortValues TempAdvCfgPortRow;
-inline constinit PortValues TempAdvCfgPortCol;
+inline constinit PortValues TempAdvCfgPortRow{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+inline constinit PortValues TempAdvCfgPortCol{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 inline constinit PortValues TempAdvCfgPortX;
 inline constinit PortValues TempAdvCfgPortY;
 inline constinit std::array<RelaxedByte, 10> TempAdvPortCM;

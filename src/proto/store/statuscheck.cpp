@@ -1,7 +1,7 @@
 #include "proto/store/statuscheck.h"
 
-#include "driverutil.h"
 #include "mcuctrace.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 
@@ -17,20 +17,18 @@ void logTold(const StatusWords& words) {
   PARLEND_TRACE(kInfo) << words.finish;
 }
 
-bool readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
-  bool complete = true;
-  for (const StatusBlock& block : blocks) {
-    std::array<uint8_t, kLongestBlock> bytes{};
-    if (block.length > now.size() || block.length > bytes.size()) return false;
-    if (DriverUtil::getInstance()->FPGAC5_ReadDataBlock(
-            0, 0, block.fpgaRegister, static_cast<unsigned int>(block.length), bytes.data()) == 0) {
-      std::copy_n(bytes.begin(), block.length, now.begin());
-    } else {
-      complete = false;
+StatusReading readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
+  StatusReading reading{now};
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    std::array<uint8_t, kLongestBlock> room{};
+    const auto bytes = std::span(room).first(blocks[i].length);
+    if (readFpga(blocks[i].fpgaRegister, bytes) == 0) {
+      std::ranges::copy(bytes, now.begin());
+      reading.blocksRead |= 1U << i;
     }
-    now = now.subspan(block.length);
+    now = now.subspan(blocks[i].length);
   }
-  return complete;
+  return reading;
 }
 
 }  // namespace ORVE_MCUC

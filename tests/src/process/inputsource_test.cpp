@@ -36,7 +36,7 @@ TEST_F(InputSourceTest, BoardsOfAKindAreNumberedAndEachHasTheChannelOfItsSlot) {
 TEST_F(InputSourceTest, AnEdidThatCannotBeReadLeavesTheBufferAlone) {
   start();
   InputSource& inputs = *InputSource::getInstance();
-  std::array<uint8_t, kEdidSize> edid{};
+  std::array<uint8_t, kEdidBytes> edid{};
   EXPECT_EQ(inputs.ReadEDIDInfo(0, edid), -1) << "no board has been looked for";
   inputs.InputBoardInit();
   failNext(simboard::Fault::EdidRead, 1);

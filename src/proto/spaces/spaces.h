@@ -1,0 +1,23 @@
+// The register spaces that serve requests: a line each, defined in the space's own source file. A row of
+// maps/spaces.h without a line here is on the map, and its requests are refused.
+#pragma once
+
+#include "proto/spaces/registerspace.h"
+
+namespace ORVE_MCUC {
+
+const RegisterSpace& spaceAt(At<reg::kHwBasicInfo>);
+const RegisterSpace& spaceAt(At<reg::kPluginCardInfo>);
+const RegisterSpace& spaceAt(At<reg::kScreenInfoEcho>);
+const RegisterSpace& spaceAt(At<reg::kBackupInfo>);
+const RegisterSpace& spaceAt(At<reg::kCabinetRotation>);
+const RegisterSpace& spaceAt(At<reg::kShortcutConfigScreen>);
+const RegisterSpace& spaceAt(At<reg::kSoftwareTable>);
+const RegisterSpace& spaceAt(At<reg::kEdid>);
+const RegisterSpace& spaceAt(At<reg::kTestPrint>);
+const RegisterSpace& spaceAt(At<reg::kRGBGamma>);
+const RegisterSpace& spaceAt(At<reg::kScreenPatternGen>);
+const RegisterSpace& spaceAt(At<reg::kRVConfigFile>);
+const RegisterSpace& spaceAt(At<reg::kCardProgram>);
+
+}  // namespace ORVE_MCUC

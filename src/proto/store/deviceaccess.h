@@ -1,0 +1,45 @@
+// Access to the device over spans: FPGA bus, parameter flash, cards behind the ports. An address and the
+// bytes, no lengths to get wrong. Every function may be called from any thread and answers with DriverUtil's
+// result: 0 done, anything else failed, with the bytes of a read undefined. Nothing here takes a lock of the
+// store.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace ORVE_MCUC {
+
+// One card, or all of them: port 0xFF, board 0xFFFF.
+struct CardPlace {
+  uint8_t type;  // card::kReceivingCard, ...
+  uint16_t port;
+  uint16_t board;
+};
+
+// FPGA bus; more than 1024 bytes go in pieces, no bytes at all are a failure.
+int readFpga(uint32_t address, std::span<uint8_t> bytes);
+int writeFpga(uint32_t address, std::span<const uint8_t> bytes);
+// Parameter flash.
+int readFlash(uint32_t address, std::span<uint8_t> bytes);
+int writeFlash(uint32_t address, std::span<const uint8_t> bytes);
+// Registers of a card; more than 65535 bytes are a failure. A read of all boards is zeros.
+int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes);
+int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes);
+
+// How a failure is logged, on one Error line: "===", the caller and "===", then the text. The result follows
+// a text that ends in "= ". Without a text the line names address, length and result.
+struct FailureWords {
+  constexpr FailureWords(const char* caller_, const char* text_ = nullptr) : caller(caller_), text(text_) {}
+  const char* caller;
+  const char* text;
+};
+
+// The same, logging their failure.
+int readFpga(uint32_t address, std::span<uint8_t> bytes, FailureWords words);
+int writeFpga(uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
+int readFlash(uint32_t address, std::span<uint8_t> bytes, FailureWords words);
+int writeFlash(uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
+int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes, FailureWords words);
+int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
+
+}  // namespace ORVE_MCUC

@@ -70,14 +70,14 @@ int DriverUtil::ReadFPGABusBlock(unsigned int address, unsigned char* buffer, un
 void DriverUtil::learnFpgaStatus() {
   switch (ReadFpgaStatus(FpgaStatusDir)) {
     case kStatusError:
-      PARLEND_TRACE(kError) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Err<<<<<<<<<<<<<<<<<<<";
+      PARLEND_TRACE(kInfo) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Err<<<<<<<<<<<<<<<<<<<";
       break;
     case kStatusDown:
-      PARLEND_TRACE(kError) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Down<<<<<<<<<<<<<<<<<<<";
+      PARLEND_TRACE(kInfo) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Down<<<<<<<<<<<<<<<<<<<";
       FpgaDownFlg.store(true, std::memory_order_relaxed);
       break;
     default:
-      PARLEND_TRACE(kError) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Up<<<<<<<<<<<<<<<<<<<";
+      PARLEND_TRACE(kInfo) << ">>>>>>>>>>>>>>>>>>>>>Read FPGA Status Up<<<<<<<<<<<<<<<<<<<";
       FpgaDownFlg.store(false, std::memory_order_relaxed);
   }
 }

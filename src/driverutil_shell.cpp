@@ -53,7 +53,8 @@ int DriverUtil::ReadFpgaStatus(const char* command) {
   if (run_command_return_string(command, output) != 0) return kStatusError;
   int status = kStatusError;
   // Output that is no number leaves the status an error.
-  std::from_chars(output, output + std::strlen(output), status);
+  const char* digits = output + std::strspn(output, " \t");
+  std::from_chars(digits, output + std::strlen(output), status);
   PARLEND_TRACE(kInfo) << "=== ====== Read Fpga Status para = " << status << "  =========";
   return status;
 }

@@ -25,8 +25,8 @@ PixelExtent screenExtent(const AdvancedScreen& screen, CardSize card) {
   PixelExtent extent;
   for (const AdvancedPort& port : screen) {
     const PixelExtent block = blockOf(port, card);
-    extent.width = std::max(extent.width, port.x + block.width);
-    extent.height = std::max(extent.height, port.y + block.height);
+    extent.width = std::max<uint32_t>(extent.width, static_cast<uint16_t>(port.x + block.width));
+    extent.height = std::max<uint32_t>(extent.height, static_cast<uint16_t>(port.y + block.height));
   }
   return extent;
 }

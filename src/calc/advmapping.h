@@ -38,7 +38,8 @@ struct PixelExtent {
 constexpr PixelExtent blockOf(const AdvancedPort& port, CardSize card) {
   return {uint32_t{port.columns} * card.width, uint32_t{port.rows} * card.height};
 }
-// Largest right and bottom edge of all blocks: the extent of the screen.
+// Largest right and bottom edge of all blocks: the extent of the screen. Edges have 16 bits, as the FPGA has
+// for them: one beyond counts as what is left of it.
 PixelExtent screenExtent(const AdvancedScreen& screen, CardSize card);
 // Largest width and height of a block.
 PixelExtent largestBlock(const AdvancedScreen& screen, CardSize card);

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <span>
 
 #include "maps/workkeys.h"
 #include "mcucdatablock.h"
@@ -53,13 +54,13 @@ class Tprocess_ctl {
   // Measures the receiving cards again once a link change has settled, and pushes their size.
   void SendRecvCardParaToLsdByLinkChange();
 
-  // Pushes of one group of ports, from a fresh read.
-  void SendRedundtoLSD1_4();
-  void SendRedundtoLSD5_8();
-  void SendRedundtoLSD9_16();
-  void SendNetLinktoLSD1_4();
-  void SendNetLinktoLSD5_8();
-  void SendNetLinktoLSD9_16();
+  // Pushes of one group of ports, from a fresh read; when that fails, what a check has read a moment ago.
+  void SendRedundtoLSD1_4(std::span<const uint8_t> checked = {});
+  void SendRedundtoLSD5_8(std::span<const uint8_t> checked = {});
+  void SendRedundtoLSD9_16(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD1_4(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD5_8(std::span<const uint8_t> checked = {});
+  void SendNetLinktoLSD9_16(std::span<const uint8_t> checked = {});
 
   RelaxedValue<bool> apipc_connect_status;  // LSD's connection has been seen
   RelaxedValue<bool> OptToNetEnableOnce;    // asks for the connection step once more

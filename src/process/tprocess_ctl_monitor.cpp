@@ -74,35 +74,47 @@ Data_Global& store() {
   return *Data_Global::getInstance();
 }
 
-// Pushes a block byte by byte; a register that the image mirrors is read into it.
+// Pushes a block byte by byte, as it was read. The image is left alone: what it says of these registers was
+// configured.
 void pushBytes(uint32_t fpgaRegister, std::span<const uint8_t> bytes) {
-  for (; !bytes.empty(); bytes = bytes.subspan(1), ++fpgaRegister) {
-    if (fpgaRegister < fpga::kMirrorEnd) {
-      store().pushMirror(fpgaRegister, 1);
-    } else {
-      store().SendDatetoLSD(reg::ofFeature(fpgaRegister), bytes.first(1));
-    }
-  }
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    store().SendDatetoLSD(reg::ofFeature(fpgaRegister) + static_cast<uint32_t>(i), bytes.subspan(i, 1));
 }
 
 // A check of one block that is pushed byte by byte.
 template <std::size_t N>
 void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const StatusWords& words) {
   const uint32_t first = block[0].fpgaRegister;
-  checkStatus(last, block, framed(words, [first](auto now) { pushBytes(first, now); }));
+  const auto push = [first](const StatusReading& now) { pushBytes(first, now.bytes); };
+  checkStatus(last, block, framed(words, push));
 }
 
-void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t, kBelowFiberLength> now,
+void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t> now,
                        uint32_t fpgaRegister, const StatusWords& words) {
-  const auto pushLinks = [fpgaRegister](auto status) {
-    pushBytes(fpgaRegister, status);
+  const auto pushLinks = [fpgaRegister](const StatusReading& status) {
+    pushBytes(fpgaRegister, status.bytes);
     store().LinkStateChanged = kLinkChanged;
   };
-  compareStatus(last, now, framed(words, pushLinks));
+  compareStatus(last, {now}, framed(words, pushLinks));
 }
 
 void checkFiberLink(const StatusWords& words) {
-  checkStatus(store().fiberlink_buff, kFiberLink, framed(words, [](auto) { store().SendFiberLinkInfo(); }));
+  const auto push = [](const StatusReading& now) { store().SendFiberLinkInfo(now.bytes); };
+  checkStatus(store().fiberlink_buff, kFiberLink, framed(words, push));
+}
+
+// The four registers of a check by their groups of ports: 1 to 4, 5 to 8, 9 to 16.
+struct PortGroups {
+  std::span<const uint8_t> ports1To4;  // empty where something was not read
+  std::span<const uint8_t> ports5To8;
+  std::span<const uint8_t> ports9To16;
+};
+PortGroups groupsOf(const StatusReading& now) {
+  PortGroups groups;
+  if (now.hasRead(0)) groups.ports1To4 = now.bytes.subspan(0, 1);
+  if (now.hasRead(1)) groups.ports5To8 = now.bytes.subspan(1, 1);
+  if (now.hasRead(2) && now.hasRead(3)) groups.ports9To16 = now.bytes.subspan(2, 2);
+  return groups;
 }
 
 void logNetLinks(std::span<const uint8_t, 4> now) {
@@ -127,28 +139,31 @@ void countTick(uint8_t last) {
 }  // namespace
 
 void Tprocess_ctl::SendRedundtoLSD() {
-  const auto pushGroups = [this](auto) {
-    SendRedundtoLSD1_4();
-    SendRedundtoLSD5_8();
-    SendRedundtoLSD9_16();
+  const auto pushGroups = [this](const StatusReading& now) {
+    const PortGroups groups = groupsOf(now);
+    SendRedundtoLSD1_4(groups.ports1To4);
+    SendRedundtoLSD5_8(groups.ports5To8);
+    SendRedundtoLSD9_16(groups.ports9To16);
   };
   checkStatus(store().SendRedundtoLSD_buff, kRedundancy, framed(kRedundancyWords, pushGroups));
   checkBytes(store().SendOptRedundtoLSD_buff, kOptRedundancy, kOptRedundancyWords);
 }
 
 void Tprocess_ctl::SendNetLinktoLSD() {
-  const auto pushGroups = [this](std::span<const uint8_t> now) {
-    logNetLinks(now.first<4>());
-    SendNetLinktoLSD1_4();
-    SendNetLinktoLSD5_8();
-    SendNetLinktoLSD9_16();
+  const auto pushGroups = [this](const StatusReading& now) {
+    logNetLinks(now.bytes.first<4>());
+    const PortGroups groups = groupsOf(now);
+    SendNetLinktoLSD1_4(groups.ports1To4);
+    SendNetLinktoLSD5_8(groups.ports5To8);
+    SendNetLinktoLSD9_16(groups.ports9To16);
     store().LinkStateChanged = kLinkChanged;
     PARLEND_TRACE(kInfo)
         << "============SendNetLinktoLSD====== Finish send NetLink info to LSD ======================";
   };
   // Forgotten pushes and a bus that cannot be read do not make linked ports unlinked.
-  if (checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, pushGroups))
-    store().GigaPhyLinkSta = fpga::netLinkWord(store().SendNetLinktoLSD_buff.part<0, 4>());
+  if (!checkStatus(store().SendNetLinktoLSD_buff, kNetLinks, pushGroups)) return;
+  store().GigaPhyLinkSta = fpga::netLinkWord(store().SendNetLinktoLSD_buff.part<0, 4>());
+  store().netLinksSeen = true;
 }
 
 void Tprocess_ctl::SendFiberLinktoLSD() {
@@ -163,11 +178,13 @@ void Tprocess_ctl::SendFiberBelowLinkStatustoLSD() {
   const auto fiber2 = std::span(now).last<kBelowFiberLength>();
   std::ranges::copy(links1.bytes(), fiber1.begin());
   std::ranges::copy(links2.bytes(), fiber2.begin());
-  readStatus(kBelowFibers, now);
+  const bool read = readStatus(kBelowFibers, now).hasRead(0);
   links1.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber1));
   links2.put<0>(std::span<const uint8_t, kBelowFiberLength>(fiber2));
+  if (read) store().fiberLinksSeen = true;
   compareBelowFiber(store().fiber1BelowPushed, fiber1, fpga::kFiberBelowLink, kFiber1Words);
-  compareBelowFiber(store().fiber2BelowPushed, fiber2, fpga::kFiberBelowLink + kBelowFiberLength, kFiber2Words);
+  compareBelowFiber(store().fiber2BelowPushed, fiber2, fpga::kFiberBelowLink + kBelowFiberLength,
+                    kFiber2Words);
 }
 
 void Tprocess_ctl::SendFiberRedundtoLSD() {
@@ -210,26 +227,30 @@ void Tprocess_ctl::SendRecvCardParaToLsdByLinkChange() {
   store().LinkStateChanged = 0;
 }
 
-void Tprocess_ctl::SendRedundtoLSD1_4() {
-  store().pushMirror(fpga::kRedundancyPorts1To4, 1, "Send 0x1E redundant info to LSD, the reg address = ");
+void Tprocess_ctl::SendRedundtoLSD1_4(std::span<const uint8_t> checked) {
+  store().pushMirror(fpga::kRedundancyPorts1To4, 1,
+                     "Send 0x1E redundant info to LSD, the reg address = ", checked);
 }
-void Tprocess_ctl::SendRedundtoLSD5_8() {
-  store().pushMirror(fpga::kRedundancyPorts5To8, 1, "Send 0x9E redundant info to LSD, the reg address = ");
+void Tprocess_ctl::SendRedundtoLSD5_8(std::span<const uint8_t> checked) {
+  store().pushMirror(fpga::kRedundancyPorts5To8, 1,
+                     "Send 0x9E redundant info to LSD, the reg address = ", checked);
 }
-void Tprocess_ctl::SendRedundtoLSD9_16() {
+void Tprocess_ctl::SendRedundtoLSD9_16(std::span<const uint8_t> checked) {
   store().pushMirror(fpga::kRedundancyPorts9To16, 2,
-                     "Send 0x120~0x121 redundant info to LSD, the reg address = ");
+                     "Send 0x120~0x121 redundant info to LSD, the reg address = ", checked);
 }
 
-void Tprocess_ctl::SendNetLinktoLSD1_4() {
-  store().pushMirror(fpga::kNetLinkPorts1To4, 1, "Send 0x1f redundant info to LSD, the reg address = ");
+void Tprocess_ctl::SendNetLinktoLSD1_4(std::span<const uint8_t> checked) {
+  store().pushMirror(fpga::kNetLinkPorts1To4, 1,
+                     "Send 0x1f redundant info to LSD, the reg address = ", checked);
 }
-void Tprocess_ctl::SendNetLinktoLSD5_8() {
-  store().pushMirror(fpga::kNetLinkPorts5To8, 1, "Send 0x9f redundant info to LSD, the reg address = ");
+void Tprocess_ctl::SendNetLinktoLSD5_8(std::span<const uint8_t> checked) {
+  store().pushMirror(fpga::kNetLinkPorts5To8, 1,
+                     "Send 0x9f redundant info to LSD, the reg address = ", checked);
 }
-void Tprocess_ctl::SendNetLinktoLSD9_16() {
+void Tprocess_ctl::SendNetLinktoLSD9_16(std::span<const uint8_t> checked) {
   store().pushMirror(fpga::kNetLinkPorts9To16, 2,
-                     "Send 0x126~0x127 redundant info to LSD, the reg address = ");
+                     "Send 0x126~0x127 redundant info to LSD, the reg address = ", checked);
 }
 
 }  // namespace ORVE_MCUC

@@ -10,7 +10,7 @@
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
-#include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -31,7 +31,6 @@ void storeConfigStatus(uint8_t status) {
 }
 
 void setConfigStatus(uint8_t status) {
-  CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
   store().LEDConfigStatus = status;
   storeConfigStatus(status);
 }
@@ -50,13 +49,16 @@ void logRecord(std::span<const uint8_t> record) {
 
 // A submission takes the backup marker back: the output ports are assigned anew.
 void clearBackupMark() {
-  store().SendParameterReg[fpga::kBackupMark] = kNotABackup;
+  FeatureDraft draft;
+  draft.put(fpga::kBackupMark, kNotABackup);
+  putFeature(store(), draft);
   writeFlash(flash::ofFeature(fpga::kBackupMark), {&kNotABackup, 1}, "Sprocess_CalculateParaOfSender");
   store().NormalBackupStatus = 1;
 }
 
 void submit(std::span<const uint8_t> record) {
   CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+  loadWhatIsMissing(store());
   const SmartScreen screen = shortcut::smartScreenOf(record.first<shortcut::kUsedSize>());
   putScreen(MyTempParaTable, MyTempParaCharTable, screen);
   MyTempParaCharTable[kTempRoleAt] = store().PbufMorSMode;
@@ -100,21 +102,23 @@ void takeStored(const Record& record) {
   putScreen(MyTempParaTable, MyTempParaCharTable, stored);
 }
 
-bool takeAdvancedScreen() {
+// The ports as they are stored at one moment: peers go on writing them. They are also what the working arrays
+// hold from now on.
+std::optional<AdvancedScreen> readAdvancedScreen() {
   std::array<uint8_t, kAdvancedArea> area{};
   if (readFlash(flash::kShortcutConfig, area,
                 {"Sprocess_AdvCalcParaOfSender", "the ports cannot be read. ret = "}) != 0) {
-    return false;
+    return std::nullopt;
   }
   if (tracePasses(kInfo)) {
     const HexText<kRecordTextRoom> text(area.data(), kRecordTextRoom / 3 - 1);
     PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
   }
+  AdvancedScreen screen;
   for (std::size_t p = 0; p < kMappedPorts; ++p) {
-    const AdvancedPort port =
-        shortcut::advancedPortOf(std::span<const uint8_t>(area)
-                                     .subspan(shortcut::kPortsAt + p * shortcut::kPortSize)
-                                     .first<shortcut::kPortSize>());
+    const auto block = std::span<const uint8_t>(area).subspan(shortcut::kPortsAt + p * shortcut::kPortSize);
+    const AdvancedPort port = shortcut::advancedPortOf(block.first<shortcut::kPortSize>());
+    screen[p] = port;
     TempAdvPortCM[p] = port.mode;
     TempAdvCfgPortRow[p] = port.rows;
     TempAdvCfgPortCol[p] = port.columns;
@@ -123,16 +127,28 @@ bool takeAdvancedScreen() {
     PARLEND_TRACE(kInfo) << "port num = " << p << " row = " << port.rows << " col = " << port.columns
                          << " x = " << port.x << " y = " << port.y << " cm = " << port.mode;
   }
-  return true;
+  return screen;
+}
+
+// The first bytes of the screen information; what could not be loaded is left alone in flash.
+void saveScreenPara() {
+  constexpr char kCaller[] = "Sprocess_SaveSendCardPara";
+  if (store().loadFailures.screen) {
+    PARLEND_TRACE(kError) << "=== " << kCaller
+                          << " ===the screen parameters could not be loaded and are not saved.";
+    return;
+  }
+  writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(), kCaller);
 }
 
 }  // namespace
 
 int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
   return handleCommand<SaveSendCardParaKey>([] {
+    CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+    loadWhatIsMissing(store());
     if (store().LEDConfigStatus == shortcut::kByTables) storeConfigStatus(shortcut::kByTables);
-    writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(),
-               "Sprocess_SaveSendCardPara");
+    saveScreenPara();
     store().SaveParaToFlash(1);
   });
 }
@@ -151,9 +167,11 @@ int Tprocess::Sprocess_CalculateParaOfSender(int lenth, char* data) {
 
 int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
   return handleRecord<AdvCalcParaOfSenderKey>(lenth, data, 0, [](std::span<const uint8_t>) {
-    if (!takeAdvancedScreen()) return;
-    store().AdvCalcParaGetSreenSize(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
-    store().AdvCalcParaOfSenderInMosaicMode();
+    CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+    const auto screen = readAdvancedScreen();
+    if (!screen) return;
+    store().AdvCalcParaGetSreenSize(*screen);
+    store().AdvCalcParaOfSenderInMosaicMode(*screen);
     setConfigStatus(shortcut::kAdvanced);
   });
 }
@@ -162,12 +180,12 @@ void Tprocess::CalculateParaOfSenderHandler() {
   constexpr char kBanner[] =
       "============================ 200Ms CalculateParaOfSenderHandler ===========================";
   Data_Global& global = store();
+  // A submission that comes meanwhile waits, so that table and calculation belong to one record.
+  CMutexGuardT<CMutexThreadRecursive> guard(global.m_mutex);
   const auto record = readRecord();
   global.GetRecvCardSize_EnvNew();
   global.SendRVCardWHtoLSD();
   global.ShortCfgReadRvStatus = 0;
-  // A submission that comes meanwhile waits, so that table and calculation belong to one record.
-  CMutexGuardT<CMutexThreadRecursive> guard(global.m_mutex);
   if (record) takeStored(*record);
   PARLEND_TRACE(kInfo) << kBanner;
   global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);

@@ -1,5 +1,7 @@
 #include "proto/cards/cardtasks.h"
 
+#include <algorithm>
+
 #include "maps/cardmap.h"
 #include "maps/flashmap.h"
 #include "mcuctrace.h"
@@ -36,9 +38,33 @@ void tellLsdOfChunk(const CardWrite& write, uint32_t address, std::span<const ui
   if (write.fromLsd && write.address == card::kSlowCommand) PARLEND_TRACE(kInfo) << "delay .... ";
 }
 
-void keepTwice(std::span<const uint8_t> data, uint32_t address, uint32_t copy) {
-  const int result = writeFlash(address, data);
-  const int copyResult = writeFlash(copy, data);
+// Where what a launcher was told is kept twice: two places in flash, and where other parameters begin behind
+// them.
+struct KeptTwice {
+  struct Place {
+    uint32_t address;
+    uint32_t end;
+    std::span<const uint8_t> fitting(std::span<const uint8_t> data) const {
+      return data.first(std::min<std::size_t>(data.size(), end - address));
+    }
+  };
+  Place first;
+  Place copy;
+};
+constexpr KeptTwice kLauncherMode{{flash::kLauncher3D, flash::kLauncher3DEnd},
+                                  {flash::kLauncher3DCopy, flash::kLauncher3DCopyEnd}};
+constexpr KeptTwice kLauncherColour{{flash::kLauncher3DColour, flash::kLauncher3DEnd},
+                                    {flash::kLauncher3DColourCopy, flash::kLauncher3DCopyEnd}};
+
+void keepTwice(std::span<const uint8_t> data, const KeptTwice& places) {
+  const auto first = places.first.fitting(data);
+  const auto copy = places.copy.fitting(data);
+  if (first.size() < data.size() || copy.size() < data.size()) {
+    PARLEND_TRACE(kError) << "=== Ssh_Start3DLauncher ===of " << data.size() << " bytes " << first.size()
+                          << " are kept in flash, of the copy " << copy.size();
+  }
+  const int result = writeFlash(places.first.address, first);
+  const int copyResult = writeFlash(places.copy.address, copy);
   if (result == 0 && copyResult == 0) return;
   PARLEND_TRACE(kError) << "=== Ssh_Start3DLauncher ===Write 3D Para to flash failed. ret = " << result
                         << ", of the copy " << copyResult;
@@ -55,11 +81,11 @@ void tellLsdAndKeep3D(const CardWrite& write) {
   if (data.empty()) return;
   if (write.address == card::kLauncherMode) {
     PARLEND_TRACE(kInfo) << "=============================0x000024006 : " << byteAt(data, 0);
-    keepTwice(data, flash::kLauncher3D, flash::kLauncher3DCopy);
+    keepTwice(data, kLauncherMode);
   } else if (write.address == card::kLauncherColour) {
     PARLEND_TRACE(kInfo) << "=============================0x000024007 : " << byteAt(data, 0) << " :"
                          << byteAt(data, 1) << " :" << byteAt(data, 2);
-    keepTwice(data, flash::kLauncher3DColour, flash::kLauncher3DColourCopy);
+    keepTwice(data, kLauncherColour);
   }
 }
 

@@ -14,6 +14,10 @@
 namespace ORVE_MCUC {
 namespace {
 
+// What a reply's frame has room for.
+constexpr uint16_t kLongestRead = DATA_BLOCK_LENGTH - kFrameMinimum;
+static_assert(kLongestRead == 65516);
+
 // Calls with the address and the bytes of each chunk. The address that is reached.
 template <class Use>
 uint32_t inChunks(uint32_t address, std::span<uint8_t> data, std::size_t chunkSize, Use use) {
@@ -63,6 +67,11 @@ int readChunks(const CardTask& task, ThirdProtoMCUCMsg& proto) {
 }
 
 int read(const CardTask& task, ThirdProtoMCUCMsg& proto) {
+  if (proto.m_usValidDataLength > kLongestRead) {
+    PARLEND_TRACE(kError) << "=== " << task.name << " ===a read of " << proto.m_usValidDataLength
+                          << " bytes does not fit into a reply, return! ";
+    return answer(proto, kRefused);
+  }
   if (!mayRead(task, proto.m_ucPortAddress)) return answer(proto, kRefused);
   proto.m_data.assign(proto.m_usValidDataLength, 0);
   const int result = readChunks(task, proto);

@@ -5,8 +5,10 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
+#include "calc/advmapping.h"
 #include "maps/cardgeometry.h"
 #include "portlinks.h"
 #include "proto/store/devicestate.h"
@@ -60,7 +62,7 @@ class Data_Global : public RegisterImages,
 
   // Type 0: basic hardware page, type 1: feature parameters; as many bytes as dest holds. 0, the driver's
   // result, or -1 for another type.
-  int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
+  static int RestoreDataFromFlash(int type, std::span<uint8_t> dest);
   // Stored size as {width, height}. 0 when it was read and neither is 0, else -1.
   int Read_ScreenSize_FromFlash(uint32_t* out);
   int Read_CardSize_FromFlash(uint32_t* out);
@@ -81,8 +83,6 @@ class Data_Global : public RegisterImages,
   void RestoreFPGA();
   // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
   void SendMasterOrBackup(uint8_t backup);
-  // The same in the image alone.
-  void setPortRoles(uint8_t backup);
 
   // Measures the receiving cards behind the first linked port, behind port 0 with an optical module. 0; -1
   // when the size is not a measured one.
@@ -92,28 +92,32 @@ class Data_Global : public RegisterImages,
   // card counts, port tables and roles to the FPGA and saves them.
   void CalculateParaGetSreenSize(const ByteImage<1024>& table);
   void CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table, const ByteImage<32>& chars);
-  // Advanced configuration, from the working arrays of the ports: the same two steps. The mapping returns 0,
-  // or kErrPortPara with nothing changed.
+  // Advanced configuration: the same two steps. The mapping returns 0, or kErrPortPara with nothing changed.
+  // Both steps of one configuration are given the same value; without it, the working arrays of the ports.
+  void AdvCalcParaGetSreenSize(const AdvancedScreen& screen);
+  int AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen);
   void AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns, const PortValues& xs,
                                const PortValues& ys);
   int AdvCalcParaOfSenderInMosaicMode();
   // Calculates one port's table of positions and writes it to the FPGA. Port 0..9; x and y change nothing:
-  // positions are relative to the port's block. Returns 0.
+  // positions are relative to the port's block. card: as the calculation has measured it, else as it is now.
+  // Returns 0.
   int AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t x, uint16_t y, uint16_t rows,
-                       uint16_t columns);
+                       uint16_t columns, std::optional<CardSize> card = {});
   // The monitor's parts that live here: pushes the ports' master/backup bytes when they have changed, and the
-  // fiber link.
+  // fiber link, which a check has read a moment ago.
   void SendRedundStatustoLSD();
-  void SendFiberLinkInfo();
+  void SendFiberLinkInfo(std::span<const uint8_t> checked = {});
 
   // Pushes to peers: sent and forgotten.
-  static constexpr char kSendDate[] = "Send Date to LSD, the reg address = ";
   void SendDatetoLSD(uint32_t address, std::span<const uint8_t> data);
   void SendRebootMsgtoLSD(std::span<const uint8_t> data);
   void SendRVCardWHtoLSD();
-  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. Registers that
-  // cannot be read are pushed as they were. Nothing beyond 0x1EF, where the image mirrors no registers.
-  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine = kSendDate);
+  // Reads up to 8 registers anew into the feature image and pushes what it then holds to LSD. When they
+  // cannot be read, what a check has read of them a moment ago takes their place; without, they are pushed as
+  // they were. Nothing beyond 0x1EF, where the image mirrors no registers.
+  void pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine,
+                  std::span<const uint8_t> checked = {});
   void SendMStoLSD1_4();
   void SendMStoLSD5_8();
   void SendMStoLSD9_16();
@@ -127,7 +131,6 @@ class Data_Global : public RegisterImages,
   ~Data_Global();
   friend class Singleton<Data_Global>;
   void BootRecover();
-  bool refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes);
 };
 
 // The basic hardware page.
@@ -140,6 +143,7 @@ class Data_Preset {
   void SaveBasicParaToFlash();
 
   std::array<uint8_t, 392> BasicHardWareReg{};
+  RelaxedValue<bool> loadFailed;  // the page could not be read: it is not saved
 
  private:
   Data_Preset() = default;

@@ -5,6 +5,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/imageload.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "results.h"
@@ -38,29 +39,29 @@ void logBorders(const AdvancedScreen& screen, CardSize card) {
 }
 
 // The FPGA is given the largest block; the output size holds the extent.
-void storeScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
+void storeScreen(RegisterImages& images, FeatureDraft& draft, const AdvancedScreen& screen, CardSize card) {
   logBorders(screen, card);
   const PixelExtent block = largestBlock(screen, card);
-  setMappedScreen(store, block.width, block.height);
-  PARLEND_TRACE(kInfo) << "TempDviWidth: " << store.SendParameterReg.le16(fpga::kScreenWidth)
-                       << " TempDviHeight: " << block.height << " RealDviWidth: " << block.width;
+  putMappedScreen(draft, block.width, block.height);
+  PARLEND_TRACE(kInfo) << "TempDviWidth: " << evenWidth(block.width) << " TempDviHeight: " << block.height
+                       << " RealDviWidth: " << block.width;
   constexpr std::array<uint8_t, 5> kNoLayout{};
-  storeScreenPara(store, card, kNoLayout, kCaller);
+  storeScreenPara(images, card, kNoLayout, kCaller);
 }
 
-void setWindows(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
-  store.SendParameterReg[fpga::kMappingOption] = 0;
+void putWindows(FeatureDraft& draft, const AdvancedScreen& screen, CardSize card) {
+  draft.put(fpga::kMappingOption, 0);
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     const PixelExtent block = blockOf(screen[port], card);
-    setPortWindow(store, port, {block.width, block.height, screen[port].x, screen[port].y});
+    putPortWindow(draft, port, {block.width, block.height, screen[port].x, screen[port].y});
   }
 }
 
-void countCards(const AdvancedScreen& screen) {
+void countCards(const RegisterImages& images, const AdvancedScreen& screen) {
   std::array<uint32_t, kMappedPorts> counts{};
   std::transform(screen.begin(), screen.end(), counts.begin(),
                  [](const AdvancedPort& port) { return port.cards(); });
-  writeCardCounts(counts, kCaller);
+  writeCardCounts(images, counts, kCaller);
 }
 
 // False when the ports cannot be calculated; then nothing is changed.
@@ -80,56 +81,55 @@ CardSize measuredCard(Data_Global& store) {
   return card;
 }
 
-void mapPort(unsigned int port, const CardChain& chain) {
-  PARLEND_TRACE(kInfo) << "CasMode " << chain.mode << "RepTimes "
-                       << kPortTableEntries / std::max<std::size_t>(1, chain.cards())
-                       << " TempCardNumofCable " << std::max<uint32_t>(1, chain.cards())
-                       << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
-                       << chain.lines;
-  updatePortTable(port, chain);
-  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth "
-                       << chain.card.width;
-  if (const int ret = writePortTable(port)) {
-    PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
-                          << " was not written. ret = " << ret;
-  }
-}
-
 // The cards are measured once, so that windows and tables agree.
 void mapScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
-  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
-  storeScreen(store, screen, card);
-  setWindows(store, screen, card);
-  countCards(screen);
+  FeatureDraft draft;
+  storeScreen(store, draft, screen, card);
+  putWindows(draft, screen, card);
+  countCards(store, screen);
   for (unsigned int i = 0; i < kMappedPorts; ++i) {
-    mapPort(i, screen[i].chain(card));
+    const AdvancedPort& port = screen[i];
+    store.AdvCordinateCalc(0, port.mode, i, port.x, port.y, port.rows, port.columns, card);
   }
   store.SendMasterOrBackup(store.PbufMorSMode);
-  writeAndSaveFeature(store, kCaller);
+  writeAndSaveFeature(store, draft, kCaller);
 }
 
 }  // namespace
 
 void Data_Global::AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns,
                                           const PortValues& xs, const PortValues& ys) {
+  AdvCalcParaGetSreenSize(screenOf(rows, columns, xs, ys));
+}
+
+void Data_Global::AdvCalcParaGetSreenSize(const AdvancedScreen& screen) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  loadWhatIsMissing(*this);
   clearScreenOffset(*this,
                     {"AdvCalcParaGetSreenSize", "Clear XY_Offset failed! When Advanced LED configure ! "});
   const CardSize card = ReceiveCardSize;
   PARLEND_TRACE(kInfo) << "Advanced LED configure: ReceiveCardWidth = " << card.width
                        << " ReceiveCardHeight = " << card.height;
-  const PixelExtent extent = screenExtent(screenOf(rows, columns, xs, ys), card);
-  setOutputSize(*this, extent.width, extent.height, 8, "AdvCalcParaGetSreenSize, ADV calc screen!!");
-  copyOutputToScreen(*this);
+  const PixelExtent extent = screenExtent(screen, card);
+  FeatureDraft draft;
+  putOutputSize(draft, extent.width, extent.height);
+  putScreenSize(draft, extent.width, extent.height);
+  putFeature(*this, draft);
+  DebugForScreenZero(8, 0, "AdvCalcParaGetSreenSize, ADV calc screen!!");
   SaveParaToFlash(1);
-  ChangeOutScreenPara(SendParameterReg.le16(fpga::kOutputWidth), SendParameterReg.le16(fpga::kOutputHeight));
+  ChangeOutScreenPara(extent.width, extent.height);
 }
 
 int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
+  return AdvCalcParaOfSenderInMosaicMode(
+      screenOf(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY));
+}
+
+int Data_Global::AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen) {
   PARLEND_TRACE(kInfo)
       << "===================== Begin Calculate Advanced LED configure =======================";
-  const AdvancedScreen screen =
-      screenOf(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY);
+  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  loadWhatIsMissing(*this);
   const bool accepted = accept(screen);
   if (accepted) mapScreen(*this, screen, measuredCard(*this));
   PARLEND_TRACE(kInfo)
@@ -138,8 +138,20 @@ int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
 }
 
 int Data_Global::AdvCordinateCalc(int, uint8_t mode, unsigned int port, uint16_t, uint16_t, uint16_t rows,
-                                  uint16_t columns) {
-  mapPort(port, chainOf(mode, rows, columns, ReceiveCardSize));
+                                  uint16_t columns, std::optional<CardSize> card) {
+  const CardChain chain = chainOf(mode, rows, columns, card.value_or(ReceiveCardSize));
+  PARLEND_TRACE(kInfo) << "CasMode " << chain.mode << "RepTimes "
+                       << kPortTableEntries / std::max<std::size_t>(1, chain.cards())
+                       << " TempCardNumofCable " << std::max<uint32_t>(1, chain.cards())
+                       << " TempColOrRowInOnePort " << chain.lineLength << "  TempRowOrColInOnePort "
+                       << chain.lines;
+  const auto table = portTableOf(*this, port, chain);
+  PARLEND_TRACE(kInfo) << "ReceiveCardHeight " << chain.card.height << " ReceiveCardWidth "
+                       << chain.card.width;
+  if (const int ret = writePortTable(*this, port, table)) {
+    PARLEND_TRACE(kError) << "=== AdvCordinateCalc ===the table of port " << port
+                          << " was not written. ret = " << ret;
+  }
   return 0;
 }
 

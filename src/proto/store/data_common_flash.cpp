@@ -65,18 +65,19 @@ void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
 
 int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {
   PARLEND_TRACE(kInfo) << "======================== Begin copy const data to flash =========================";
+  const auto levelOf = [](int result) { return result == 0 ? kInfo : kError; };
   const auto pages = static_cast<unsigned int>(data.size() / kPageSize);
   uint32_t at = address;
   unsigned int i = 0;
   for (; data.size() >= kPageSize; data = data.subspan(kPageSize), at += uint32_t{kPageSize}, ++i) {
     const int result = writeFlash(at, data.first(kPageSize));
-    PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
-                         << " result = " << result << " temp = " << pages << " i = " << i;
+    PARLEND_TRACE(levelOf(result)) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                                   << " result = " << result << " temp = " << pages << " i = " << i;
   }
   const int result = writeFlash(at, data);
-  PARLEND_TRACE(kInfo) << "Copy const data to flash : the real addr = " << CTrace::hex << at
-                       << " spi address = " << CTrace::hex << address << " result = " << result
-                       << " mod = " << static_cast<unsigned int>(data.size()) << " i = " << i;
+  PARLEND_TRACE(levelOf(result)) << "Copy const data to flash : the real addr = " << CTrace::hex << at
+                                 << " spi address = " << CTrace::hex << address << " result = " << result
+                                 << " mod = " << static_cast<unsigned int>(data.size()) << " i = " << i;
   PARLEND_TRACE(kInfo) << "======================== Finish copy const data to flash ========================";
   return result;
 }
@@ -98,7 +99,8 @@ void Data_Global::DebugForScreenZero(int point, unsigned int addr, const char* d
 void Data_Global::ReadHardwareInfo() {
   Data_Preset& preset = *Data_Preset::getInstance();
   auto& page = preset.BasicHardWareReg;
-  if (RestoreDataFromFlash(0, std::span(page).first(kPageSize)) != 0) {
+  preset.loadFailed = RestoreDataFromFlash(0, std::span(page).first(kPageSize)) != 0;
+  if (preset.loadFailed) {
     // What could not be read must not be written back as zeros.
     PARLEND_TRACE(kError)
         << "=== ReadHardwareInfo ===the basic hardware page cannot be read, it is not saved.";

@@ -3,6 +3,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/imageload.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/smarttable.h"
@@ -14,9 +15,11 @@ constexpr uint16_t kOutputForZero = 128;  // pixels, in place of a size that is 
 constexpr char kCaller[] = "CalculateParaOfSenderInMosaicMode";
 constexpr int kImageTextRoom = 3 * 512 + 1;
 
-void logImage(const char* text, const Data_Global& store) {
+// The image as it will be.
+void logImage(const char* text, const RegisterImages& images, const FeatureDraft& draft) {
   if (!tracePasses(kInfo)) return;
-  const auto bytes = store.SendParameterReg.bytes();
+  auto bytes = images.SendParameterReg.bytes();
+  draft.applyTo(bytes);
   PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes.data(), bytes.size()).view();
 }
 
@@ -32,93 +35,98 @@ void logSplit(const SmartScreen& screen, const PortSplit& split) {
   PARLEND_TRACE(kInfo) << "The used port number = " << split.UsedPortNum << " connect mode = " << screen.mode;
 }
 
-void storeScreen(Data_Global& store, const SmartScreen& screen) {
-  setMappedScreen(store, uint32_t{screen.columns} * screen.card.width,
+void storeScreen(RegisterImages& images, FeatureDraft& draft, const SmartScreen& screen) {
+  putMappedScreen(draft, uint32_t{screen.columns} * screen.card.width,
                   uint32_t{screen.rows} * screen.card.height);
   const std::array<uint8_t, 5> layout{static_cast<uint8_t>(screen.rows), static_cast<uint8_t>(screen.columns),
                                       screen.mode, static_cast<uint8_t>(screen.cardsPerPort),
                                       static_cast<uint8_t>(screen.cardsPerPort >> 8)};
-  if (!storeScreenPara(store, screen.card, layout, kCaller)) return;
+  if (!storeScreenPara(images, screen.card, layout, kCaller)) return;
   for (std::size_t i = 0; i < screenpara::kStored; ++i) {
-    PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i << "] = " << store.ScreenParaReg[i];
+    PARLEND_TRACE(kInfo) << "=== ScreenParaReg[" << i << "] = " << images.ScreenParaReg[i];
   }
 }
 
-void setWindows(Data_Global& store, const SmartScreen& screen, const PortSplit& split) {
+void putWindows(FeatureDraft& draft, const SmartScreen& screen, const PortSplit& split) {
   PARLEND_TRACE(kInfo) << "======================== Begin calculate Port X or Y ============================";
-  store.SendParameterReg[fpga::kMappingOption] = 0;
+  draft.put(fpga::kMappingOption, 0);
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     const WindowOffset at = windowOffset(screen, split, port);
-    setPortWindow(store, port, {split.PortWidth, split.PortHeight, at.x, at.y});
+    putPortWindow(draft, port, {split.PortWidth, split.PortHeight, at.x, at.y});
   }
   PARLEND_TRACE(kInfo) << "======================== Finish calculate Port X or Y ===========================";
 }
 
 // What a slot holds behind its count belongs to the FPGA.
-void refreshNumberParts() {
+void refreshNumberParts(const RegisterImages& images) {
   for (const NumberPart& part : kNumberPortParts) {
-    std::array<uint8_t, kNumberPorts0To3.length> bytes{};
-    const int ret = readFpga(part.fpga, std::span(bytes).first(part.length));
-    if (ret != 0 || !VsPartPara.copyFrom(std::span(bytes).first(part.length), part.at)) {
+    std::array<uint8_t, kNumberPorts0To3.length> room{};
+    const int ret = readThrough(images, VsPartPara, part.at, part.fpga, std::span(room).first(part.length));
+    if (ret != 0) {
       PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===the card counts at " << CTrace::hex
                             << part.fpga << " cannot be read. ret = " << ret;
     }
   }
 }
 
-void countCards(const PortSplit& split) {
+void countCards(const RegisterImages& images, const PortSplit& split) {
   PARLEND_TRACE(kInfo) << "========================= Begin calculate number para ===========================";
-  refreshNumberParts();
+  refreshNumberParts(images);
   std::array<uint32_t, kMappedPorts> counts{};
   for (unsigned int port = 0; port < kMappedPorts; ++port) counts[port] = cardsBehind(split, port);
-  writeCardCounts(counts, kCaller);
+  writeCardCounts(images, counts, kCaller);
   for (int i = 0; i < 2; ++i) {
     PARLEND_TRACE(kInfo)
         << "========================= Finish calculate number para ==========================";
   }
 }
 
-// False when a port's cards lie beyond the tables of ten ports; what was calculated before stays.
-bool placeCards(const SmartScreen& screen, const PortSplit& split) {
-  PARLEND_TRACE(kInfo) << "========================= Begin calculate position para =========================";
-  for (uint32_t port = 0; port < split.UsedPortNum; ++port) {
-    const CardChain chain = chainAt(screen, split, port);
-    if (repetitionsOf(chain) == 0) continue;
-    if (port >= kMappedPorts) {
-      constexpr int kEntry = 0;  // the first card lies beyond already
-      PARLEND_TRACE(kInfo) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
-      return false;
-    }
-    updatePortTable(port, chain);
+// Whether a port's cards lie beyond the tables of ten ports.
+bool runsOutOfTables(const SmartScreen& screen, const PortSplit& split) {
+  for (uint32_t port = kMappedPorts; port < split.UsedPortNum; ++port) {
+    if (repetitionsOf(chainAt(screen, split, port)) != 0) return true;
   }
-  if (screen.mode == 1) PARLEND_TRACE(kInfo) << "left up, v end...";
-  if (screen.mode == 7) PARLEND_TRACE(kInfo) << "right down, h end...";
-  return true;
+  return false;
 }
 
-// Ports beyond the used ones carry the same cards as these.
-void repeatTables(const PortSplit& split) {
-  for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port)
-    setPortTable(port, portTable(placeOf(split, port)));
+void logPlaced(const SmartScreen& screen, const PortSplit& split) {
+  if (screen.mode == 1) PARLEND_TRACE(kInfo) << "left up, v end...";
+  if (screen.mode == 7) PARLEND_TRACE(kInfo) << "right down, h end...";
   if (split.UsedPortNum > kMappedPorts) return;
   const char* digit = &"0123456789A"[split.UsedPortNum];
   PARLEND_TRACE(kInfo) << "cacl 0x3000000 0x0" << std::string_view(digit, 1) << " end";
 }
 
-void writeTables() {
-  for (unsigned int port = 0; port < kMappedPorts; ++port) {
-    if (const int ret = writePortTable(port)) {
+// Ports beyond the used ones carry the same cards as these.
+std::array<uint8_t, kPortTableSize> tableOf(const RegisterImages& images, const SmartScreen& screen,
+                                            const PortSplit& split, unsigned port) {
+  if (port < split.UsedPortNum) return portTableOf(images, port, chainAt(screen, split, port));
+  return portTableOf(images, placeOf(split, port), {});
+}
+
+// False when there are not enough tables; what was calculated before stays.
+bool placeCards(const RegisterImages& images, const SmartScreen& screen, const PortSplit& split) {
+  PARLEND_TRACE(kInfo) << "========================= Begin calculate position para =========================";
+  if (runsOutOfTables(screen, split)) {
+    constexpr int kEntry = 0;  // the first card lies beyond already
+    PARLEND_TRACE(kError) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
+    return false;
+  }
+  logPlaced(screen, split);
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
+    if (const int ret = writePortTable(images, port, tableOf(images, screen, split, port))) {
       PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===the table of port " << port
                             << " was not written. ret = " << ret;
     }
   }
   PARLEND_TRACE(kInfo) << "======================== Finish calculate position para =========================";
+  return true;
 }
 
-void assignRoles(Data_Global& store, const PortSplit& split, uint8_t backup) {
+void assignRoles(const Data_Global& store, FeatureDraft& draft, const PortSplit& split, uint8_t backup) {
   PARLEND_TRACE(kInfo)
       << "========================= Begin calculate SlaveOrMaster para =========================";
-  store.setPortRoles(backup);
+  putPortRoles(draft, backup);
   for (unsigned int i = 0; i < 4; ++i) {
     PARLEND_TRACE(kInfo) << "MasterSlaveVal 0x" << CTrace::hex
                          << static_cast<int>(fpga::kMasterSlavePorts1To4 + i) << ": 0x" << CTrace::hex
@@ -127,25 +135,23 @@ void assignRoles(Data_Global& store, const PortSplit& split, uint8_t backup) {
   if (store.NormalBackupStatus != 0) {
     const unsigned int linked = store.GigaPhyLinkSta;
     for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
-      if ((linked >> port & 1) != 0) store.PortMorSUpdate(port, fpga::kBackup);
+      if ((linked >> port & 1) != 0) draft.put(fpga::portRole(port), fpga::kBackup);
     }
   }
-  logImage("WriteFpgaData SendParameterReg:", store);
+  logImage("WriteFpgaData SendParameterReg:", store, draft);
   PARLEND_TRACE(kInfo)
       << "======================== Finish calculate SlaveOrMaster para =========================";
 }
 
 // False when the calculation has to stop as it is.
-bool mapScreen(Data_Global& store, const SmartScreen& screen, uint8_t backup) {
-  storeScreen(store, screen);
+bool mapScreen(Data_Global& store, FeatureDraft& draft, const SmartScreen& screen, uint8_t backup) {
+  storeScreen(store, draft, screen);
   const PortSplit split = splitOf(screen);
   logSplit(screen, split);
-  setWindows(store, screen, split);
-  countCards(split);
-  if (!placeCards(screen, split)) return false;
-  repeatTables(split);
-  writeTables();
-  assignRoles(store, split, backup);
+  putWindows(draft, screen, split);
+  countCards(store, split);
+  if (!placeCards(store, screen, split)) return false;
+  assignRoles(store, draft, split, backup);
   return true;
 }
 
@@ -153,6 +159,7 @@ bool mapScreen(Data_Global& store, const SmartScreen& screen, uint8_t backup) {
 
 void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  loadWhatIsMissing(*this);
   clearScreenOffset(*this,
                     {"CalculateParaGetSreenSize", "Clear XY_Offset failed! When smart LED configure."});
   const CardSize card = ReceiveCardSize;
@@ -169,25 +176,31 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   PARLEND_TRACE(kInfo) << " SM2W===2 : DVI_Width =" << width << "; DVI_Height =" << height;
   if (const auto counter = storeOutputSize(width, height, "CalculateParaGetSreenSize"))
     logScreenChangeCounter(*counter);
-  setOutputSize(*this, width, height, 7, "CalculateParaGetSreenSize, calc screen!!");
-  copyOutputToScreen(*this);
+  FeatureDraft draft;
+  putOutputSize(draft, width, height);
+  putScreenSize(draft, width, height);
+  putFeature(*this, draft);
+  DebugForScreenZero(7, 0, "CalculateParaGetSreenSize, calc screen!!");
   SaveParaToFlash(1);
-  writeFpga(fpga::kOutputWidth, SendParameterReg.part<fpga::kOutputWidth, 4>(),
-            {"CalculateParaGetSreenSize", "\n Write 0200_01EC to FPGA failed !!! ret = "});
+  putFeature(*this, draft, fpga::kOutputWidth, 4,
+             {"CalculateParaGetSreenSize", "\n Write 0200_01EC to FPGA failed !!! ret = "});
 }
 
 void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table,
                                                     const ByteImage<32>& chars) {
   PARLEND_TRACE(kInfo) << "=================== Begin CalculateParaOfSenderInMosaicMode ====================";
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
+  loadWhatIsMissing(*this);
   SmartScreen screen = screenIn(table, chars);
   screen.card = ReceiveCardSize;
+  FeatureDraft draft;
   if (!isValid(screen)) {
     PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===Invalid Parameter! ";
-  } else if (!mapScreen(*this, screen, chars[kTempRoleAt])) {
+  } else if (!mapScreen(*this, draft, screen, chars[kTempRoleAt])) {
+    putFeature(*this, draft);
     return;
   }
-  writeAndSaveFeature(*this, kCaller);
+  writeAndSaveFeature(*this, draft, kCaller);
   PARLEND_TRACE(kInfo) << "=================== Finish CalculateParaOfSenderInMosaicMode ====================";
 }
 

@@ -1,5 +1,6 @@
 // The monitor's parts that the store carries out itself.
 #include "maps/fpgamap.h"
+#include "maps/registermap.h"
 #include "proto/store/data_common.h"
 #include "proto/store/statuscheck.h"
 
@@ -16,16 +17,19 @@ constexpr StatusWords kRoleWords{
 }  // namespace
 
 void Data_Global::SendRedundStatustoLSD() {
-  const auto pushRoles = [this](auto) {
+  // What the image says of the roles was configured: a failed write must not become a configuration.
+  const auto pushRoles = [this](const StatusReading& now) {
+    std::size_t at = 0;
     for (const StatusBlock& block : kRoles) {
-      pushMirror(block.fpgaRegister, block.length);
+      SendDatetoLSD(reg::ofFeature(block.fpgaRegister), now.bytes.subspan(at, block.length));
+      at += block.length;
     }
   };
   checkStatus(SendRedundStatustoLSD_buff, kRoles, framed(kRoleWords, pushRoles));
 }
 
-void Data_Global::SendFiberLinkInfo() {
-  pushMirror(fpga::kFiberLink, 1, "Send 0x1d7 fiber link status to LSD, the reg address = ");
+void Data_Global::SendFiberLinkInfo(std::span<const uint8_t> checked) {
+  pushMirror(fpga::kFiberLink, 1, "Send 0x1d7 fiber link status to LSD, the reg address = ", checked);
 }
 
 }  // namespace ORVE_MCUC

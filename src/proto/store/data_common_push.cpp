@@ -6,7 +6,6 @@
 #include "mcuctrace.h"
 #include "outgoing.h"
 #include "proto/store/data_common.h"
-#include "proto/store/deviceaccess.h"
 #include "taskid.h"
 
 namespace ORVE_MCUC {
@@ -32,7 +31,7 @@ void push(uint32_t service, uint32_t address, std::span<const uint8_t> data) {
 }  // namespace
 
 void Data_Global::SendDatetoLSD(uint32_t address, std::span<const uint8_t> data) {
-  logPush(kSendDate, address, data.size());
+  logPush("Send Date to LSD, the reg address = ", address, data.size());
   push(kServiceLsd, address, data);
 }
 
@@ -55,21 +54,17 @@ void Data_Global::SendRVCardWHtoLSD() {
   push(kServiceLsd, reg::kReceivingCardSize, data);
 }
 
-void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine) {
+void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const char* logLine,
+                             std::span<const uint8_t> checked) {
   std::array<uint8_t, 8> bytes{};
   if (length > bytes.size() || !fits(fpga::kMirrorEnd, fpgaRegister, length)) return;
   const auto data = std::span(bytes).first(length);
-  if (!refreshMirror(fpgaRegister, data)) return;
+  if (readThrough(*this, SendParameterReg, fpgaRegister, fpgaRegister, data) != 0) {
+    if (checked.size() == length) putBytes(*this, SendParameterReg, fpgaRegister, checked);
+    snapshot(*this, SendParameterReg, fpgaRegister, data);
+  }
   logPush(logLine, reg::ofFeature(fpgaRegister), data.size());
   push(kServiceLsd, reg::ofFeature(fpgaRegister), data);
-}
-
-bool Data_Global::refreshMirror(uint32_t fpgaRegister, std::span<uint8_t> bytes) {
-  // Nothing may come between the read and the image: whoever changes the image holds the lock until the FPGA
-  // has it.
-  CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  return readFpga(fpgaRegister, bytes) == 0 ? SendParameterReg.copyFrom(bytes, fpgaRegister)
-                                            : SendParameterReg.copyTo(bytes, fpgaRegister);
 }
 
 void Data_Global::SendMStoLSD1_4() {

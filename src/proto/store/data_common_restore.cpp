@@ -9,7 +9,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
-#include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/screenoffset.h"
@@ -54,18 +54,19 @@ Boot readFirstBoot() {
 }
 
 bool isSize(uint32_t pixels) {
-  return pixels != 0 && pixels <= 0xFFFF;
+  return pixels <= 0xFFFF;
 }
 
-// The reset left the size of the receiving cards in the place of the screen's. Without a good one there the
-// default stays, and so does what is stored.
+// The reset left the size of the receiving cards in the place of the screen's; a zero among them is taken as
+// it is, and the mapping refuses it. Without a size there the default stays, and so does what is stored.
 void takeCardSizeOfReset(Data_Global& store) {
-  uint32_t screen[2] = {};
+  constexpr uint32_t kUnread = 0xFFFFFFFF;
+  uint32_t screen[2] = {kUnread, kUnread};
   uint32_t card[2] = {};
-  const bool stored = store.Read_ScreenSize_FromFlash(screen) == 0 && isSize(screen[0]) && isSize(screen[1]);
+  store.Read_ScreenSize_FromFlash(screen);
   read_CardSize_flag = store.Read_CardSize_FromFlash(card) == 0 ? 1U : 0U;
   factory_flag = 1U;
-  if (stored) {
+  if (isSize(screen[0]) && isSize(screen[1])) {
     RecvCardSize_befor[0] = screen[0];
     RecvCardSize_befor[1] = screen[1];
     store.ReceiveCardSize = CardSize{static_cast<uint16_t>(screen[0]), static_cast<uint16_t>(screen[1])};
@@ -76,8 +77,30 @@ void takeCardSizeOfReset(Data_Global& store) {
   }
   resetScreenChangeCounter(kCaller);
   const CardSize size = store.ReceiveCardSize;
-  setOutputSize(store, size.width, size.height, 6, "RestoreFPGA, use ReceiveCardWidth change screen!!");
+  FeatureDraft draft;
+  putOutputSize(draft, size.width, size.height);
+  putFeature(store, draft);
+  store.DebugForScreenZero(6, 0, "RestoreFPGA, use ReceiveCardWidth change screen!!");
   store.Read_ScreenSize_FromFlash(screen);  // says so when what is stored now is zero
+}
+
+// The flash holds these registers as they were in the last run.
+void readHardwareStatus(RegisterImages& images) {
+  struct Run {
+    uint32_t first;
+    std::size_t length;
+  };
+  constexpr Run kRuns[] = {
+      {fpga::kRedundancyPorts1To4, 2}, {fpga::kRedundancyPorts5To8, 2}, {fpga::kRedundancyPorts9To16, 2},
+      {fpga::kNetLinkPorts9To16, 2},   {fpga::kFiberLink, 1},           {fpga::kFiberToNetStatus, 2}};
+  for (const Run& run : kRuns) {
+    std::array<uint8_t, 2> bytes{};
+    const int ret = readThrough(images, images.SendParameterReg, run.first, run.first,
+                                std::span(bytes).first(run.length));
+    if (ret != 0)
+      PARLEND_TRACE(kError) << "=== RestoreFPGA ===the status at " << CTrace::hex << run.first
+                            << " cannot be read. ret = " << ret;
+  }
 }
 
 // A screen of one card, by the master.
@@ -88,9 +111,16 @@ void mapOneCard(Data_Global& store) {
   store.CalculateParaOfSenderInMosaicMode(table, chars);
 }
 
+// The mapping saves all tables; what it leaves of them stays as the reset left it.
+void loadTables(RegisterImages& images) {
+  for (unsigned port = 0; port < kMappedPorts; ++port) loadPortTable(images, port);
+  loadNumberTable(images);
+}
+
 void restoreFirstBoot(Data_Global& store) {
   PARLEND_TRACE(kInfo) << "=======Reboot after ReturnFactory === RestoreFPGA    ";
   takeCardSizeOfReset(store);
+  loadTables(store);
   if (isOnline(store)) {
     DriverUtil::getInstance()->runCommand("sysconfig set firstboot 0");
     PARLEND_TRACE(kInfo) << "=======Recover smart LED configure when Reboot after ReturnFactory.";
@@ -102,39 +132,37 @@ void restoreFirstBoot(Data_Global& store) {
   }
   PARLEND_TRACE(kInfo) << " No set 10bit 位深";
   PARLEND_TRACE(kInfo) << "=======Finish Restore FPGA When FirstBoot after ReturnFactory ============";
-  store.FpgaParaLoadFinish = true;
+  if (isOnline(store)) store.FpgaParaLoadFinish = true;
 }
 
-void mendImage(ByteImage<512>& image) {
-  const uint8_t mode = image[fpga::kOutputMode];
+void mendImage(RegisterImages& images) {
+  FeatureDraft mended;
+  const uint8_t mode = images.SendParameterReg[fpga::kOutputMode];
   if (std::find(std::begin(kOutputModes), std::end(kOutputModes), mode) == std::end(kOutputModes))
-    image[fpga::kOutputMode] = kOutputModes[0];
-  if (image[fpga::kOutputEnable] == kOutputRestored) image[fpga::kOutputEnable] = 0;
+    mended.put(fpga::kOutputMode, kOutputModes[0]);
+  if (images.SendParameterReg[fpga::kOutputEnable] == kOutputRestored) mended.put(fpga::kOutputEnable, 0);
+  putFeature(images, mended);
 }
 
-void restoreFeature(const Data_Global& store) {
-  writeFpga(fpga::kFeatureFirst,
-            store.SendParameterReg.part<fpga::kFeatureFirst, fpga::kFeatureRestoreLength>(), kCaller);
+void restoreFeature(RegisterImages& images) {
+  putFeature(images, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
-  applyScreenOffset(store.SendParameterReg);
+  applyScreenOffset(images);
 }
 
-void restorePortTables(bool online) {
+void restorePortTables(RegisterImages& images, bool online) {
   PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
-    std::array<uint8_t, kPortTableSize> table{};
-    const auto at = static_cast<uint32_t>(portTableAt(port));
-    const int ret = readFlash(flash::kPositionTables + at, table);
+    const int ret = loadPortTable(images, port);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
-    if (ret == 0) setPortTable(port, table);
     if (!online) continue;
-    const int written = writePortTable(port);
+    const int written = rewritePortTable(images, port);
     PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
   }
 }
 
-void writeNumberParts(std::span<const uint8_t> table) {
+void writeNumberParts(const RegisterImages& images) {
   struct Step {
     NumberPart part;
     const char* written;
@@ -145,28 +173,29 @@ void writeNumberParts(std::span<const uint8_t> table) {
       {kNumberPorts8To11, "Write Port 8 ~ 11 vspara to FPGA , the ret = "},
       {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
   };
-  for (const Step& step : kSteps) {
-    const int ret = writeFpga(step.part.fpga, table.subspan(step.part.at, step.part.length));
-    PARLEND_TRACE(kInfo) << step.written << ret;
+  for (const auto& [part, written] : kSteps) {
+    const int ret = writeImage(images, VsPartPara, part.at, part.length, part.fpga);
+    PARLEND_TRACE(kInfo) << written << ret;
   }
-  PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << table[kBitDepthMarkAt];
+  PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << VsPartPara[kBitDepthMarkAt];
 }
 
-void restoreNumberTable(bool online) {
+void restoreNumberTable(RegisterImages& images, bool online) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
-  std::array<uint8_t, VsPartPara.size()> table{};
-  const int ret = readFlash(flash::kNumberTable, table, {kCaller, "the number table cannot be read. ret = "});
-  if (ret == 0) VsPartPara.put<0>(std::span<const uint8_t, VsPartPara.size()>(table));
-  table = VsPartPara.bytes();
-  if (tracePasses(kInfo))
+  if (const int ret = loadNumberTable(images))
+    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
+  if (tracePasses(kInfo)) {
+    const auto table = VsPartPara.bytes();
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
-  if (online) writeNumberParts(table);
+  }
+  if (online) writeNumberParts(images);
 }
 
 void endRestore(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
-  store.SendParameterReg[fpga::kOutputEnable] = kClosed;
-  writeFpga(fpga::kOutputEnable, {&kClosed, 1}, kCaller);
+  if (writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1}) !=
+      0)
+    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the output was not closed.";
   store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
   resetScreenChangeCounter(kCaller);
   store.FpgaParaLoadFinish = true;
@@ -174,16 +203,16 @@ void endRestore(Data_Global& store) {
 
 void restoreConfigured(Data_Global& store) {
   const bool online = isOnline(store);
-  mendImage(store.SendParameterReg);
+  mendImage(store);
   if (online) restoreFeature(store);
   factory_flag = 0U;
   PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
-  restorePortTables(online);
-  restoreNumberTable(online);
+  restorePortTables(store, online);
+  restoreNumberTable(store, online);
   if (online) endRestore(store);
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
-  if (const int ret = readScreenPara(store))
+  if (const int ret = loadScreenPara(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
 }
 
@@ -202,7 +231,7 @@ void Data_Global::BootRecover() {
         std::find(std::begin(kBackupMarks), std::end(kBackupMarks), mark) != std::end(kBackupMarks);
     NormalBackupStatus = marked ? 0 : 1;
   }
-  if (readScreenPara(*this) != 0) {
+  if (loadScreenPara(*this) != 0) {
     PARLEND_TRACE(kError)
         << "=== BootRecover ===Can not read flash when get the ScreenParaReg[0x01] in poweron! ";
     return;
@@ -216,12 +245,11 @@ void Data_Global::BootRecover() {
 void Data_Global::RestoreFPGA() {
   PARLEND_TRACE(kInfo) << "============================== Begin Restore FPGA ===============================";
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  std::array<uint8_t, 512> image{};
-  const int ret = RestoreDataFromFlash(1, image);
-  if (ret != 0)
+  if (const int ret = loadFeature(*this))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the feature parameters cannot be read. ret = " << ret;
-  if (ret == 0) SendParameterReg.put<0>(std::span<const uint8_t, 512>(image));
-  RebootRF = 0;
+  if (const int ret = loadGlobal(*this))
+    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the parameter table cannot be read. ret = " << ret;
+  RebootRF = kIdle;
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space:";
   BootRecover();
   PARLEND_TRACE(kInfo) << "Restore DVI size:";
@@ -230,6 +258,7 @@ void Data_Global::RestoreFPGA() {
   } else {
     restoreConfigured(*this);
   }
+  if (isOnline(*this)) readHardwareStatus(*this);
   PARLEND_TRACE(kInfo) << "============================== Finish Restore FPGA ==============================";
 }
 

@@ -33,20 +33,14 @@ void saveRoles(uint32_t firstRegister, std::size_t count, uint8_t role) {
 
 }  // namespace
 
-void Data_Global::setPortRoles(uint8_t backup) {
-  const uint8_t role = roleOf(backup);
-  for (unsigned int port = 0; port < kOutputPorts; ++port) PortMorSUpdate(port, role);
-}
-
 void Data_Global::SendMasterOrBackup(uint8_t backup) {
   PARLEND_TRACE(kInfo) << "============================ Begin set master/slave =============================";
   const uint8_t role = roleOf(backup);
   PARLEND_TRACE(kInfo) << "Master or Slave = " << role;
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
-  setPortRoles(backup);
   for (uint32_t i = 0; i < kPortsOfGroup; ++i) {
     for (const RoleGroup& group : kGroups) {
-      const int ret = writeFpga(group.fpga + i, {&role, 1});
+      const int ret = writeThrough(*this, SendParameterReg, group.fpga + i, group.fpga + i, {&role, 1});
       PARLEND_TRACE(kInfo) << group.written << i << " the ret = " << ret;
     }
   }

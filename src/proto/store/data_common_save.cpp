@@ -4,17 +4,17 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
-#include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
 namespace {
 
 constexpr std::size_t kBasicHardwareSize = 256;
-constexpr std::size_t kGlobalParaSize = 512;
 constexpr uint16_t kLargestMeasure = 3840;  // pixels, of a sound screen or window
 constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
+constexpr char kCaller[] = "SaveParaToFlash";
 
 struct SaveWords {
   const char* begin;
@@ -24,13 +24,23 @@ struct SaveWords {
 void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> bytes) {
   PARLEND_TRACE(kInfo) << words.begin;
   const int ret = writeFlash(address, bytes);
-  if (ret != 0) PARLEND_TRACE(kInfo) << words.failed << ret;
+  if (ret != 0) PARLEND_TRACE(kError) << words.failed << ret;
 }
 
-// Saves the first Size bytes of an image.
+// What could not be loaded is left alone in flash.
+bool mayBeSaved(bool loadFailed, const char* what) {
+  if (!loadFailed) return true;
+  PARLEND_TRACE(kError) << "=== " << kCaller << " ===" << what << " could not be loaded and is not saved.";
+  return false;
+}
+
+// Saves the first Size bytes of an image, as they are at one moment.
 template <std::size_t Size, std::size_t N>
-void saveImage(const SaveWords& words, uint32_t address, const ByteImage<N>& image) {
-  save(words, address, image.template part<0, Size>());
+void saveImage(const RegisterImages& images, const ByteImage<N>& image, uint32_t address,
+               const SaveWords& words) {
+  std::array<uint8_t, Size> bytes{};
+  snapshot(images, image, 0, bytes);
+  save(words, address, bytes);
 }
 
 bool isSound(uint16_t measure) {
@@ -69,26 +79,49 @@ bool formatTagDiffers() {
   return stored != Data_Global::IsNewFlashTag;
 }
 
-void saveBasicHardware() {
+void saveBasicHardware(Data_Preset& preset) {
+  if (preset.loadFailed) Data_Global::getInstance()->ReadHardwareInfo();
+  if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
   save({"Save basic hardware para to flash :", "=== Save  basic hardware para to flash failed! ret = "},
-       flash::kBasicHardwareCopy,
-       std::span(Data_Preset::getInstance()->BasicHardWareReg).first(kBasicHardwareSize));
+       flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(kBasicHardwareSize));
 }
 
-void saveParameters(const Data_Global& store) {
+// One write, or one for each table that was loaded.
+void savePortTables(const RegisterImages& images) {
+  constexpr SaveWords kWords{"Save position para to flash :",
+                             "=== Save position para to flash failed! ret = "};
+  const unsigned failed = images.loadFailures.portTables;
+  if (failed == 0) return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
+    if (!mayBeSaved((failed >> port & 1) != 0, "a port table")) continue;
+    std::array<uint8_t, kPortTableSize> table{};
+    const std::size_t at = portTableAt(port);
+    snapshot(images, PortsTopoPara, at, table);
+    save(kWords, flash::kPositionTables + static_cast<uint32_t>(at), table);
+  }
+}
+
+void saveParameters(RegisterImages& images) {
   const bool newTag = formatTagDiffers();
-  logSoundness(store.SendParameterReg);
-  saveImage<512>({"Save feature para to flash :", "=== Save feature para to flash failed! ret = "},
-                 flash::kFeature, store.SendParameterReg);
-  saveImage<kGlobalParaSize>({"Save Global para to flash :", "=== Save Global para to flash failed! ret = "},
-                             flash::kGlobalPara, ParaTable);
-  if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, "SaveParaToFlash");
-  saveImage<kPortTablesSize>(
-      {"Save position para to flash :", "=== Save position para to flash failed! ret = "},
-      flash::kPositionTables, PortsTopoPara);
-  saveImage<VsPartPara.size()>(
-      {"Save number para to flash :", "=== Save number para to flash failed! ret = "}, flash::kNumberTable,
-      VsPartPara);
+  logSoundness(images.SendParameterReg);
+  loadWhatIsMissing(images);
+  const LoadFailures& failures = images.loadFailures;
+  if (mayBeSaved(failures.feature, "the feature image")) {
+    saveImage<512>(images, images.SendParameterReg, flash::kFeature,
+                   {"Save feature para to flash :", "=== Save feature para to flash failed! ret = "});
+  }
+  if (mayBeSaved(failures.global, "the parameter table")) {
+    saveImage<kGlobalParaSize>(
+        images, ParaTable, flash::kGlobalPara,
+        {"Save Global para to flash :", "=== Save Global para to flash failed! ret = "});
+  }
+  if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, kCaller);
+  savePortTables(images);
+  if (mayBeSaved(failures.number, "the number table")) {
+    saveImage<VsPartPara.size()>(
+        images, VsPartPara, flash::kNumberTable,
+        {"Save number para to flash :", "=== Save number para to flash failed! ret = "});
+  }
   DriverUtil::getInstance()->runCommand("sync");
 }
 
@@ -101,7 +134,7 @@ void Data_Global::SaveParaToFlash(int type) {
                        << SendParameterReg[fpga::kOutputWidth] << " "
                        << SendParameterReg[fpga::kOutputHeight];
   PARLEND_TRACE(kInfo) << "======================Save para to flash, the type = " << type;
-  if (type == 0) saveBasicHardware();
+  if (type == 0) saveBasicHardware(*Data_Preset::getInstance());
   if (type == 1) saveParameters(*this);
   PARLEND_TRACE(kInfo) << "=========================== Finish save para to flash ===========================";
 }

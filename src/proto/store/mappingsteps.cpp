@@ -15,39 +15,54 @@ uint16_t low16(uint32_t value) {
   return static_cast<uint16_t>(value);
 }
 
+// Calls with the offset of each block of a port's table. 0, or the first failure.
+template <class Use>
+int inBlocks(unsigned port, Use use) {
+  if (port >= kMappedPorts) return -1;
+  int result = 0;
+  for (uint32_t at = 0; at < kPortTableSize; at += kBlock) {
+    const int ret = use(at);
+    if (result == 0) result = ret;
+  }
+  return result;
+}
+
 }  // namespace
 
-void setPortWindow(Data_Global& store, unsigned int port, const ScreenWindow& window) {
-  store.PortWidthUpdate(port, low16(window.width));
-  store.PortHeightUpdate(port, low16(window.height));
-  store.PortOffsetXUpdate(port, low16(window.x));
-  store.PortOffsetYUpdate(port, low16(window.y));
+void putPortWindow(FeatureDraft& draft, unsigned port, const ScreenWindow& window) {
+  const std::size_t at = fpga::portWindow(port);
+  draft.putLe16(at, low16(window.width));
+  draft.putLe16(at + fpga::kWindowHeightAt, low16(window.height));
+  draft.putLe16(at + fpga::kWindowXAt, low16(window.x));
+  draft.putLe16(at + fpga::kWindowYAt, low16(window.y));
 }
 
-void setMappedScreen(Data_Global& store, uint32_t width, uint32_t height) {
-  auto& image = store.SendParameterReg;
-  image.putLe16(fpga::kScreenWidth, low16((width + 1) & ~1U));
-  image.putLe16(fpga::kScreenHeight, low16(height));
-  image.putLe16(fpga::kMappedWidth, low16(width));
+void putPortRoles(FeatureDraft& draft, uint8_t backup) {
+  for (unsigned port = 0; port < kOutputPorts; ++port)
+    draft.put(fpga::portRole(port), backup != 0 ? fpga::kBackup : fpga::kMaster);
 }
 
-void setOutputSize(Data_Global& store, uint32_t width, uint32_t height, int point, const char* description) {
-  store.SendParameterReg.putLe16(fpga::kOutputWidth, low16(width));
-  store.SendParameterReg.putLe16(fpga::kOutputHeight, low16(height));
-  store.DebugForScreenZero(point, 0, description);
+void putMappedScreen(FeatureDraft& draft, uint32_t width, uint32_t height) {
+  draft.putLe16(fpga::kScreenWidth, evenWidth(width));
+  draft.putLe16(fpga::kScreenHeight, low16(height));
+  draft.putLe16(fpga::kMappedWidth, low16(width));
 }
 
-void copyOutputToScreen(Data_Global& store) {
-  auto& image = store.SendParameterReg;
-  image.putLe16(fpga::kScreenWidth, image.le16(fpga::kOutputWidth));
-  image.putLe16(fpga::kScreenHeight, image.le16(fpga::kOutputHeight));
+void putOutputSize(FeatureDraft& draft, uint32_t width, uint32_t height) {
+  draft.putLe16(fpga::kOutputWidth, low16(width));
+  draft.putLe16(fpga::kOutputHeight, low16(height));
 }
 
-void clearScreenOffset(Data_Global& store, FailureWords failed) {
-  constexpr std::array<uint8_t, 4> kNone{};
-  writeFpga(fpga::kScreenOffsetX, kNone, failed);
-  store.SendParameterReg.putLe16(fpga::kScreenOffsetX, 0);
-  store.SendParameterReg.putLe16(fpga::kScreenOffsetY, 0);
+void putScreenSize(FeatureDraft& draft, uint32_t width, uint32_t height) {
+  draft.putLe16(fpga::kScreenWidth, low16(width));
+  draft.putLe16(fpga::kScreenHeight, low16(height));
+}
+
+void clearScreenOffset(RegisterImages& images, FailureWords failed) {
+  FeatureDraft none;
+  none.putLe16(fpga::kScreenOffsetX, 0);
+  none.putLe16(fpga::kScreenOffsetY, 0);
+  putFeature(images, none, fpga::kScreenOffsetX, 4, failed);
 }
 
 std::optional<uint8_t> storeOutputSize(uint32_t width, uint32_t height, const char* caller) {
@@ -72,21 +87,15 @@ void logScreenChangeCounter(uint8_t counter) {
   PARLEND_TRACE(kInfo) << "============================= Wrtie CfgScreenStatusPara = " << counter;
 }
 
-bool storeScreenPara(Data_Global& store, CardSize card, std::span<const uint8_t, 5> layout,
+bool storeScreenPara(RegisterImages& images, CardSize card, std::span<const uint8_t, 5> layout,
                      const char* caller) {
   std::array<uint8_t, screenpara::kStored> bytes{1, 0x55};
   putLe16(bytes, screenpara::kCardSizeAt, card.width);
   putLe16(bytes, screenpara::kCardSizeAt + 2, card.height);
   std::copy(layout.begin(), layout.end(), bytes.begin() + screenpara::kLayoutAt);
-  store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
+  putBytes(images, images.ScreenParaReg, 0, bytes);
+  images.loadFailures.screen = false;  // nothing of them is left to be loaded
   return writeFlash(flash::kScreenPara, bytes, {caller, "write 02100001 to flash failed. driverRet = "}) == 0;
-}
-
-int readScreenPara(Data_Global& store) {
-  std::array<uint8_t, screenpara::kStored> bytes{};
-  const int ret = readFlash(flash::kScreenPara, bytes);
-  if (ret == 0) store.ScreenParaReg.put<0>(std::span<const uint8_t, screenpara::kStored>(bytes));
-  return ret;
 }
 
 void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
@@ -95,43 +104,48 @@ void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
                        << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
 }
 
-void writeCardCounts(const std::array<uint32_t, kMappedPorts>& counts, const char* caller) {
-  for (unsigned int port = 0; port < kMappedPorts; ++port) {
+void writeCardCounts(const RegisterImages& images, const std::array<uint32_t, kMappedPorts>& counts,
+                     const char* caller) {
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
     const uint16_t count = low16(counts[port]);
     const uint32_t at = cardCountOnFpga(port);
-    VsPartPara.putLe16(cardCountAt(port), count);
-    std::array<uint8_t, 2> bytes{};
-    putLe16(bytes, 0, count);
-    const int low = writeFpga(at, std::span(bytes).first(1));
-    const int high = writeFpga(at + 1, std::span(bytes).last(1));
+    bool written = true;
+    for (uint32_t i = 0; i < 2; ++i) {
+      const auto byte = static_cast<uint8_t>(count >> 8 * i);
+      written = writeThrough(images, VsPartPara, cardCountAt(port) + i, at + i, {&byte, 1}) == 0 && written;
+    }
     PARLEND_TRACE(kInfo) << "Weite CardNumEachPort " << port << " : addr" << CTrace::hex << at
                          << " Para: " << count;
-    if (low != 0 || high != 0)
+    if (!written)
       PARLEND_TRACE(kError) << "=== " << caller << " ===the card count of port " << port
                             << " was not written.";
   }
 }
 
-int writePortTable(unsigned int port) {
-  if (port >= kMappedPorts) return -1;
-  const auto table = portTable(port);
-  int result = 0;
-  for (uint32_t at = 0; at < kPortTableSize; at += kBlock) {
-    const int ret = writeFpga(portTableOnFpga(port) + at, std::span(table).subspan(at, kBlock));
-    if (result == 0) result = ret;
-  }
-  return result;
+int writePortTable(const RegisterImages& images, unsigned port,
+                   std::span<const uint8_t, kPortTableSize> table) {
+  return inBlocks(port, [&](uint32_t at) {
+    return writeThrough(images, PortsTopoPara, portTableAt(port) + at, portTableOnFpga(port) + at,
+                        table.subspan(at, kBlock));
+  });
 }
 
-void updatePortTable(unsigned int port, const CardChain& chain) {
-  auto table = portTable(port);
+int rewritePortTable(const RegisterImages& images, unsigned port) {
+  return inBlocks(port, [&](uint32_t at) {
+    return writeImage(images, PortsTopoPara, portTableAt(port) + at, kBlock, portTableOnFpga(port) + at);
+  });
+}
+
+std::array<uint8_t, kPortTableSize> portTableOf(const RegisterImages& images, unsigned port,
+                                                const CardChain& chain) {
+  std::array<uint8_t, kPortTableSize> table{};
+  snapshot(images, PortsTopoPara, portTableAt(port), table);
   fillPortTable(chain, table);
-  setPortTable(port, table);
+  return table;
 }
 
-void writeAndSaveFeature(Data_Global& store, const char* caller) {
-  const auto bytes = store.SendParameterReg.part<fpga::kFeatureFirst, fpga::kFeatureMappingLength>();
-  writeFpga(fpga::kFeatureFirst, bytes, caller);
+void writeAndSaveFeature(Data_Global& store, const FeatureDraft& draft, const char* caller) {
+  putFeature(store, draft, fpga::kFeatureFirst, fpga::kFeatureMappingLength, caller);
   store.SaveParaToFlash(1);
 }
 

@@ -9,11 +9,13 @@
 
 namespace ORVE_MCUC {
 
-inline constinit ByteImage<1024> ParaTable;          // the first 512 bytes are saved in flash
+inline constinit ByteImage<1024> ParaTable;          // the first kGlobalParaSize bytes are saved in flash
 inline constinit ByteImage<1024> AdvCfgParaTable;    // advanced configuration, 10 bytes a port
 inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced connection modes of ports 1..16
 inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
 inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
+
+inline constexpr std::size_t kGlobalParaSize = 512;
 
 // Byte 2 of the character table: master/backup of the configuration being calculated.
 inline constexpr std::size_t kTempRoleAt = 2;

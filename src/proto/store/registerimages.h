@@ -1,15 +1,103 @@
-// Images of the register spaces that FPGA and flash hold. Owner: the store. Any thread reads single bytes;
-// what an image and the FPGA must agree on changes under the image lock.
+// Images of the register spaces that FPGA and flash hold, and the ways in which they change together with the
+// FPGA. Owner: the store. Any thread reads single bytes; whatever an image and the FPGA must agree on changes
+// under the image lock, which is held for one bus access and never over flash, shell, cards, sends or pauses.
 #pragma once
 
+#include <bitset>
+#include <cstdint>
+#include <span>
+
 #include "mcucdatablock.h"
+#include "mcucmutex.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
+
+// Parts of the images that flash could not give; what was never loaded is never saved.
+struct LoadFailures {
+  RelaxedValue<bool> feature;
+  RelaxedValue<bool> global;
+  RelaxedValue<bool> globalLoaded;  // loaded once: peers set it, and no later restore takes it back
+  RelaxedValue<bool> number;
+  RelaxedValue<bool> screen;
+  RelaxedValue<uint16_t> portTables;  // bit p: table of port p
+};
 
 struct RegisterImages {
   ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
   ByteImage<392> ScreenParaReg;         // screen information
   ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
+  LoadFailures loadFailures;            // under the configuration lock
+  // Also for the images beside the store: PortsTopoPara, VsPartPara, ParaTable.
+  mutable CMutexThread imageLock;
 };
+
+// New values of the feature image, composed aside and put in at once.
+class FeatureDraft {
+ public:
+  void put(std::size_t at, uint8_t value) {
+    bytes_.at(at) = value;
+    taken_.set(at);
+  }
+  void putLe16(std::size_t at, uint16_t value) {
+    put(at, static_cast<uint8_t>(value));
+    put(at + 1, static_cast<uint8_t>(value >> 8));
+  }
+  // Only what was put; the rest stays.
+  void applyTo(std::span<uint8_t, 512> image) const;
+  void applyTo(ByteImage<512>& image) const;
+
+ private:
+  std::array<uint8_t, 512> bytes_{};
+  std::bitset<512> taken_;
+};
+
+// A draft into the image; with a block, that block of the image to the FPGA as well.
+void putFeature(RegisterImages& images, const FeatureDraft& draft);
+int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
+               FailureWords words);
+
+// Bytes into an image and to the FPGA. -1, and nothing done, when they do not lie inside the image, else
+// DriverUtil's result.
+template <std::size_t N>
+int writeThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
+                 std::span<const uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.copyFrom(bytes, at) ? writeFpga(fpgaRegister, bytes) : -1;
+}
+
+// A part of an image to the FPGA, as it is; at most 1024 bytes. The same results.
+template <std::size_t N>
+int writeImage(const RegisterImages& images, const ByteImage<N>& image, std::size_t at, std::size_t length,
+               uint32_t fpgaRegister) {
+  std::array<uint8_t, 1024> room{};
+  if (length > room.size()) return -1;
+  const auto bytes = std::span(room).first(length);
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.copyTo(bytes, at) ? writeFpga(fpgaRegister, bytes) : -1;
+}
+
+// Registers of the FPGA into an image, which keeps its bytes when they cannot be read. The same results.
+template <std::size_t N>
+int readThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
+                std::span<uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  if (const int ret = readFpga(fpgaRegister, bytes)) return ret;
+  return image.copyFrom(bytes, at) ? 0 : -1;
+}
+
+// Bytes into an image, and a part of an image as it is at one moment.
+template <std::size_t N>
+bool putBytes(const RegisterImages& images, ByteImage<N>& image, std::size_t at,
+              std::span<const uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.copyFrom(bytes, at);
+}
+template <std::size_t N>
+bool snapshot(const RegisterImages& images, const ByteImage<N>& image, std::size_t at,
+              std::span<uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.copyTo(bytes, at);
+}
 
 }  // namespace ORVE_MCUC

@@ -4,7 +4,6 @@
 
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
-#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -47,7 +46,8 @@ void applySignedOffsets(const ByteImage<512>& image) {
 
 }  // namespace
 
-void applyScreenOffset(const ByteImage<512>& image) {
+void applyScreenOffset(RegisterImages& images) {
+  const ByteImage<512>& image = images.SendParameterReg;
   const uint8_t mode = image[fpga::kOffsetMode];
   PARLEND_TRACE(kInfo) << "###################### ModePara Anly SendParameterReg[208]" << mode;
   if (mode == kSignedOffsets) {
@@ -58,7 +58,7 @@ void applyScreenOffset(const ByteImage<512>& image) {
   if (mode == kNoOffsets) return;
   writeWord(fpga::kScreenDirectionX, 0);
   writeWord(fpga::kScreenDirectionY, 0);
-  writeFpga(fpga::kScreenOffsetX, image.part<fpga::kScreenOffsetX, 4>(), kCaller);
+  putFeature(images, {}, fpga::kScreenOffsetX, 4, kCaller);
 }
 
 }  // namespace ORVE_MCUC

@@ -17,20 +17,18 @@ void logTold(const StatusWords& words) {
   PARLEND_TRACE(kInfo) << words.finish;
 }
 
-bool readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
-  bool complete = true;
-  for (const StatusBlock& block : blocks) {
+StatusReading readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
+  StatusReading reading{now};
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
     std::array<uint8_t, kLongestBlock> room{};
-    if (block.length > now.size() || block.length > room.size()) return false;
-    const auto bytes = std::span(room).first(block.length);
-    if (readFpga(block.fpgaRegister, bytes) == 0) {
+    const auto bytes = std::span(room).first(blocks[i].length);
+    if (readFpga(blocks[i].fpgaRegister, bytes) == 0) {
       std::ranges::copy(bytes, now.begin());
-    } else {
-      complete = false;
+      reading.blocksRead |= 1U << i;
     }
-    now = now.subspan(block.length);
+    now = now.subspan(blocks[i].length);
   }
-  return complete;
+  return reading;
 }
 
 }  // namespace ORVE_MCUC

@@ -28,15 +28,23 @@ struct StatusWords {
 void logChange(const StatusWords& words, std::span<const uint8_t> now);
 void logTold(const StatusWords& words);
 
-// Reads the blocks one behind the other into now. What cannot be read keeps the value that now has, so that
-// it is no change. Whether everything was read.
-bool readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now);
+// What a check has read, its blocks one behind the other. A block that could not be read has the value of the
+// last time, so that it is no change.
+struct StatusReading {
+  std::span<const uint8_t> bytes;
+  uint32_t blocksRead = 0;  // bit i: block i
+
+  bool hasRead(std::size_t block) const { return (blocksRead >> block & 1) != 0; }
+};
+
+// Reads the blocks into now, which holds the values of the last time.
+StatusReading readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now);
 
 // What tells of a change, between its two lines.
 template <class Tell>
 auto framed(const StatusWords& words, Tell tell) {
-  return [&words, tell](std::span<const uint8_t> now) {
-    logChange(words, now);
+  return [&words, tell](const StatusReading& now) {
+    logChange(words, now.bytes);
     tell(now);
     logTold(words);
   };
@@ -44,20 +52,20 @@ auto framed(const StatusWords& words, Tell tell) {
 
 // Calls tell(now) when now is not what it was last, and then remembers it.
 template <std::size_t N, class Tell>
-void compareStatus(ByteImage<N>& last, std::span<const uint8_t, N> now, Tell tell) {
+void compareStatus(ByteImage<N>& last, const StatusReading& now, Tell tell) {
   const auto was = last.bytes();
-  if (std::equal(was.begin(), was.end(), now.begin())) return;
-  tell(std::span<const uint8_t>(now));
-  last.template put<0>(now);
+  if (std::equal(was.begin(), was.end(), now.bytes.begin())) return;
+  tell(now);
+  last.template put<0>(now.bytes.template first<N>());
 }
 
 // The same for registers. Whether all of them were read.
-template <std::size_t N, class Tell>
-bool checkStatus(ByteImage<N>& last, std::span<const StatusBlock> blocks, Tell tell) {
+template <std::size_t N, std::size_t Blocks, class Tell>
+bool checkStatus(ByteImage<N>& last, const StatusBlock (&blocks)[Blocks], Tell tell) {
   auto now = last.bytes();
-  const bool complete = readStatus(blocks, now);
-  compareStatus(last, std::span<const uint8_t, N>(now), tell);
-  return complete;
+  const StatusReading reading = readStatus(blocks, now);
+  compareStatus(last, reading, tell);
+  return reading.blocksRead == (1U << Blocks) - 1;
 }
 
 }  // namespace ORVE_MCUC

@@ -1,0 +1,36 @@
+#include "proto/store/registerimages.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+template <class Image>
+void applyBytes(const std::array<uint8_t, 512>& bytes, const std::bitset<512>& taken, Image&& image) {
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    if (taken[at]) image[at] = bytes[at];
+  }
+}
+
+}  // namespace
+
+void FeatureDraft::applyTo(std::span<uint8_t, 512> image) const {
+  applyBytes(bytes_, taken_, image);
+}
+void FeatureDraft::applyTo(ByteImage<512>& image) const {
+  applyBytes(bytes_, taken_, image);
+}
+
+void putFeature(RegisterImages& images, const FeatureDraft& draft) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  draft.applyTo(images.SendParameterReg);
+}
+
+int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
+               FailureWords words) {
+  std::array<uint8_t, 512> block{};
+  const auto bytes = std::span(block).first(std::min(length, block.size()));
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  draft.applyTo(images.SendParameterReg);
+  return images.SendParameterReg.copyTo(bytes, first) ? writeFpga(first, bytes, words) : -1;
+}
+
+}  // namespace ORVE_MCUC

@@ -114,3 +114,8 @@ int apipc_send(uint32_t task, const void* buffer, unsigned int length) {
 int apipc_connect_chk_task_by_taskid(uint32_t task) {
   return desk().connections.contains(task) ? 0 : -1;
 }
+
+uint64_t apipc_connection_number(uint32_t task) {
+  const auto connection = desk().connections.find(task);
+  return connection == desk().connections.end() ? 0 : connection->second;
+}

@@ -62,6 +62,24 @@ class DriverUtil {
   int SendCardPara(unsigned int RegStartAddr, unsigned char PortAddr, unsigned short BoardAddr,
                    unsigned short Num, const unsigned char* ParaPtr, unsigned char DevType);
 
+  // Files of receiving-card configurations. An index below 32 is the number of a file in their directory,
+  // with any other one name is the full path of a file. Only regular files are touched, and no links are
+  // followed.
+  static constexpr char kCabCfgDirectory[] = "/usr/orve/etc/lsd/cabCfg/";
+  static constexpr char kCabCfgIndex[] = "/usr/orve/etc/lsd/cabCfg/AllCabCfgFileName";
+  static constexpr int kByName = 255;
+  // Stores bytes at an offset, durably. 0, or 1 with the chunk lost.
+  int WriteRvFileToFalsh(const char* name, int index, unsigned int offset, const unsigned char* data,
+                         unsigned short length);
+  // 0, whether there was such a file or not; -1 when it cannot be examined.
+  int RemoveRvFile(const char* name, int index);
+  // The numbers first..end - 1 of the directory. 0.
+  int RemoveOtherRvFile(int first, int end);
+  // Plays a file to the receiving cards, which takes at least 15 ms an item. mayGoOn is asked before each
+  // write and every 100 ms of a pause; no playback outlasts ten minutes. 0, also without such a file; -1 when
+  // something was not sent.
+  int LoadRvCfgToRecvCard(unsigned int index, bool (*mayGoOn)() = nullptr);
+
   // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6
   // weekday 1..7 (Sunday 1); 0 for any other field.
   unsigned char ReadTime(unsigned char field);

@@ -27,14 +27,4 @@ LogSection::~LogSection() {
   if (!m_abandoned) logAt(m_place, kInfo, m_words.finish, m_words.what, m_words.rest);
 }
 
-int logFailure(const WorkWords& words, int result, LogPlace place) {
-  if (result != 0) logAt(place, words.failedLevel, words.failed, result);
-  return result;
-}
-
-int logFailure(std::string_view failed, int result, LogPlace place) {
-  if (result != 0) logAt(place, kError, failed, result);
-  return result;
-}
-
 }  // namespace ORVE_MCUC

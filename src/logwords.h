@@ -20,13 +20,6 @@ struct SectionWords {
   std::string_view rest = {};
 };
 
-// What an operation says of its work: the lines around it, and the error line that its failure begins.
-struct WorkWords {
-  SectionWords section{};
-  std::string_view failed;  // "=== SaveX ===Save x to flash failed. ret = "
-  Level failedLevel = kError;
-};
-
 // Where a line says it comes from. As a default argument it is the caller's place.
 struct LogPlace {
   const char* file;
@@ -53,9 +46,5 @@ class LogSection {
   const LogPlace m_place;
   bool m_abandoned = false;
 };
-
-// One line that says what failed, then the result; nothing for the result 0. Returns the result.
-int logFailure(const WorkWords& words, int result, LogPlace place = {__builtin_FILE(), __builtin_LINE()});
-int logFailure(std::string_view failed, int result, LogPlace place = {__builtin_FILE(), __builtin_LINE()});
 
 }  // namespace ORVE_MCUC

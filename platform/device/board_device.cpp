@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include "platform/apipc.h"
@@ -36,8 +37,9 @@ int board_path(const char* device_path, char* path, size_t size) {
   return 0;
 }
 
+// The daemon's standard output is the place of its log lines, and may be one that nobody reads.
 int board_shell(const char* command) {
-  return exitStatus(std::system(command));
+  return exitStatus(std::system((std::string("exec >/dev/null; ") + command).c_str()));
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {
@@ -65,6 +67,10 @@ void board_clock(struct timespec* now) {
 int board_clock_set(time_t seconds) {
   const timeval time{seconds, 0};
   return settimeofday(&time, nullptr);
+}
+
+uint64_t apipc_connection_number(uint32_t task) {
+  return apipc_connect_chk_task_by_taskid(task) == -1 ? 0 : 1;
 }
 
 void apipc_que_wait(int timeout_ms) {

@@ -14,7 +14,7 @@ namespace {
 
 using simboard::MessageService;
 
-constexpr std::chrono::milliseconds kPauseWithoutService{200};
+constexpr std::chrono::milliseconds kPauseWithoutService{50};
 
 // Never destroyed: at exit the daemon's threads are still inside. Set before they start.
 std::unique_ptr<MessageService>& service() {
@@ -88,5 +88,9 @@ int apipc_send(uint32_t task, const void* buffer, unsigned int length) {
 }
 
 int apipc_connect_chk_task_by_taskid(uint32_t task) {
-  return service() && service()->connected(task) ? 0 : -1;
+  return apipc_connection_number(task) == 0 ? -1 : 0;
+}
+
+uint64_t apipc_connection_number(uint32_t task) {
+  return service() ? service()->connection(task) : 0;
 }

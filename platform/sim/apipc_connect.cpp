@@ -30,14 +30,13 @@ void MessageService::acceptOne() {
     admit(std::move(accepted.socket));
   } else if (accepted.arrival == Arrival::NoMeans) {
     unwatch(listener_.get());
-    listenAgainAt_ = std::chrono::steady_clock::now() + kPauseWithoutMeans;
+    listenAgainAt_ = boardTime() + kPauseWithoutMeans;
   }
 }
 
 void MessageService::admit(FileDescriptor socket) {
   if (peers_.all().size() >= kMaxPeers) return;
-  auto peer = std::make_shared<Peer>(std::move(socket), std::make_shared<Load>(kMaxWaitingOfOne),
-                                     std::chrono::steady_clock::now() + kGreetingTime);
+  auto peer = std::make_shared<Peer>(std::move(socket), outgoing_, boardTime() + kGreetingTime);
   if (!watch(peer->fd(), peer.get())) return;
   ++nameless_;
   peers_.add(std::move(peer));
@@ -50,8 +49,26 @@ void MessageService::greet(Peer& peer) {
   const uint32_t task = (self_ & ~kServiceCode) | (readLe32(name) & kServiceCode);
   if (length != static_cast<ssize_t>(name.size()) || task == self_ || !peers_.welcome(peer, task))
     return remove(peer);
+  peer.lane = laneOf(task);
   peer.greeted = true;
   --nameless_;
+  if (hasPredecessor(peer)) stopReading(peer);
+}
+
+// An earlier connection of the same task that has hung up and is not read to its end: what it sent comes
+// first.
+bool MessageService::hasPredecessor(const Peer& peer) const {
+  return std::any_of(peers_.all().begin(), peers_.all().end(), [&](const auto& other) {
+    return other->greeted && other->task == peer.task && other->number < peer.number;
+  });
+}
+
+// Who comes back while messages of an earlier connection wait goes on behind them.
+std::shared_ptr<Lane> MessageService::laneOf(uint32_t task) {
+  std::erase_if(lanes_, [](const auto& entry) { return entry.second.expired(); });
+  auto lane = lanes_[task].lock();
+  if (!lane) lanes_[task] = lane = std::make_shared<Lane>(kMaxWaitingOfOne);
+  return lane;
 }
 
 void MessageService::remove(Peer& peer) {
@@ -60,6 +77,7 @@ void MessageService::remove(Peer& peer) {
   peer.stopped = false;
   peer.shutDown();
   peers_.remove(peer);
+  sweepDue_ = sweepDue_ || anyStopped_.load();  // somebody may have waited for its end
 }
 
 namespace {

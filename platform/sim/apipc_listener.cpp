@@ -15,7 +15,7 @@ namespace simboard {
 namespace {
 
 constexpr int kBacklog = 128;
-constexpr int kSendBuffer = 1 << 20;  // the system may grant less; a few of the longest packets always fit
+constexpr int kSendBuffer = 1 << 18;  // the system may grant less; a few of the longest packets always fit
 
 /** A socket address has room for about a hundred characters; a longer path is reached through its directory's
  * descriptor. */

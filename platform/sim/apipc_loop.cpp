@@ -12,7 +12,6 @@ namespace simboard {
 namespace {
 
 constexpr int kEvents = 16;
-constexpr uint32_t kMaxWaiting = 16 << 20;
 
 }  // namespace
 
@@ -21,9 +20,9 @@ MessageService::MessageService(const std::string& path, uint32_t self)
       epoll_(::epoll_create1(EPOLL_CLOEXEC)),
       signal_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
       listener_(openListener(path)),
-      load_(kMaxWaiting) {
+      load_(kMostOfFloods) {
   ready_ = epoll_ && signal_ && listener_ && batch_.usable() && watch(signal_.get(), &signal_) &&
-           watch(listener_.get(), &listener_);
+           watch(listener_.get(), &listener_) && watch(outgoing_.fd(), &outgoing_);
 }
 
 int MessageService::wait(void* context, apipc_recv_cb callback) {
@@ -32,7 +31,7 @@ int MessageService::wait(void* context, apipc_recv_cb callback) {
   while (!closed()) {
     const int count = ::epoll_wait(epoll_.get(), events.data(), kEvents, pauseMs());
     for (int i = 0; i < count; ++i) handleEvent(events[static_cast<std::size_t>(i)].data.ptr, receiver);
-    if (sweepDue_) sweep();
+    while (sweepDue_) sweep();
     if (nextDeadline() != kNever) handleDeadlines();
   }
   turnEverybodyOut();
@@ -52,10 +51,23 @@ void MessageService::handleEvent(void* tag, const Receiver& receiver) {
     sweepDue_ = true;
   } else if (tag == &listener_) {
     acceptOne();
+  } else if (tag == &outgoing_) {
+    flushOutgoing();
   } else if (auto& peer = *static_cast<Peer*>(tag); peer.greeted) {
     readFrom(peer, receiver);
   } else {
     greet(peer);
+  }
+}
+
+void MessageService::flushOutgoing() {
+  std::array<epoll_event, kEvents> ready{};
+  const int count = ::epoll_wait(outgoing_.fd(), ready.data(), kEvents, 0);
+  for (int i = 0; i < count; ++i) {
+    auto& peer = *static_cast<Peer*>(ready[static_cast<std::size_t>(i)].data.ptr);
+    if (peer.outgoing().flush()) continue;
+    peer.shutDown();
+    sweepDue_ = true;
   }
 }
 
@@ -81,12 +93,12 @@ SteadyTime MessageService::nextDeadline() const {
 int MessageService::pauseMs() const {
   const SteadyTime next = nextDeadline();
   if (next == kNever) return -1;
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - std::chrono::steady_clock::now());
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - boardTime());
   return static_cast<int>(std::max<int64_t>(left.count(), 0));
 }
 
 void MessageService::handleDeadlines() {
-  const SteadyTime now = std::chrono::steady_clock::now();
+  const SteadyTime now = boardTime();
   closeSilentPeers(now);
   drops_.tellDue(now);
   if (listenAgainAt_ <= now) {

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,6 +14,7 @@
 #include "apipc_fd.h"
 #include "apipc_listener.h"
 #include "apipc_load.h"
+#include "apipc_outgoing.h"
 #include "apipc_packet.h"
 #include "apipc_peer.h"
 #include "apipc_queue.h"
@@ -22,6 +24,8 @@ namespace simboard {
 
 class MessageService {
  public:
+  static constexpr uint32_t kMostOfFloods = 12 << 20;
+
   /** Listens at the path under the task identifier `self`; its top byte is the card bit of all peers. */
   MessageService(const std::string& path, uint32_t self);
 
@@ -39,7 +43,8 @@ class MessageService {
 
   // Of any thread.
   bool send(uint32_t task, std::span<const unsigned char> packet);
-  bool connected(uint32_t task) const;
+  /** The number of that task's connection, given once in the life of the process; 0: it has none. */
+  uint64_t connection(uint32_t task) const;
   void timeMoved() const { signal(); }
   void close();
 
@@ -52,6 +57,7 @@ class MessageService {
   // The waiting thread's turn.
   void handleEvent(void* tag, const Receiver& receiver);
   void sweep();
+  void flushOutgoing();
   void turnEverybodyOut();
   SteadyTime nextDeadline() const;
   int pauseMs() const;
@@ -64,6 +70,7 @@ class MessageService {
   void admit(FileDescriptor socket);
   void greet(Peer& peer);
   void remove(Peer& peer);
+  std::shared_ptr<Lane> laneOf(uint32_t task);
   SteadyTime greetingDeadline() const;
   void closeSilentPeers(SteadyTime now);
 
@@ -72,6 +79,7 @@ class MessageService {
   void takePacket(Peer& peer, int index, const Receiver& receiver);
   unsigned int packetsThatFit(const Peer& peer) const;
   bool mayResume(const Peer& peer) const;
+  bool hasPredecessor(const Peer& peer) const;
   void stopReading(Peer& peer);
   void resumeReading(Peer& peer);
 
@@ -84,7 +92,9 @@ class MessageService {
   bool ready_ = false;
   std::atomic<bool> closed_{false};
 
+  OutgoingRoom outgoing_;
   PeerDirectory peers_;
+  std::map<uint32_t, std::weak_ptr<Lane>> lanes_;
   std::size_t nameless_ = 0;  // connections that have not said who they are
   SteadyTime listenAgainAt_ = kNever;
   bool sweepDue_ = false;

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "board_error.h"
+#include "platform/board.h"
 
 namespace simboard {
 namespace {
@@ -16,6 +17,10 @@ std::string hexWord(uint32_t value) {
   char text[11];
   std::snprintf(text, sizeof text, "0x%08" PRIx32, value);
   return text;
+}
+
+SteadyTime boardTime() {
+  return SteadyTime(std::chrono::microseconds(board_monotonic_us()));
 }
 
 uint32_t readLe32(std::span<const unsigned char> bytes) {

@@ -12,7 +12,9 @@
 
 namespace simboard {
 
-using SteadyTime = std::chrono::steady_clock::time_point;
+/** The board's time, which a test may move. */
+using SteadyTime = std::chrono::time_point<std::chrono::steady_clock, std::chrono::microseconds>;
+SteadyTime boardTime();
 inline constexpr SteadyTime kNever = SteadyTime::max();
 
 inline constexpr std::size_t kHeadSize = 28;

@@ -4,44 +4,13 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <ctime>
+#include <atomic>
 #include <utility>
-
-using simboard::SendResult;
-using std::chrono::steady_clock;
-
-SendResult __apsess_st::send(std::span<const unsigned char> packet) {
-  for (bool waited = false;; waited = true) {
-    ssize_t sent = 0;
-    do {
-      sent = ::send(fd(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    } while (sent < 0 && errno == EINTR);
-    if (sent >= 0) {
-      if (!waited) patienceUs_.store(kPatienceUs, std::memory_order_relaxed);
-      return SendResult::Sent;
-    }
-    if (errno != EAGAIN) return SendResult::Failed;
-    if (patienceUs_.load() <= 0) return SendResult::TooSlow;
-    awaitRoom();
-  }
-}
-
-// Uses up patience. It grows back only when a packet finds room at once, so a peer that reads a little now
-// and then does not cost its 50 ms again for every packet.
-void __apsess_st::awaitRoom() {
-  const int32_t left = std::max(patienceUs_.load(), 0);
-  pollfd room{fd(), POLLOUT, 0};
-  const auto begin = steady_clock::now();
-  const int ready = ::poll(&room, 1, (left + 999) / 1000);
-  const auto spent =
-      std::chrono::duration_cast<std::chrono::microseconds>(steady_clock::now() - begin).count();
-  patienceUs_.fetch_sub(ready == 0 ? left : static_cast<int32_t>(std::min<int64_t>(spent, left)));
-}
 
 void __apsess_st::shutDown() {
   closed_.store(true, std::memory_order_release);
   ::shutdown(fd(), SHUT_RDWR);
+  outgoing_.close();
 }
 
 bool __apsess_st::hungUp() const {
@@ -50,6 +19,15 @@ bool __apsess_st::hungUp() const {
 }
 
 namespace simboard {
+namespace {
+
+// Of the process, not of a service: a service may follow on another.
+uint64_t nextNumber() {
+  static std::atomic<uint64_t> given{0};
+  return ++given;
+}
+
+}  // namespace
 
 void PeerDirectory::add(std::shared_ptr<Peer> peer) {
   const std::lock_guard guard(lock_);
@@ -69,8 +47,9 @@ bool PeerDirectory::welcome(Peer& peer, uint32_t task) {
     holder->reachable = false;
   }
   const auto answer = toLe32(task);
-  if (peer.send(answer) != SendResult::Sent) return false;
+  if (peer.outgoing().send(answer) != SendResult::Sent) return false;
   peer.task = task;
+  peer.number = nextNumber();
   peer.reachable = true;
   return true;
 }

@@ -8,37 +8,27 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <span>
 #include <vector>
 
 #include "apipc_fd.h"
-#include "apipc_load.h"
+#include "apipc_outgoing.h"
 #include "apipc_packet.h"
 #include "platform/apipc.h"
-
-namespace simboard {
-
-enum class SendResult { Sent, Failed, TooSlow };
-
-}  // namespace simboard
 
 /* A connection. Its socket stays open as long as somebody holds the record; closed() says whether it still
  * counts. */
 struct __apsess_st {
  public:
-  __apsess_st(simboard::FileDescriptor socket, std::shared_ptr<simboard::Load> share,
-              simboard::SteadyTime nameBy)
-      : socket_(std::move(socket)), share_(std::move(share)), nameBy_(nameBy) {}
+  __apsess_st(simboard::FileDescriptor socket, simboard::OutgoingRoom& room, simboard::SteadyTime nameBy)
+      : socket_(std::move(socket)), nameBy_(nameBy), outgoing_(socket_.get(), room, this) {}
 
   int fd() const { return socket_.get(); }
-  const std::shared_ptr<simboard::Load>& share() const { return share_; }
 
   /** When a connection that has not said who it is is closed. */
   simboard::SteadyTime nameBy() const { return nameBy_; }
 
-  /** One packet, at once if the peer's socket takes it. TooSlow: it did not within what is left of the
-   * patience. */
-  simboard::SendResult send(std::span<const unsigned char> packet);
+  /** What it is sent. */
+  simboard::Outgoing& outgoing() { return outgoing_; }
 
   /** Ends the connection for both sides. Any thread. */
   void shutDown();
@@ -48,23 +38,20 @@ struct __apsess_st {
   bool hungUp() const;
 
   // Of the waiting thread.
-  bool greeted = false;  // it has said who it is
-  bool stopped = false;  // it is not read from until there is room
+  bool greeted = false;                  // it has said who it is
+  bool stopped = false;                  // it is not read from until there is room
+  std::shared_ptr<simboard::Lane> lane;  // what it sends; once it has said who it is
 
   // Written by the waiting thread under the directory's lock, read by others under that lock.
   uint32_t task = 0;
+  uint64_t number = 0;
   bool reachable = false;
 
  private:
-  void awaitRoom();
-
   const simboard::FileDescriptor socket_;
-  const std::shared_ptr<simboard::Load> share_;
   const simboard::SteadyTime nameBy_;
   std::atomic<bool> closed_{false};
-  std::atomic<int32_t> patienceUs_{kPatienceUs};
-
-  static constexpr int32_t kPatienceUs = 50000;
+  simboard::Outgoing outgoing_;
 };
 
 namespace simboard {

@@ -40,10 +40,10 @@ Message* reversed(Message* list) {
 
 }  // namespace
 
-Message* makeMessage(std::shared_ptr<Load> share, std::span<const unsigned char> bytes) {
+Message* makeMessage(std::shared_ptr<Lane> lane, std::span<const unsigned char> bytes) {
   void* const memory = std::malloc(sizeof(Message) + bytes.size());
   if (!memory) return nullptr;
-  auto* const message = new (memory) Message{nullptr, std::move(share), static_cast<uint32_t>(bytes.size())};
+  auto* const message = new (memory) Message{nullptr, std::move(lane), static_cast<uint32_t>(bytes.size())};
   std::memcpy(message->contents(), bytes.data(), bytes.size());
   return message;
 }
@@ -66,14 +66,37 @@ void MessageQueue::push(Message* message) {
   if (sleeping_.load() != 0 && sleeping_.exchange(0) != 0) wakeSleeper(sleeping_);
 }
 
+void MessageQueue::waitForTurn(Lane* lane) {
+  lane->next = nullptr;
+  (turn_ ? lastTurn_->next : turn_) = lane;
+  lastTurn_ = lane;
+}
+
+void MessageQueue::sortArrivals() {
+  if (!arrived_.load(std::memory_order_relaxed)) return;
+  for (Message* message = reversed(arrived_.exchange(nullptr)); message;) {
+    Message* const following = std::exchange(message->next, nullptr);
+    Lane* const lane = message->lane.get();
+    const bool waits = lane->first != nullptr;
+    (waits ? lane->last->next : lane->first) = message;
+    lane->last = message;
+    if (!waits) waitForTurn(lane);
+    message = following;
+  }
+}
+
+// A message that has been taken may be the last to hold its lane.
 Message* MessageQueue::pop() {
-  if (!inOrder_ && arrived_.load(std::memory_order_relaxed)) inOrder_ = reversed(arrived_.exchange(nullptr));
-  if (!inOrder_) return nullptr;
-  return std::exchange(inOrder_, inOrder_->next);
+  sortArrivals();
+  if (!turn_) return nullptr;
+  Lane* const lane = std::exchange(turn_, turn_->next);
+  Message* const message = std::exchange(lane->first, lane->first->next);
+  if (lane->first) waitForTurn(lane);
+  return message;
 }
 
 void MessageQueue::wait(int timeoutMs) {
-  if (inOrder_ || timeoutMs <= 0) return;
+  if (turn_ || timeoutMs <= 0) return;
   sleeping_.store(1);
   if (!arrived_.load()) sleepWhileOne(sleeping_, timeoutMs);
   sleeping_.store(0, std::memory_order_relaxed);

@@ -14,6 +14,11 @@ static_assert(kEnoughRoom >= kHeaviest * PacketBatch::kCapacity);
 
 constexpr uint32_t kFlood = 4 << 20;
 
+// What floods leave free of the room for all is for those of whom little waits.
+constexpr uint32_t kMostOfAll = 16 << 20;
+constexpr uint32_t kLight = 256 << 10;
+static_assert(MessageService::kMostOfFloods < kMostOfAll);
+
 }  // namespace
 
 void MessageService::readFrom(Peer& peer, const Receiver& receiver) {
@@ -33,10 +38,10 @@ void MessageService::takePacket(Peer& peer, int index, const Receiver& receiver)
   const std::size_t length = batch_.length(index);
   const auto bytes = batch_.bytes(index);
   if (const auto fault = packetFault(bytes, length, peer.task)) {
-    return drops_.add(peer.task, *fault, std::chrono::steady_clock::now());
+    return drops_.add(peer.task, *fault, boardTime());
   }
-  offered_ = makeMessage(peer.share(), bytes);
-  if (!offered_) return drops_.add(peer.task, "no memory", std::chrono::steady_clock::now());
+  offered_ = makeMessage(peer.lane, bytes);
+  if (!offered_) return drops_.add(peer.task, "no memory", boardTime());
   receiver.callback(&peer, receiver.context, offered_, static_cast<int>(length));
   if (Message* const refused = std::exchange(offered_, nullptr)) freeMessage(refused);
 }
@@ -45,7 +50,7 @@ bool MessageService::enqueue(Message* message) {
   if (!message || message != offered_) return false;
   offered_ = nullptr;
   const uint32_t weight = weightOf(message->length);
-  message->share->add(weight);
+  message->lane->add(weight);
   load_.add(weight);
   queue_.push(message);
   return true;
@@ -54,10 +59,10 @@ bool MessageService::enqueue(Message* message) {
 void MessageService::release(Message* message) {
   highestLoad_ = std::max(highestLoad_, load_.bytes());
   const uint32_t weight = weightOf(message->length);
-  const bool shareFreed = message->share->remove(weight);
+  const bool laneFreed = message->lane->remove(weight);
   const bool loadFreed = load_.remove(weight);
   freeMessage(message);
-  if ((shareFreed || loadFreed) && anyStopped_.load()) signal();
+  if ((laneFreed || loadFreed) && anyStopped_.load()) signal();
   if (highestLoad_ > kFlood && load_.bytes() == 0) {
     highestLoad_ = 0;
     ::malloc_trim(0);
@@ -65,12 +70,14 @@ void MessageService::release(Message* message) {
 }
 
 unsigned int MessageService::packetsThatFit(const Peer& peer) const {
-  const uint32_t packets = std::min(peer.share()->room(), load_.room()) / kHeaviest;
+  const bool light = peer.lane->bytes() <= kLight;
+  const uint32_t room = light ? kMostOfAll - std::min(load_.bytes(), kMostOfAll) : load_.room();
+  const uint32_t packets = std::min(peer.lane->room(), room) / kHeaviest;
   return std::min<uint32_t>(packets, PacketBatch::kCapacity);
 }
 
 bool MessageService::mayResume(const Peer& peer) const {
-  return peer.share()->comfortable() && load_.comfortable();
+  return !hasPredecessor(peer) && peer.lane->comfortable() && load_.comfortable();
 }
 
 // It is no longer watched at all: a peer that hangs up meanwhile would wake the thread again and again. The

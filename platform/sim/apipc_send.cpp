@@ -17,8 +17,8 @@ bool MessageService::send(uint32_t task, std::span<const unsigned char> packet) 
   const uint32_t receiver = namedInHead ? readLe32(packet) : task;
   const auto peer = peers_.find(receiver);
   if (!peer) return false;
-  const SendResult result = peer->send(packet);
-  if (result == SendResult::TooSlow) {
+  const SendResult result = peer->outgoing().send(packet);
+  if (result == SendResult::TooMuch) {
     peer->shutDown();
     signal();
     complain(Complaint::SlowPeer,
@@ -27,9 +27,9 @@ bool MessageService::send(uint32_t task, std::span<const unsigned char> packet) 
   return result == SendResult::Sent;
 }
 
-bool MessageService::connected(uint32_t task) const {
+uint64_t MessageService::connection(uint32_t task) const {
   const auto peer = peers_.find(task);
-  return peer && !peer->hungUp();
+  return peer && !peer->hungUp() ? peer->number : 0;
 }
 
 // The flag comes last: from then on the listener is the waiting thread's to close.

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -209,9 +208,7 @@ using namespace simboard;
 
 int board_shell(const char* command) {
   std::string output;
-  const int status = run(command, output);
-  std::fwrite(output.data(), 1, output.size(), stdout);
-  return status;
+  return run(command, output);
 }
 
 int board_shell_line(const char* command, char* line, size_t size) {

@@ -35,6 +35,7 @@ class ProgrammableNodes {
   explicit ProgrammableNodes(std::span<const uint8_t> mirror) : mirror_(mirror) {}
 
   int count() const;  // 1 to 32
+  // A node that the plan does not hold is for no port.
   ProgrammableNode operator[](int node) const;
   std::optional<NodeTime> time(int node) const;
 

@@ -159,7 +159,7 @@ NodeOutcome BrightnessSchedule::runProgrammableNode(const LocalMoment& now) {
   if (catchUp_) RtcIndex = CurrentTimeBelongToWhichNode(nodes, now);
   catchUp_ = false;
   NodeOutcome outcome;
-  if (RtcIndex >= 0 && RtcIndex < nodesOf(nodes.count())) outcome.ports = nodes[RtcIndex];
+  outcome.ports = nodes[RtcIndex];
   outcome.armed = InsertInterruptTimeToQueue(nodes, now);
   return outcome;
 }
@@ -182,7 +182,7 @@ NodeOutcome BrightnessSchedule::runMixedNode(std::span<const uint8_t> file, cons
   catchUp_ = false;
   NodeOutcome outcome;
   if (RtcIndex == kNoNode) return outcome;
-  const auto node = RtcIndex < nodesOf(nodes.count()) ? nodes[RtcIndex] : std::nullopt;
+  const auto node = nodes[RtcIndex];
   if (node && node->takesEffectOn(weekdayOfDate(now))) {
     if (node->ambient)
       enterAmbientSlot();

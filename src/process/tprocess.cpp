@@ -7,6 +7,7 @@
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -79,10 +80,8 @@ int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
 
 int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
   return handlePenetrate<DoBackupInfoKey>(lenth, data, [](const PenetrateInfo& info) {
-    const int ret = DriverUtil::getInstance()->PageProgram(0, flash::ofBackupInfo(info.Register), info.length,
-                                                           info.data.data());
-    if (ret != 0)
-      PARLEND_TRACE(kError) << "=== WriteToBackupInfo ===Write backup info to flash failed. ret = " << ret;
+    writeFlash(flash::ofBackupInfo(info.Register), info.data,
+               {"WriteToBackupInfo", "Write backup info to flash failed. ret = "});
     DriverUtil::getInstance()->runCommand("sync");
   });
 }

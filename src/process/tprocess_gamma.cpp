@@ -1,11 +1,11 @@
 // Gamma tables are stored segment by segment; the segment that ends a table makes it valid by a tag.
 #include <algorithm>
 
-#include "driverutil.h"
 #include "maps/gammamap.h"
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
+#include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -15,8 +15,7 @@ constexpr auto& kValidTag = Data_Global::IsNewFlashTag;
 // Writes into flash; a failure is logged under the name of what was written.
 void writeGamma(uint32_t address, std::span<const uint8_t> bytes, const char* depth, const char* colour,
                 const char* what) {
-  const int ret = DriverUtil::getInstance()->WriteDataToFlash(
-      address, static_cast<unsigned int>(bytes.size()), bytes.data());
+  const int ret = writeFlash(address, bytes);
   if (ret == 0) return;
   PARLEND_TRACE(kError) << "=== Write_" << depth << "_" << colour << "GammaInfo ===" << depth << "_" << colour
                         << what << " to flash failed. ret = " << ret;

@@ -90,7 +90,6 @@ int McuIMDThread::ipc_event_deal_th() {
   return kErrNoMessage;
 }
 
-// Waits for a message and handles it to the end. 0 also when there was none.
 int McuIMDThread::takeMessage() {
   apipc_msg_t message = nullptr;
   if (apipc_deq(&message) < 0) {

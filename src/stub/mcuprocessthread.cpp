@@ -4,11 +4,13 @@
 #include "mcuctrace.h"
 #include "results.h"
 #include "threadstart.h"
+#include "workending.h"
 
 namespace ORVE_MCUC {
 
 McuProcessThread::~McuProcessThread() {
   UnInit();
+  setWorkEnding(false);  // for the next queue's
 }
 
 int McuProcessThread::Init() {
@@ -23,6 +25,7 @@ int McuProcessThread::CreateThread() {
 }
 
 int McuProcessThread::Release() {
+  setWorkEnding(true);
   const Lock lock(m_processLstMenux);
   m_bExitMcuProcessThread = true;
   m_turn.notify_all();

@@ -6,6 +6,9 @@
 #include <memory>
 #include <span>
 
+#include "accessrequest.h"
+#include "output.h"
+#include "readback.h"
 #include "registernames.h"
 
 namespace parlctl {
@@ -17,61 +20,9 @@ using peer::Error;
 using peer::Failure;
 using peer::Frame;
 
-Frame target(const AccessArguments& arguments) {
-  Frame frame;
-  frame.deviceType = static_cast<uint8_t>(number(arguments.deviceType, 0xFF));
-  frame.port = static_cast<uint8_t>(number(arguments.port, 0xFF));
-  frame.board = static_cast<uint16_t>(number(arguments.card, 0xFFFF));
-  return frame;
-}
-
-Frame readRequest(const std::string& item, Frame frame) {
-  const std::size_t colon = item.find(':');
-  const uint32_t length = colon == std::string::npos ? 1 : number(item.substr(colon + 1), peer::kMaxData);
-  frame.code = peer::kRead;
-  frame.address = number(item.substr(0, colon));
-  frame.length = static_cast<uint16_t>(length);
-  return frame;
-}
-
-Frame writeRequest(const std::string& item, Frame frame) {
-  const std::size_t equals = item.find('=');
-  if (equals == std::string::npos || equals + 1 == item.size())
-    throw Error(Failure::Usage, "not ADDRESS=HEX: '" + item + "'");
-  frame.code = peer::kWrite;
-  frame.address = number(item.substr(0, equals));
-  frame.data = peer::fromHex(item.substr(equals + 1));
-  if (frame.data.size() > peer::kMaxData)
-    throw Error(Failure::Usage, "a write carries at most " + std::to_string(peer::kMaxData) + " bytes");
-  frame.length = static_cast<uint16_t>(frame.data.size());
-  return frame;
-}
-
-// All of the requests are understood before the first is sent.
-std::vector<Frame> requests(const AccessArguments& arguments, Frame (*parse)(const std::string&, Frame)) {
-  std::vector<Frame> frames;
-  for (const std::string& item : arguments.items) frames.push_back(parse(item, target(arguments)));
-  return frames;
-}
-
-std::string numbered(const std::string& noun, unsigned number, unsigned all) {
-  return number == all ? "all " + noun + 's' : noun + ' ' + std::to_string(number);
-}
-
-// The name of a register of the sending card; registers of other cards have none, so there it is the card.
-std::string nameOf(const Frame& frame) {
-  constexpr const char* kCards[] = {"receiving card", "multi-function card", "distribution card",
-                                    "3D launcher"};
-  if (frame.deviceType == 0) return registerName(frame.address);
-  const unsigned kind = frame.deviceType - 1U;
-  return numbered(kind < std::size(kCards) ? kCards[kind] : "card", frame.board, 0xFFFF) + " of " +
-         numbered("port", frame.port, 0xFF);
-}
-
-std::string heading(const Frame& frame, const char* done, std::size_t count) {
-  const std::string name = nameOf(frame);
-  return hexAddress(frame.address) + (name.empty() ? "" : "  " + name) + ": " + std::to_string(count) +
-         " byte" + (count == 1 ? " " : "s ") + done;
+std::string heading(const Frame& frame, std::size_t count) {
+  const std::string name = targetName(frame);
+  return hexAddress(frame.address) + (name.empty() ? "" : "  " + name) + ": " + countText(count, "byte");
 }
 
 std::string dumpLine(uint32_t address, std::span<const uint8_t> bytes) {
@@ -83,7 +34,7 @@ std::string dumpLine(uint32_t address, std::span<const uint8_t> bytes) {
     line += i < bytes.size() ? peer::toHex(bytes.subspan(i, 1)) + ' ' : "   ";
     if (i < bytes.size()) text += std::isprint(bytes[i]) != 0 ? static_cast<char>(bytes[i]) : '.';
   }
-  return line + " |" + text + "|";
+  return line + "|" + text + "|";
 }
 
 std::string dump(uint32_t address, std::span<const uint8_t> bytes) {
@@ -95,62 +46,102 @@ std::string dump(uint32_t address, std::span<const uint8_t> bytes) {
 }
 
 Json object(const Frame& frame, std::size_t count) {
-  Json fields{{"address", hexAddress(frame.address)}, {"name", nameOf(frame)}};
+  Json fields{{"address", hexAddress(frame.address)}, {"name", targetName(frame)}};
   if (frame.deviceType != 0)
     fields.update({{"device_type", frame.deviceType}, {"port", frame.port}, {"card", frame.board}});
   fields["length"] = count;
   return fields;
 }
 
-void readAll(const Options& options, const AccessArguments& arguments) {
-  const auto frames = requests(arguments, &readRequest);
-  peer::Peer daemon = options.connect(peer::toolServiceCode());
-  for (const Frame& frame : frames) {
-    const Bytes data = daemon.request(frame).data;
-    Json line = object(frame, data.size());
-    line["data"] = peer::toHex(data);
-    print(options, line, heading(frame, "read", data.size()) + dump(frame.address, data));
-    if (data.size() < frame.length)
-      throw Error(Failure::ShortReply, "short reply at " + hexAddress(frame.address) + ": " +
-                                           std::to_string(data.size()) + " of " +
-                                           std::to_string(frame.length) + " bytes");
+// Runs through the requests; the failure of one says how many are behind it.
+template <class Act>
+void forEach(const std::vector<Access>& requests, Act act) {
+  for (std::size_t i = 0; i < requests.size(); ++i) {
+    try {
+      act(requests[i]);
+    } catch (const Error& error) {
+      if (requests.size() == 1) throw;
+      throw Error(error.failure(), std::string(error.what()) + " (request " + std::to_string(i + 1) + " of " +
+                                       std::to_string(requests.size()) + "; those behind it are not sent)");
+    }
   }
+}
+
+void readAll(const Options& options, const AccessArguments& arguments) {
+  if (arguments.raw && options.json) throw Error(Failure::Usage, "--raw and --json exclude each other");
+  const auto requests = readRequests(arguments);
+  peer::Peer daemon = options.connect();
+  forEach(requests, [&](const Access& access) {
+    Bytes data;
+    for (const Frame& piece : access.pieces) {
+      const Bytes part = daemon.read(piece.address, piece.length, piece);
+      data.insert(data.end(), part.begin(), part.end());
+    }
+    if (arguments.raw) return writeOutput({reinterpret_cast<const char*>(data.data()), data.size()});
+    const Frame& first = access.pieces.front();
+    Json fields = object(first, data.size());
+    fields["data"] = peer::toHex(data);
+    options.print({fields, heading(first, data.size()) + " read" + dump(first.address, data)});
+  });
 }
 
 void writeAll(const Options& options, const AccessArguments& arguments) {
-  const auto frames = requests(arguments, &writeRequest);
-  peer::Peer daemon = options.connect(peer::toolServiceCode());
-  for (const Frame& frame : frames) {
-    daemon.request(frame);
-    print(options, object(frame, frame.data.size()), heading(frame, "written", frame.data.size()));
-  }
+  const auto requests = writeRequests(arguments);
+  peer::Peer daemon = options.connect();
+  forEach(requests, [&](const Access& access) {
+    for (const Frame& piece : access.pieces) daemon.request(piece);
+    const Frame& first = access.pieces.front();
+    Result result{object(first, access.size()), heading(first, access.size()) + " accepted",
+                  Outcome::Accepted};
+    for (const Frame& piece : access.pieces) {
+      if (!arguments.verify) break;
+      const Comparison seen = readBack(daemon, piece, options.patience());
+      result.outcome = seen.outcome;
+      result.fields["read_back"] = seen.text;
+      if (&piece == &access.pieces.back() || seen.outcome != Outcome::Verified)
+        result.text += "\n  " + seen.text;
+      if (seen.outcome != Outcome::Verified) break;
+    }
+    options.print(result);
+  });
 }
 
-// One verb; the options of a card's place are the same for all.
-void addVerb(CLI::App& verb, const Options& options, const AccessNoun& noun, const char* items,
-             const char* itemsText, void (*act)(const Options&, const AccessArguments&)) {
+// What read and write share: the items, and the card's place.
+std::shared_ptr<AccessArguments> addItems(Verb& verb, const AccessNoun& noun, const char* items,
+                                          const char* text) {
   auto arguments = std::make_shared<AccessArguments>();
   arguments->deviceType = noun.deviceType;
-  verb.add_option(items, arguments->items, itemsText)->required();
+  verb.operands(items, arguments->items, text);
   noun.addDeviceType(verb, *arguments);
-  verb.add_option("--port", arguments->port, "Output port of the addressed card, 255: all")
-      ->capture_default_str();
-  verb.add_option("--card", arguments->card, "Place of the card behind its port, 65535: all")
-      ->capture_default_str();
-  verb.callback([&options, arguments, act] { act(options, *arguments); });
+  verb.option("--port", "N", arguments->port, "Output port of the addressed card, 255: all");
+  verb.option("--card", "N", arguments->card, "Place of the card behind its port, 65535: all");
+  verb.flag("--force", arguments->force, "Send it although the address is on no map");
+  return arguments;
 }
 
 }  // namespace
 
-void addAccess(CLI::App& app, const Options& options, const AccessNoun& noun) {
-  CLI::App* added = app.add_subcommand(noun.name, noun.description);
-  added->require_subcommand(1);
-  CLI::App* read = added->add_subcommand("read", "Read registers, one request for each range");
-  addVerb(*read, options, noun, "ranges", "ADDRESS[:LENGTH]; length 1 when it is left out", &readAll);
-  read->footer(noun.readFooter);
-  CLI::App* write = added->add_subcommand("write", "Write registers, one request for each value");
-  addVerb(*write, options, noun, "values", "ADDRESS=HEX, bytes in ascending order", &writeAll);
-  write->footer(noun.writeFooter);
+void addAccess(Verb& root, const Options& options, const AccessNoun& noun) {
+  Verb& added = root.verb(noun.name, noun.description);
+
+  Verb& read = added.verb("read", "Read registers, a request for each range");
+  const auto wanted = addItems(read, noun, "RANGE",
+                               "ADDRESS[:LENGTH]; length 1 when it is left out. More than a "
+                               "register gives at once is asked for in pieces");
+  read.flag("--raw", wanted->raw, "Print the bytes as they are, and nothing else");
+  read.flag("--side-effect", wanted->sideEffect, "Read it although reading it does something");
+  read.example(noun.readExample);
+  read.run([&options, wanted] { readAll(options, *wanted); });
+
+  Verb& write = added.verb("write", "Write registers, a request for each value");
+  const auto given = addItems(write, noun, "VALUE",
+                              "ADDRESS=HEX, bytes in ascending order; ADDRESS=@FILE, the bytes "
+                              "of a file; ADDRESS=-, those of standard input");
+  write.flag("--verify", given->verify,
+             "Read it back, for --timeout but at least 5 s, until it is as written");
+  if (noun.writeNote != nullptr) write.note(noun.writeNote);
+  write.example(noun.writeExample);
+  write.run([&options, given] { writeAll(options, *given); });
 }
 
 }  // namespace parlctl

@@ -21,6 +21,7 @@ struct BoardArguments {
   std::string state;
   std::string fault;
   std::string count;
+  bool copper = false;
   bool fiber1 = false;
   bool fiber2 = false;
 };
@@ -29,7 +30,7 @@ fs::path confPath(const fs::path& board) {
   return board / "board.conf";
 }
 
-void init(const Options& options, const BoardArguments& arguments) {
+void initialise(const Options& options, const BoardArguments& arguments) {
   const fs::path board = arguments.directory.empty() ? options.boardDirectory : arguments.directory;
   const bool existed = fs::exists(confPath(board));
   if (!existed) {
@@ -39,9 +40,10 @@ void init(const Options& options, const BoardArguments& arguments) {
     conf << simboard::kDefaultConf << std::flush;
     if (!conf) throw Error(Failure::Board, "cannot write " + confPath(board).string());
   }
-  print(options, {{"board", board.string()}, {"created", !existed}},
-        board.string() + (existed ? " is a board already; nothing changed"
-                                  : ": a board with the defaults; edit " + confPath(board).string()));
+  options.print(
+      {{{"board", board.string()}, {"created", !existed}},
+       board.string() + (existed ? " is a board already; nothing changed"
+                                 : ": a board with the defaults; edit " + confPath(board).string())});
 }
 
 std::vector<std::string> pluggedIn(const fs::path& board) {
@@ -112,22 +114,7 @@ void showBoard(const Options& options) {
              {"powered", board.hasHardware()},
              {"plugged_in", pluggedIn(board.directory())}};
   if (board.hasHardware()) shown.update(hardware(board));
-  print(options, shown, boardText(shown));
-}
-
-// "0-3,7" as a list.
-std::vector<unsigned> portList(const std::string& text) {
-  constexpr uint32_t kLast = peer::kPorts - 1;
-  std::vector<unsigned> ports;
-  std::istringstream parts(text);
-  for (std::string part; std::getline(parts, part, ',');) {
-    const std::size_t dash = part.find('-');
-    const uint32_t first = number(part.substr(0, dash), kLast);
-    const uint32_t last = dash == std::string::npos ? first : number(part.substr(dash + 1), kLast);
-    if (last < first) throw Error(Failure::Usage, "the ports run backwards: '" + part + "'");
-    for (uint32_t port = first; port <= last; ++port) ports.push_back(port);
-  }
-  return ports;
+  options.print({shown, boardText(shown)});
 }
 
 void link(const Options& options, const BoardArguments& arguments) {
@@ -138,7 +125,7 @@ void link(const Options& options, const BoardArguments& arguments) {
   const peer::Board board = options.board();
   for (const unsigned port : ports) board.setLink(port, medium, arguments.state == "on");
   const Json links = hardware(board)["links"];
-  print(options, {{"links", links}}, "links    " + words(links));
+  options.print({{{"links", links}}, "links    " + words(links)});
 }
 
 void fault(const Options& options, const BoardArguments& arguments) {
@@ -147,52 +134,46 @@ void fault(const Options& options, const BoardArguments& arguments) {
   const peer::Board board = options.board();
   board.setFault(*index, count);
   const Json faults = hardware(board)["faults"];
-  print(options, {{"faults", faults}}, "faults   " + faultWords(faults));
+  options.print({{{"faults", faults}}, "faults   " + faultWords(faults)});
 }
 
-void addLink(CLI::App& board, const Options& options) {
+void addLink(Verb& board, const Options& options) {
   auto arguments = std::make_shared<BoardArguments>();
-  CLI::App* verb = board.add_subcommand("link", "Plug and unplug the links of output ports");
-  verb->add_option("ports", arguments->ports, "Numbers and ranges from 0 to 15, separated by commas")
-      ->required();
-  verb->add_option("state", arguments->state, "on or off")->required()->check(CLI::IsMember({"on", "off"}));
-  CLI::App* medium = verb->add_option_group("medium");
-  medium->add_flag("--copper")->description("An Ethernet link (the default)");
-  medium->add_flag("--fiber1", arguments->fiber1, "Through fiber path 1");
-  medium->add_flag("--fiber2", arguments->fiber2, "Through fiber path 2");
-  medium->require_option(0, 1);
-  verb->footer("Example: parlctl board link 0-3,7 --fiber1 on");
-  verb->callback([&options, arguments] { link(options, *arguments); });
+  Verb& verb = board.verb("link", "Plug and unplug the links of output ports");
+  verb.operand("PORTS", arguments->ports, "Numbers and ranges from 0 to 15, separated by commas");
+  verb.operand("STATE", arguments->state, "What to do").oneOf({"on", "off"});
+  verb.flag("--copper", arguments->copper, "An Ethernet link (the default)");
+  verb.flag("--fiber1", arguments->fiber1, "Through fiber path 1").excludes({"--copper"});
+  verb.flag("--fiber2", arguments->fiber2, "Through fiber path 2").excludes({"--copper", "--fiber1"});
+  verb.example("board link 0-3,7 --fiber1 on");
+  verb.run([&options, arguments] { link(options, *arguments); });
 }
 
-void addFault(CLI::App& board, const Options& options) {
+void addFault(Verb& board, const Options& options) {
   auto arguments = std::make_shared<BoardArguments>();
-  CLI::App* verb = board.add_subcommand("fault", "Let the next calls of a kind fail");
-  verb->add_option("kind", arguments->fault, "What fails")
-      ->required()
-      ->check(CLI::IsMember(std::vector<std::string>(peer::kFaultNames.begin(), peer::kFaultNames.end())));
-  verb->add_option("count", arguments->count, "How many calls; 0: none, always: all of them")->required();
-  verb->footer("Example: parlctl board fault flash-read 3");
-  verb->callback([&options, arguments] { fault(options, *arguments); });
+  Verb& verb = board.verb("fault", "Let the next calls of a kind fail");
+  verb.operand("KIND", arguments->fault, "What fails")
+      .oneOf({peer::kFaultNames.begin(), peer::kFaultNames.end()});
+  verb.operand("COUNT", arguments->count, "How many calls; 0: none, always: all of them");
+  verb.example("board fault flash-read 3");
+  verb.run([&options, arguments] { fault(options, *arguments); });
 }
 
 }  // namespace
 
-void addBoard(CLI::App& app, const Options& options) {
-  CLI::App* board = app.add_subcommand("board", "Look at the simulated board and change what is plugged in");
-  board->require_subcommand(1);
+void addBoard(Verb& root, const Options& options) {
+  Verb& board = root.verb("board", "Look at the simulated board and change what is plugged in");
 
   auto arguments = std::make_shared<BoardArguments>();
-  CLI::App* verb = board->add_subcommand("init", "Create a board directory with the defaults");
-  verb->add_option("directory", arguments->directory, "Where; without it, the board of --board");
-  verb->callback([&options, arguments] { init(options, *arguments); });
+  Verb& init = board.verb("init", "Create a board directory with the defaults");
+  init.optionalOperand("DIR", arguments->directory, "Where; without it, the board of --board").isFile();
+  init.run([&options, arguments] { initialise(options, *arguments); });
 
-  verb =
-      board->add_subcommand("show", "What is plugged in, linked and failing, and whether the daemon answers");
-  verb->callback([&options] { showBoard(options); });
+  board.verb("show", "What is plugged in, linked and failing, and whether the daemon answers")
+      .run([&options] { showBoard(options); });
 
-  addLink(*board, options);
-  addFault(*board, options);
+  addLink(board, options);
+  addFault(board, options);
 }
 
 }  // namespace parlctl

@@ -1,17 +1,15 @@
-// The nouns of the command line: each adds its verbs. A verb throws peer::Error when it fails.
+// The nouns of the command line: each adds its verbs to the root. docs/design.md says how a noun is added.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <span>
 
+#include "commandline.h"
 #include "options.h"
 
 namespace parlctl {
 
-void addReg(CLI::App& app, const Options& options);
-void addCard(CLI::App& app, const Options& options);
-void addStatus(CLI::App& app, const Options& options);
-void addWatch(CLI::App& app, const Options& options);
-void addBoard(CLI::App& app, const Options& options);
-void addWall(CLI::App& app, const Options& options);
+using AddNoun = void (*)(Verb& root, const Options& options);
+// In the order of the help.
+std::span<const AddNoun> nouns();
 
 }  // namespace parlctl

@@ -1,73 +1,78 @@
 // parlctl: a peer of the daemon on the command line.
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 
 #include "commands.h"
+#include "helptext.h"
+#include "output.h"
 
 namespace {
 
-constexpr const char* kFooter = R"(Examples:
-  parlctl board show
-  parlctl status
-  parlctl reg read 0x02100000:16
-  parlctl reg write 0x02300010=01020304
-  parlctl card read 0x02000017:4 --port 2 --card 5
-  parlctl wall set 4x6 --cards 12 --mode top-left-rows --wait
-  parlctl --json watch --as lsd --for 10
+using parlctl::Options;
+using parlctl::Verb;
 
-Exit status: 0 done, 2 usage, 3 no daemon or time-out, 4 refused by the daemon, 5 short reply or mismatch)";
+constexpr const char* kVersion = "parlctl " PARLEND_VERSION "\n";
 
-void fallThrough(CLI::App& app) {
-  for (CLI::App* verb : app.get_subcommands({})) {
-    verb->fallthrough();
-    fallThrough(*verb);
-  }
-}
-
-void build(CLI::App& app, parlctl::Options& options) {
+void build(Verb& root, Options& options) {
   const char* board = std::getenv("PARLEND_BOARD");
   options.boardDirectory = board != nullptr && *board != '\0' ? board : "board";
-  app.add_option("--board", options.boardDirectory, "The board's directory ($PARLEND_BOARD)")
-      ->capture_default_str();
-  app.add_option("--socket", options.socketPath,
-                 "The message service, when it is not run/apipc.sock of the board");
-  app.add_option("--timeout", options.timeoutMs, "How long an answer may take, in milliseconds")
-      ->check(CLI::Range(1U, 3'600'000U))
-      ->capture_default_str();
-  app.add_flag("--json", options.json, "One JSON object a line");
-  app.require_subcommand(1);
-  app.footer(kFooter);
-  parlctl::addReg(app, options);
-  parlctl::addCard(app, options);
-  parlctl::addStatus(app, options);
-  parlctl::addWatch(app, options);
-  parlctl::addBoard(app, options);
-  parlctl::addWall(app, options);
-  fallThrough(app);  // the options above may stand behind a verb, too
+  root.option("--board", "DIR", options.boardDirectory, "The board's directory ($PARLEND_BOARD)").isFile();
+  root.option("--socket", "FILE", options.socketPath,
+              "The message service, when it is not run/apipc.sock of the board")
+      .isFile();
+  root.option("--timeout", "MS", options.timeoutMs, 1, 3'600'000,
+              "How long an answer may take, in milliseconds");
+  root.flag("--json", options.json, "One JSON object a result, each on a line; failures, too");
+  root.example("board show");
+  root.example("status");
+  root.example("reg read 0x02100000:16");
+  root.example("reg write 0x02300010=01020304");
+  root.example("card read 0x02000017:4 --port 2 --card 5");
+  root.example("wall set 4x6 --cards 12 --mode top-left-rows --wait");
+  root.example("--json watch --as lsd --for 10");
+  for (const parlctl::AddNoun add : parlctl::nouns()) add(root, options);
+}
+
+// The words on standard error, and with --json the object on standard output.
+int fail(bool json, const std::string& path, peer::Failure failure, const std::string& text) {
+  std::cerr << "parlctl: " << text << '\n';
+  if (json && failure != peer::Failure::LostOutput)
+    parlctl::writeOutput(parlctl::envelope(path, failure, text).dump() + '\n');
+  return parlctl::textOf(failure).status;
+}
+
+// Also of a command line that cannot be read.
+bool wantsJson(int argc, char** argv) {
+  return std::find(argv, argv + argc, std::string_view("--json")) != argv + argc;
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Reads, writes and watches the sending card's daemon as one of its peers", "parlctl");
-  parlctl::Options options;
-  build(app, options);
+  Options options;
+  Verb root("parlctl", "Reads, writes and watches the sending card's daemon as one of its peers");
+  build(root, options);
   try {
-    app.parse(argc, argv);
-    return parlctl::kDone;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? parlctl::kDone : parlctl::kUsage;
+    const parlctl::Asked asked = parlctl::parse(root, argc, argv);
+    options.verb = asked.path;
+    if (asked.version) return parlctl::writeOutput(kVersion), parlctl::kDone;
+    if (asked.help) return parlctl::writeOutput(helpText(root, *asked.verb, asked.path)), parlctl::kDone;
+    asked.verb->action();
+    return options.status();
+  } catch (const parlctl::UsageError& error) {
+    return fail(wantsJson(argc, argv), error.path, peer::Failure::Usage, error.text);
   } catch (const peer::Error& error) {
-    std::cerr << "parlctl: " << error.what() << '\n';
-    return parlctl::exitStatus(error.failure());
+    return fail(options.json, options.verb, error.failure(), error.what());
   }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  parlctl::occupyClosedStreams();
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "parlctl: " << error.what() << '\n';
-    return parlctl::kUsage;
+    return parlctl::kFound;  // the failure itself could not be told
   }
 }

@@ -1,42 +1,43 @@
-// What every verb shares: where the daemon is, how long to wait, and how results are printed.
+// What every verb shares: where the daemon is, how long to wait, and where results go.
 #pragma once
 
-#include <cstdint>
-#include <nlohmann/json.hpp>
+#include <algorithm>
 #include <string>
 
 #include "peer/board.h"
 #include "peer/error.h"
 #include "peer/peer.h"
+#include "result.h"
+#include "values.h"
 
 namespace parlctl {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
   std::string boardDirectory;
   std::string socketPath;  // empty: the board's own
-  unsigned timeoutMs = 2000;
+  uint32_t timeoutMs = 2000;
   bool json = false;
+  std::string verb;  // that runs: "reg read"
 
   peer::Board board() const { return peer::Board(boardDirectory); }
+  // Throws peer::Error: NoDaemon, TimeOut.
   peer::Peer connect(uint32_t serviceCode) const;
+  peer::Peer connect() const { return connect(peer::toolServiceCode()); }
+  // How long to look again for what the daemon carries out behind its reply.
+  peer::milliseconds patience() const {
+    return std::max(peer::milliseconds(5000), peer::milliseconds(timeoutMs));
+  }
+  // A board whose files may be read beside the daemon: one reached through another socket may have another
+  // board.
+  bool besideBoard() const { return socketPath.empty() && board().hasHardware(); }
+
+  // Prints one result, at once: one object on a line with --json, otherwise the text. The worst outcome of
+  // all results is the exit status. Throws peer::Error (LostOutput).
+  void print(const Result& result) const;
+  ExitStatus status() const { return status_; }
+
+ private:
+  mutable ExitStatus status_ = kDone;
 };
-
-// What the shell sees of a failure.
-enum ExitStatus : int { kDone = 0, kUsage = 2, kNoDaemon = 3, kRefused = 4, kWrongReply = 5 };
-ExitStatus exitStatus(peer::Failure failure);
-
-// Prints one result: the object on one line with --json, otherwise the text.
-void print(const Options& options, const Json& object, const std::string& text);
-
-// An object's entries in one line: "copper 0 1 2 3, fiber1 -"; null as "not told".
-std::string words(const Json& object);
-
-// A decimal number or a hexadecimal one after 0x; throws Error (Usage), naming the text, on anything else, on
-// a leading zero (nobody knows what it means) and above the limit.
-uint32_t number(const std::string& text, uint32_t limit = 0xFFFFFFFF);
-// 0x and eight digits.
-std::string hexAddress(uint32_t address);
 
 }  // namespace parlctl

@@ -123,17 +123,18 @@ void status(const Options& options) {
   Json shown = ofFpga(askFpga(daemon));
   shown["cards"] = ofCards(ask(daemon, reg::kReceivingCardSize, 4));
   shown["wall"] = ofWall(ask(daemon, reg::kShortcutConfigScreen, shortcut::kRecordSize));
-  print(options, shown, statusText(shown));
+  options.print({shown, statusText(shown)});
 }
 
 }  // namespace
 
-void addStatus(CLI::App& app, const Options& options) {
-  CLI::App* verb = app.add_subcommand("status", "Links, roles, fiber, receiving cards and wall at a glance");
-  verb->footer(
-      "Ports count from 0. Roles: a byte a port, 00 master, 80 backup; redundancy and fiber: as the\n"
-      "FPGA has them. \"not told\": the daemon does not say, or says nothing but zeros of the FPGA.");
-  verb->callback([&options] { status(options); });
+void addStatus(Verb& root, const Options& options) {
+  root.verb("status", "Links, roles, fiber, receiving cards and wall at a glance")
+      .note(
+          "Ports count from 0. Roles: a byte a port, 00 master, 80 backup; redundancy and fiber: as the FPGA "
+          "has "
+          "them. \"not told\": the daemon does not say, or says nothing but zeros of the FPGA.")
+      .run([&options] { status(options); });
 }
 
 }  // namespace parlctl

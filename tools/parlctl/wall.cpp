@@ -26,20 +26,6 @@ struct WallArguments {
   bool force = false;
 };
 
-uint16_t fromOne(const std::string& text, uint32_t limit) {
-  const uint32_t value = number(text, limit);
-  if (value == 0) throw Error(Failure::Usage, "'" + text + "' is not from 1 to " + std::to_string(limit));
-  return static_cast<uint16_t>(value);
-}
-
-// "4x6".
-std::pair<uint16_t, uint16_t> product(const std::string& text, uint32_t limit) {
-  const std::size_t cross = text.find('x');
-  if (cross == std::string::npos)
-    throw Error(Failure::Usage, "not two numbers with an x between: '" + text + "'");
-  return {fromOne(text.substr(0, cross), limit), fromOne(text.substr(cross + 1), limit)};
-}
-
 uint8_t modeNumber(const std::string& text) {
   const auto* name = std::find(kModeNames.begin(), kModeNames.end(), text);
   if (name != kModeNames.end()) return static_cast<uint8_t>(name - kModeNames.begin());
@@ -52,9 +38,12 @@ uint8_t modeNumber(const std::string& text) {
 // Everything but the cards per port and the size of a card.
 SmartScreen screenOf(const WallArguments& arguments) {
   const auto [rows, columns] = product(arguments.size, 0xFF);
-  SmartScreen screen{
-      .rows = rows, .columns = columns, .cardsPerPort = 0, .mode = modeNumber(arguments.mode), .card = {}};
-  if (!arguments.cards.empty()) screen.cardsPerPort = fromOne(arguments.cards, 0xFFFF);
+  SmartScreen screen{.rows = static_cast<uint16_t>(rows),
+                     .columns = static_cast<uint16_t>(columns),
+                     .cardsPerPort = 0,
+                     .mode = modeNumber(arguments.mode),
+                     .card = {}};
+  if (!arguments.cards.empty()) screen.cardsPerPort = static_cast<uint16_t>(fromOne(arguments.cards, 0xFFFF));
   return screen;
 }
 
@@ -114,13 +103,13 @@ void writeSvg(const WallPlan& plan, const std::string& path) {
 void preview(const Options& options, const WallArguments& arguments) {
   SmartScreen screen = screenOf(arguments);
   const auto [width, height] = product(arguments.cardSize, 0xFFFF);
-  screen.card = {width, height};
+  screen.card = {static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
   const unsigned ports = portsOf(arguments);
   if (screen.cardsPerPort == 0)
     screen.cardsPerPort = cardsForPorts(screen, ports == 0 ? map::kMappedPorts : ports);
   const WallPlan plan(screen);
   writeSvg(plan, arguments.svg);
-  print(options, planJson(plan), wallText(plan));
+  options.print({planJson(plan), wallText(plan)});
 }
 
 void show(const Options& options, const WallArguments& arguments) {
@@ -140,7 +129,7 @@ void show(const Options& options, const WallArguments& arguments) {
     text = summary(screen) + "\nnot mapped: " + problem;
   }
   object["in_force"] = inForce;
-  print(options, object, text + (inForce ? "" : "\nnot in force: another configuration was submitted last"));
+  options.print({object, text + (inForce ? "" : "\nnot in force: another configuration was submitted last")});
 }
 
 void report(const Options& options, const Verdict& verdict) {
@@ -149,8 +138,10 @@ void report(const Options& options, const Verdict& verdict) {
   object["verified"] = verified;
   object["read_from"] = verdict.way;
   const std::string text = (verified ? "verified (" : "mismatch (") + verdict.way + ")";
-  print(options, object, summary(verdict.plan.screen()) + '\n' + text);
-  if (!verified) throw Error(Failure::Mismatch, "mismatch: " + verdict.difference.text());
+  options.print(
+      {object,
+       summary(verdict.plan.screen()) + '\n' + text + (verified ? "" : ": " + verdict.difference.text()),
+       verified ? Outcome::Verified : Outcome::Mismatch});
 }
 
 void set(const Options& options, const WallArguments& arguments) {
@@ -170,7 +161,7 @@ void set(const Options& options, const WallArguments& arguments) {
   if (!problem.empty()) {
     Json object = screenJson(screen);
     object["problem"] = problem;
-    print(options, object, summary(screen) + "\nsent, although " + problem);
+    options.print({object, summary(screen) + "\nsent, although " + problem, Outcome::Accepted});
     return;
   }
   const WallPlan plan(screen);
@@ -178,62 +169,61 @@ void set(const Options& options, const WallArguments& arguments) {
   if (arguments.wait)
     report(options, verify(options, daemon, screen));
   else
-    print(options, planJson(plan), summary(screen) + "\nsent");
+    options.print({planJson(plan), summary(screen) + "\naccepted", Outcome::Accepted});
 }
 
-void addScreen(CLI::App& verb, const std::shared_ptr<WallArguments>& arguments, const char* portsText) {
-  verb.add_option("size", arguments->size, "ROWSxCOLUMNS of cards, each from 1 to 255")->required();
-  CLI::Option* cards =
-      verb.add_option("--cards", arguments->cards,
-                      "Cards that one port carries, from 1 to 65535; a port takes whole rows or columns. "
-                      "Without it: the fewest that feed the wall through the ports");
-  verb.add_option("--ports", arguments->ports, portsText)->excludes(cards);
-  verb.add_option("--mode", arguments->mode,
-                  "Connection mode, 0 to 7 or CORNER-rows, CORNER-columns: where the chain of a port begins "
-                  "(top-left, top-right, bottom-left, bottom-right) and what it runs along")
-      ->capture_default_str();
+void addScreen(Verb& verb, WallArguments& arguments, const char* portsText) {
+  verb.operand("SIZE", arguments.size, "ROWSxCOLUMNS of cards, each from 1 to 255");
+  verb.option(
+      "--cards", "N", arguments.cards,
+      "Cards that one port carries, from 1 to 65535; a port takes whole rows or columns. Without it: the "
+      "fewest that feed the wall through the ports");
+  verb.option("--ports", "N", arguments.ports, portsText).excludes({"--cards"});
+  verb.option(
+      "--mode", "MODE", arguments.mode,
+      "Connection mode, 0 to 7 or CORNER-rows, CORNER-columns: where the chain of a port begins (top-left, "
+      "top-right, bottom-left, bottom-right) and what it runs along");
 }
 
-void addSvg(CLI::App& verb, const std::shared_ptr<WallArguments>& arguments) {
-  verb.add_option("--svg", arguments->svg, "Draw the wall into this file, too");
+void addSvg(Verb& verb, WallArguments& arguments) {
+  verb.option("--svg", "FILE", arguments.svg, "Draw the wall into this file, too").isFile();
 }
 
-void addSet(CLI::App& wall, const Options& options) {
+void addSet(Verb& wall, const Options& options) {
   auto arguments = std::make_shared<WallArguments>();
-  CLI::App* verb = wall.add_subcommand("set", "Configure the daemon for a wall");
-  addScreen(*verb, arguments, "Ports to use, 1 to 10, without --cards; as many as are linked from port 0 on");
-  addSvg(*verb, arguments);
-  verb->add_flag("--wait", arguments->wait,
-                 "Wait until the daemon has carried it out, and compare what the FPGA holds with the "
-                 "calculation; waits for --timeout, at least 5 s");
-  verb->add_flag("--force", arguments->force, "Send what the daemon will not map, too");
-  verb->footer("Example: parlctl wall set 4x6 --cards 12 --mode top-left-rows --wait");
-  verb->callback([&options, arguments] { set(options, *arguments); });
+  Verb& verb = wall.verb("set", "Configure the daemon for a wall");
+  addScreen(verb, *arguments, "Ports to use, 1 to 10, without --cards; as many as are linked from port 0 on");
+  addSvg(verb, *arguments);
+  verb.flag(
+      "--wait", arguments->wait,
+      "Wait until the daemon has carried it out, and compare what the FPGA holds with the calculation; waits "
+      "for --timeout, at least 5 s");
+  verb.flag("--force", arguments->force, "Send what the daemon will not map, too");
+  verb.example("wall set 4x6 --cards 12 --mode top-left-rows --wait");
+  verb.run([&options, arguments] { set(options, *arguments); });
 }
 
-void addPreview(CLI::App& wall, const Options& options) {
+void addPreview(Verb& wall, const Options& options) {
   auto arguments = std::make_shared<WallArguments>();
-  CLI::App* verb = wall.add_subcommand("preview", "What a wall would be, without a daemon");
-  addScreen(*verb, arguments, "Ports to use, 1 to 10, without --cards; all ten");
-  verb->add_option("--card-size", arguments->cardSize, "WIDTHxHEIGHT of a card in pixels")
-      ->capture_default_str();
-  addSvg(*verb, arguments);
-  verb->footer("Example: parlctl wall preview 4x6 --cards 12 --mode bottom-right-columns --svg wall.svg");
-  verb->callback([&options, arguments] { preview(options, *arguments); });
+  Verb& verb = wall.verb("preview", "What a wall would be, without a daemon");
+  addScreen(verb, *arguments, "Ports to use, 1 to 10, without --cards; all ten");
+  verb.option("--card-size", "WxH", arguments->cardSize, "WIDTHxHEIGHT of a card in pixels");
+  addSvg(verb, *arguments);
+  verb.example("wall preview 4x6 --cards 12 --mode bottom-right-columns --svg wall.svg");
+  verb.run([&options, arguments] { preview(options, *arguments); });
 }
 
 }  // namespace
 
-void addWall(CLI::App& app, const Options& options) {
-  CLI::App* wall = app.add_subcommand("wall", "Configure a wall of receiving cards and look at it");
-  wall->require_subcommand(1);
-  addSet(*wall, options);
-  addPreview(*wall, options);
+void addWall(Verb& root, const Options& options) {
+  Verb& wall = root.verb("wall", "Configure a wall of receiving cards and look at it");
+  addSet(wall, options);
+  addPreview(wall, options);
 
   auto arguments = std::make_shared<WallArguments>();
-  CLI::App* verb = wall->add_subcommand("show", "The wall that the daemon is configured for");
-  addSvg(*verb, arguments);
-  verb->callback([&options, arguments] { show(options, *arguments); });
+  Verb& verb = wall.verb("show", "The wall that the daemon is configured for");
+  addSvg(verb, *arguments);
+  verb.run([&options, arguments] { show(options, *arguments); });
 }
 
 }  // namespace parlctl

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "svgsheet.h"
+#include "values.h"
 #include "wallpicture.h"
 
 namespace parlctl {

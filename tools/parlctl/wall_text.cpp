@@ -1,6 +1,7 @@
 // The wall as text.
 #include <algorithm>
 
+#include "values.h"
 #include "wallpicture.h"
 
 namespace parlctl {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "peer/error.h"
+#include "values.h"
 
 namespace parlctl {
 
@@ -107,10 +108,6 @@ uint16_t cardsForPorts(SmartScreen screen, unsigned ports) {
   screen.cardsPerPort = line;
   while (map::splitOf(screen).UsedPortNum > ports) screen.cardsPerPort += line;
   return screen.cardsPerPort;
-}
-
-std::string countText(std::size_t count, const char* what) {
-  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
 std::string pairText(Pixel at) {

@@ -81,8 +81,6 @@ std::string wallProblem(const SmartScreen& screen);
 // must not be zero, ports 1..10.
 uint16_t cardsForPorts(SmartScreen screen, unsigned ports);
 
-// "1 card", "2 cards".
-std::string countText(std::size_t count, const char* what);
 // "a, b": a pair of numbers as texts show them; "a x b": a size.
 std::string pairText(Pixel at);
 std::string sizeText(PixelSize size);

@@ -15,6 +15,7 @@ enum class Failure {
   ShortReply,   // fewer data bytes than asked for, or not a frame at all
   Mismatch,     // what was read back is not what it should be
   Board,        // the board's files are missing or cannot be used
+  LostOutput,   // what was to be told did not arrive: full disk, closed output
 };
 
 class Error : public std::runtime_error {

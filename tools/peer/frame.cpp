@@ -30,7 +30,27 @@ int digit(char c) {
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
+struct AckText {
+  uint8_t code;
+  const char* text;
+};
+constexpr std::array kAckTexts{
+    AckText{0, "done"},
+    AckText{1, "a card did not answer"},
+    AckText{2, "the checksum of the request is wrong"},
+    AckText{4, "the daemon refuses it: no such register, or not with this length"},
+    AckText{5, "it reaches beyond the registers of the space"},
+    AckText{6, "the register does not take this length"},
+    AckText{7, "the register does not allow this access"},
+};
+
 }  // namespace
+
+std::string ackText(uint8_t code) {
+  for (const AckText& row : kAckTexts)
+    if (row.code == code) return row.text;
+  return "the daemon gives a code without a name";
+}
 
 uint16_t checksum(std::span<const uint8_t> bytes) {
   return static_cast<uint16_t>(std::accumulate(bytes.begin(), bytes.end(), uint32_t{0x5555}));

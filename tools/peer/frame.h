@@ -47,6 +47,9 @@ struct Frame {
   Bytes data{};
 };
 
+// What an acknowledge code says, in words: "refused"; of an unknown code its number.
+std::string ackText(uint8_t code);
+
 uint16_t checksum(std::span<const uint8_t> bytes);
 
 // A frame ready to be sent, checksum included; length and data are taken as they stand.

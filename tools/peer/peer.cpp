@@ -160,14 +160,15 @@ Frame Peer::exchange(Frame request) {
     // Anything else is the late reply to a request that was given up.
   }
   throw Error(Failure::TimeOut, "no reply to the request at " + hexAddress(request.address) + " within " +
-                                    std::to_string(timeout_.count()) + " ms");
+                                    std::to_string(timeout_.count()) + " ms" +
+                                    (request.code == kWrite ? "; the write may have been carried out" : ""));
 }
 
 Frame Peer::request(Frame request) {
   Frame reply = exchange(std::move(request));
   if (reply.ack == 0) return reply;
-  throw Error(Failure::Acknowledge, "refused with acknowledge code " + std::to_string(reply.ack) + " at " +
-                                        hexAddress(reply.address));
+  throw Error(Failure::Acknowledge, hexAddress(reply.address) + ": " + ackText(reply.ack) +
+                                        " (acknowledge code " + std::to_string(reply.ack) + ")");
 }
 
 Bytes Peer::read(uint32_t address, std::size_t length, Frame to) {

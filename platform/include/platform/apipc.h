@@ -4,7 +4,7 @@
  *
  * Calling order: apipc_init first and once; apipc_loop_wait on one thread only; apipc_enq only inside its
  * callback; apipc_deq, apipc_que_wait, apipc_que_attach and apipc_que_detach on one receiving thread;
- * apipc_send and apipc_connect_chk_task_by_taskid from any thread.
+ * apipc_send, apipc_connect_chk_task_by_taskid and apipc_connection_number from any thread.
  */
 #ifndef PLATFORM_APIPC_H
 #define PLATFORM_APIPC_H
@@ -60,6 +60,11 @@ int apipc_send(uint32_t task, const void* buffer, unsigned int length);
 
 /* -1: no live connection of that task; any other value: connected. */
 int apipc_connect_chk_task_by_taskid(uint32_t task);
+
+/* The number of that task's live connection: each connection gets one, and none is given twice while the
+ * process runs, so that a task that left and came back is told from one that stayed. 0: no live connection.
+ * Our own; on the device, whose service does not number connections, 1 while the task is connected. */
+uint64_t apipc_connection_number(uint32_t task);
 
 #ifdef __cplusplus
 }

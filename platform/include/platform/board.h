@@ -21,7 +21,8 @@ void board_start(int argc, char** argv);
 /* Where a device path lies on this machine, zero-terminated. 0: done; -1: it does not fit into size bytes. */
 int board_path(const char* device_path, char* path, size_t size);
 
-/* Runs a command line and waits for it: its exit status, or -1 when it could not be run. */
+/* Runs a command line and waits for it; what it prints is lost. Its exit status, or -1 when it could not be
+ * run. */
 int board_shell(const char* command);
 
 /* Runs a command line and reads the first line that it prints (at most size - 1 characters, line end

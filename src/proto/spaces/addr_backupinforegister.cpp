@@ -2,20 +2,21 @@
 #include "logwords.h"
 #include "maps/flashmap.h"
 #include "proto/spaces/spaces.h"
-#include "proto/store/flashread.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-constexpr WorkWords kReading{
-    .section = {"============================ Begin Read BackupInfo ==============================",
-                "============================ Finish Read BackupInfo ============================="},
-    .failed = "=== ReadFromBackupInfo ===Read backup info flash failed. ret = "};
+constexpr SectionWords kReading{
+    "============================ Begin Read BackupInfo ==============================",
+    "============================ Finish Read BackupInfo ============================="};
 
 int ReadFromBackupInfo(IMD_proto3rd& request) {
-  LogSection section(kReading.section);
-  const int ret = replyFromFlash(request, flash::ofBackupInfo(request.proto.m_uiRegisterUnitAddress));
-  if (logFailure(kReading, ret) == 0) return kDone;
+  LogSection section(kReading);
+  const uint32_t address = flash::ofBackupInfo(request.proto.m_uiRegisterUnitAddress);
+  if (replyFromFlash(request, address, {"ReadFromBackupInfo", "Read backup info flash failed. ret = "}) ==
+      0) {
+    return kDone;
+  }
   section.abandon();
   return kFailed;
 }

@@ -1,4 +1,5 @@
 // The EDID of the current video input; a one-byte read looks for the input boards anew.
+#include "maps/inputsource.h"
 #include "process/inputSource.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
@@ -6,24 +7,14 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::size_t kInputSourceAt = 421;  // of the feature image
 constexpr uint16_t kDetectLength = 1;
-constexpr uint16_t kBlockLength = 128;
 
 // The group of the input that the screen shows.
 int currentInput() {
-  const uint8_t source = Data_Global::getInstance()->SendParameterReg[kInputSourceAt];
-  switch (source) {
-    case 97:
-      return 0;
-    case 98:
-      return 1;
-    case 80:
-      return 2;
-    default:
-      PARLEND_TRACE(kInfo) << "Read Input source ID is" << source;
-      return 0;
-  }
+  const uint8_t source = Data_Global::getInstance()->SendParameterReg[input::kSourceAt];
+  const auto group = input::groupOf(source);
+  if (!group) PARLEND_TRACE(kInfo) << "Read Input source ID is" << int{source};
+  return group.value_or(0);
 }
 
 int ReadFromEDIDSpace(IMD_proto3rd& request) {
@@ -33,8 +24,8 @@ int ReadFromEDIDSpace(IMD_proto3rd& request) {
     InputSource::getInstance()->InputBoardInit();
     return kDone;
   }
-  if (length != kBlockLength && length != kEdidSize) return kBeyondImage;
-  std::array<uint8_t, kEdidSize> edid{};
+  if (length != kEdidBlock && length != kEdidBytes) return kBeyondImage;
+  std::array<uint8_t, kEdidBytes> edid{};
   InputSource::getInstance()->ReadEDIDInfo(currentInput(), edid);
   replyWith(request, std::span<const uint8_t>(edid).first(length));
   return kDone;

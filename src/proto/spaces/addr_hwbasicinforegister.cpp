@@ -1,5 +1,4 @@
 // The basic hardware page, with model ID and serial number from the environment store.
-#include "driverutil.h"
 #include "maps/flashmap.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
@@ -29,12 +28,12 @@ int ReadHwBasicInfomation(IMD_proto3rd& request) {
   const uint32_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const uint32_t length = request.proto.m_usValidDataLength;
   std::array<uint8_t, kPageSize> page{};
-  const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(1, flash::kBasicHardwarePage + offset, length,
-                                                                page.data() + offset);
+  const auto part = std::span(page).subspan(offset, length);
+  const int ret = readFlash(flash::kBasicHardwarePage + offset, part);
   Data_Global& data = *Data_Global::getInstance();
   if (covers(offset, length, kModelIdAt, 2)) data.GetEnvModelIDPara(page.data() + kModelIdAt);
   if (covers(offset, length, kSerialNumberAt, 8)) data.GetEnvSNPara(page.data() + kSerialNumberAt);
-  replyWith(request, std::span<const uint8_t>(page).subspan(offset, length));
+  replyWith(request, part);
   return ret == 0 ? kDone : kFailed;
 }
 

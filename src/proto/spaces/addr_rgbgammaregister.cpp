@@ -1,5 +1,4 @@
 // Gamma tables: reads come from the FPGA, writes go to flash.
-#include "driverutil.h"
 #include "maps/gammamap.h"
 #include "proto/spaces/spaces.h"
 
@@ -31,13 +30,13 @@ void logFailedRead(const Place& place, int ret) {
 int ReadRGBGammatable(IMD_proto3rd& request) {
   const uint16_t length = request.proto.m_usValidDataLength;
   const Place place = placeOf(request.proto.m_uiRegisterUnitAddress & kGammaRegisterMask, length);
-  auto& data = request.proto.m_data;
-  data.assign(length, 0);
-  if (place.depth == nullptr) return kDone;
-  const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, place.fpga, length, data.data());
-  if (ret >= 0) return kDone;
+  if (place.depth == nullptr) {
+    request.proto.m_data.assign(length, 0);
+    return kDone;
+  }
+  const int ret = replyFromFpga(request, place.fpga);
+  if (ret == 0) return kDone;
   logFailedRead(place, ret);
-  data.clear();
   return kRefused;
 }
 

@@ -5,7 +5,6 @@
 #include "maps/flashmap.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
-#include "proto/store/flashread.h"
 #include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
@@ -16,10 +15,7 @@ constexpr uint16_t kVspReadLength = 38;    // a read of the record that VSP make
 constexpr std::size_t kCalculationFirst = 0x10;
 constexpr std::size_t kCalculationLast = 0x1C;
 
-// What every record of this space is for; the diagnostics name it.
-constexpr uint8_t m_cfgScreenFlag = shortcut::kSmart;
-
-uint8_t m_advCfgSubmit = 0;  // the write at hand submits an advanced configuration
+constexpr uint8_t m_cfgScreenFlag = shortcut::kSmart;  // only its log lines use it
 
 uint32_t offsetOf(const IMD_proto3rd& request) {
   return request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
@@ -27,18 +23,12 @@ uint32_t offsetOf(const IMD_proto3rd& request) {
 
 // VSP keeps a configuration of its own: it is answered in place of the record's.
 int readForVsp(IMD_proto3rd& request) {
-  DriverUtil& driver = *DriverUtil::getInstance();
   std::array<uint8_t, kVspReadLength> record{};
-  if (driver.ReadBytesFromFlash(flash::kShortcutConfig, record.size(), record.data()) != 0) {
-    PARLEND_TRACE(kError)
-        << "=== WriteToNumberFunCardPort ===Read from ShortcutConfig Flash failed when reading flash! ";
-  }
+  readFlash(flash::kShortcutConfig, record,
+            {"WriteToNumberFunCardPort", "Read from ShortcutConfig Flash failed when reading flash! "});
   std::array<uint8_t, 4> SmartLEDParaForVSP{};
-  if (driver.ReadBytesFromFlash(flash::kShortcutForVsp, SmartLEDParaForVSP.size(),
-                                SmartLEDParaForVSP.data()) != 0) {
-    PARLEND_TRACE(kError)
-        << "=== ReadFromShortcutConfigScreen ===Read ShortCutStoreForVSP from  Flash failed !!! ";
-  }
+  readFlash(flash::kShortcutForVsp, SmartLEDParaForVSP,
+            {"ReadFromShortcutConfigScreen", "Read ShortCutStoreForVSP from  Flash failed !!! "});
   for (std::size_t i = 0; i < SmartLEDParaForVSP.size(); ++i) {
     PARLEND_TRACE(kInfo) << "SmartLEDParaForVSP[" << i << "] = " << SmartLEDParaForVSP[i];
   }
@@ -54,9 +44,8 @@ int readForVsp(IMD_proto3rd& request) {
 int readRecord(IMD_proto3rd& request) {
   const uint32_t offset = offsetOf(request);
   if (offset == 0 && request.proto.m_usValidDataLength == kVspReadLength) return readForVsp(request);
-  if (const int ret = replyFromFlash(request, flash::kShortcutConfig + offset)) {
-    PARLEND_TRACE(kError) << "=== WriteToNumberFunCardPort ===read bytes from flash failed. driverRet = "
-                          << ret;
+  if (replyFromFlash(request, flash::kShortcutConfig + offset,
+                     {"WriteToNumberFunCardPort", "read bytes from flash failed. driverRet = "}) != 0) {
     return kFailed;
   }
   auto& data = request.proto.m_data;
@@ -65,12 +54,9 @@ int readRecord(IMD_proto3rd& request) {
 }
 
 int writeRecordBytes(uint32_t offset, std::span<const uint8_t> data) {
-  const int ret = DriverUtil::getInstance()->PageProgram(
-      0, flash::kShortcutConfig + offset, static_cast<unsigned short>(data.size()), data.data());
-  if (ret == 0) return kDone;
-  PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===write to page program failed. driverRet = "
-                        << ret;
-  return kRefused;
+  const int ret = writeFlash(flash::kShortcutConfig + offset, data,
+                             {"WriteToShortcutConfigScreen", "write to page program failed. driverRet = "});
+  return ret == 0 ? kDone : kRefused;
 }
 
 // The cards are measured once for all the writes that come before the calculation.
@@ -106,12 +92,12 @@ bool namesUnknownMode(uint32_t offset, std::span<const uint8_t> data) {
 }
 
 // Stores one field of the advanced configuration, for the ports that are mapped.
-int ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
+void ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
   const std::size_t offset = (address & reg::kOffsetMask) - shortcut::kPortsAt;
   const std::size_t port = offset / shortcut::kPortSize;
   const std::size_t field = offset % shortcut::kPortSize;
   PARLEND_TRACE(kInfo) << "port num = " << port << " offset = " << field;
-  if (port >= kMappedPorts) return 0;  // kept in flash only
+  if (port >= kMappedPorts) return;  // kept in flash only
   switch (field) {
     case shortcut::kPortModeAt:
       TempAdvPortCM[port] = data[0];
@@ -131,16 +117,12 @@ int ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
     default:
       break;
   }
-  return 0;
 }
 
 int submitSmart(IMD_proto3rd& request) {
   std::array<uint8_t, shortcut::kRecordSize> record{};
-  const int ret = DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcutConfig, shortcut::kUsedSize,
-                                                                record.data());
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===read bytes from flash failed. driverRet = "
-                          << ret;
+  if (readFlash(flash::kShortcutConfig, std::span(record).first<shortcut::kUsedSize>(),
+                {"WriteToShortcutConfigScreen", "read bytes from flash failed. driverRet = "}) != 0) {
     return kRefused;
   }
   const SmartScreen screen =
@@ -169,11 +151,7 @@ int writeRecord(IMD_proto3rd& request) {
   const uint32_t offset = offsetOf(request);
   const bool submits = data[0] == kSubmitAdvanced;
   if ((offset & 0xFF) == 0) {
-    if (submits) {
-      m_advCfgSubmit = 1;
-    } else {
-      PARLEND_TRACE(kInfo) << "   m_cfgScreenFlag =  " << m_cfgScreenFlag;
-    }
+    if (!submits) PARLEND_TRACE(kInfo) << "   m_cfgScreenFlag =  " << m_cfgScreenFlag;
     PARLEND_TRACE(kInfo) << "\t buff[0] = " << data[0];
   }
   int result = kDone;
@@ -193,8 +171,7 @@ int writeRecord(IMD_proto3rd& request) {
     if (namesUnknownMode(offset, data)) return kRefused;
     ParseAdvCfgScreen(request.proto.m_uiRegisterUnitAddress, data);
   }
-  if (m_advCfgSubmit != 0) {
-    m_advCfgSubmit = 0;
+  if (submits && (offset & 0xFF) == 0) {
     constexpr uint8_t kSubmitted[] = {1};
     if (const int refused = queuePayload<AdvCalcParaOfSenderKey>(request, kSubmitted)) return refused;
   }

@@ -2,7 +2,6 @@
 #include "maps/flashmap.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
-#include "proto/store/flashread.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -18,10 +17,9 @@ int ReadFromSoftwareTable(IMD_proto3rd& request) {
     PARLEND_TRACE(kInfo) << "Finish Sending 0xC8 to VSP. ";
     return kDone;
   }
-  const int ret = replyFromFlash(request, flash::ofSoftwareTable(address));
-  if (ret == 0) return kDone;
-  PARLEND_TRACE(kError) << "=== ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet = " << ret;
-  return kFailed;
+  const int ret = replyFromFlash(request, flash::ofSoftwareTable(address),
+                                 {"ReadFromSoftwareTable", "Read Bytes From Flash Failed. DriverRet = "});
+  return ret == 0 ? kDone : kFailed;
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // Direct access to the FPGA bus, for tests and service.
-#include "driverutil.h"
 #include "maps/fpgamap.h"
 #include "proto/spaces/spaces.h"
 
@@ -22,10 +21,10 @@ int ReadTestPrintfInfomation(IMD_proto3rd& request) {
   PARLEND_TRACE(kInfo) << "=== Read FPGA test Reg :  " << CTrace::hex << fpgaRegister << " len :" << length;
   auto& data = request.proto.m_data;
   data.assign(length, 0);
-  const int ret = DriverUtil::getInstance()->FPGAC5_ReadDataBlock(0, 0, fpgaRegister, length, data.data());
-  if (ret < 0) {
+  if (const int ret = readFpga(fpgaRegister, data)) {
     PARLEND_TRACE(kError) << "=== Read FPGA test Reg failed ,Reg :  " << CTrace::hex << fpgaRegister
                           << " len :" << length << " ret = " << ret;
+    data.assign(length, 0);
   }
   return kDone;
 }
@@ -45,15 +44,13 @@ int WriteTestPrintfInfomation(IMD_proto3rd& request) {
   const uint32_t fpgaRegister = request.proto.m_uiRegisterUnitAddress & kFpgaMask;
   const uint16_t length = request.proto.m_usValidDataLength;
   PARLEND_TRACE(kInfo) << "=== Write FPGA test Reg :  " << CTrace::hex << fpgaRegister << " len :" << length;
-  DriverUtil& driver = *DriverUtil::getInstance();
-  const int ret = driver.FPGAC5_WriteDataBlock(0, 0, fpgaRegister, length, data.data());
-  if (ret < 0) {
+  if (const int ret = writeFpga(fpgaRegister, data)) {
     PARLEND_TRACE(kError) << "=== Write FPGA test Reg failed ,Reg :  " << CTrace::hex << fpgaRegister
                           << " len :" << length << " ret = " << ret;
   }
   if (fpgaRegister == fpga::kTestPattern && length == kTestPatternLength) {
-    const uint8_t enable = 1;
-    driver.FPGAC5_WriteDataBlock(0, 0, fpga::kTestPatternEnable, 1, &enable);
+    constexpr uint8_t kEnable[] = {1};
+    writeFpga(fpga::kTestPatternEnable, kEnable);
     PARLEND_TRACE(kInfo) << "============================ Test Partten ===========================";
   }
   return kDone;

@@ -125,6 +125,22 @@ void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes) {
   request.proto.m_data.assign(bytes.begin(), bytes.end());
 }
 
+int replyFromFlash(IMD_proto3rd& request, uint32_t flashAddress, FailureWords words) {
+  auto& data = request.proto.m_data;
+  data.assign(request.proto.m_usValidDataLength, 0);
+  const int result = readFlash(flashAddress, data, words);
+  if (result != 0) data.clear();
+  return result;
+}
+
+int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister) {
+  auto& data = request.proto.m_data;
+  data.assign(request.proto.m_usValidDataLength, 0);
+  const int result = readFpga(fpgaRegister, data);
+  if (result != 0) data.clear();
+  return result;
+}
+
 int queueWrite(IMD_proto3rd& request, const WorkKey& key) {
   LogSection section(queueing(key));
   const ThirdProtoMCUCMsg& proto = request.proto;

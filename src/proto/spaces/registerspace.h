@@ -18,6 +18,7 @@
 #include "maps/workkeys.h"
 #include "mcuctrace.h"
 #include "proto/spaces/fshl_cmd.h"
+#include "proto/store/deviceaccess.h"
 #include "results.h"
 
 namespace ORVE_MCUC {
@@ -91,6 +92,9 @@ void logEntryAndRows(const RegisterSpace& space, const IMD_proto3rd& request);
 
 // Sets a request's data to the bytes that its reply carries.
 void replyWith(IMD_proto3rd& request, std::span<const uint8_t> bytes);
+// The same with as many bytes as were asked for, read from there. 0, or the driver's result and no data.
+int replyFromFlash(IMD_proto3rd& request, uint32_t flashAddress, FailureWords words);
+int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister);
 
 // Wraps a write into a work item and queues it: the reply says done, the handler of the key does the work
 // later. kDone; kRefused for more data than an item holds or no memory; kBadAccess for a write without data.

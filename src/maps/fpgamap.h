@@ -8,29 +8,40 @@
 namespace ORVE_MCUC::fpga {
 
 // Feature registers; the store's image of them has the same offsets.
+inline constexpr uint32_t kClock = 0x11;  // year, month, day, hour, minute, second
 inline constexpr uint32_t kMasterSlavePorts1To4 = 0x18;
 inline constexpr uint32_t kRedundancyPorts1To4 = 0x1E;
 inline constexpr uint32_t kNetLinkPorts1To4 = 0x1F;
+inline constexpr uint32_t kPowerOnTime = 0x21;
 inline constexpr uint32_t kOutputMode = 0x23;
 inline constexpr uint32_t kScreenWidth = 0x24;    // pixels, u16
 inline constexpr uint32_t kScreenHeight = 0x26;   // pixels, u16
 inline constexpr uint32_t kScreenOffsetX = 0x28;  // pixels, u16
 inline constexpr uint32_t kScreenOffsetY = 0x2A;
-inline constexpr uint32_t kMappedWidth = 0x2C;       // screen width before it is rounded to even
-inline constexpr uint32_t kMappingOption = 0x4A;     // cleared by a mapping
+inline constexpr uint32_t kMappedWidth = 0x2C;  // screen width before it is rounded to even
+inline constexpr uint32_t kSerialTimeOut = 0x3F;
+inline constexpr uint32_t kMappingOption = 0x4A;  // cleared by a mapping
+inline constexpr uint32_t kLowDelay = 0x74;
 inline constexpr uint32_t kScreenDirectionX = 0x91;  // 0xFFFF: the offset goes to the right
 inline constexpr uint32_t kScreenDirectionY = 0xAC;
 inline constexpr uint32_t kMasterSlavePorts5To8 = 0x98;
+inline constexpr uint32_t kCorrection = 0x9C;
 inline constexpr uint32_t kBackupMark = 0x9D;
 inline constexpr uint32_t kRedundancyPorts5To8 = 0x9E;
 inline constexpr uint32_t kNetLinkPorts5To8 = 0x9F;
+inline constexpr uint32_t kFlashSync = 0xD4;
 inline constexpr uint32_t kMasterSlavePorts9To16 = 0x100;
 inline constexpr uint32_t kRedundancyPorts9To16 = 0x120;
 inline constexpr uint32_t kNetLinkPorts9To16 = 0x126;
+inline constexpr uint32_t kInputSource = 0x1A5;
 inline constexpr uint32_t kFiberLink = 0x1D7;
+inline constexpr uint32_t kBoardOption = 0x1D8;
 inline constexpr uint32_t kFiberRedundancy = 0x1DA;
 inline constexpr uint32_t kOutputEnable = 0x1DE;
+inline constexpr uint32_t kFiberToNetEnable = 0x1DF;
 inline constexpr uint32_t kFiberToNetStatus = 0x1E0;
+inline constexpr uint32_t kFastCorrection = 0x1E9;
+inline constexpr uint32_t kHdrEnable = 0x1EA;
 inline constexpr uint32_t kOutputWidth = 0x1EC;  // pixels, u16
 inline constexpr uint32_t kOutputHeight = 0x1EE;
 inline constexpr uint32_t kFiberBelowLink = 0x1F2;  // two bytes a fiber path

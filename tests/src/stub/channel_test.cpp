@@ -163,8 +163,8 @@ TEST(RefusalTest, WhatIsAcknowledgedAndNotDoneIsLogged) {
   };
   for (const auto& each : kCases) {
     daemon.trace();
-    if (daemon.ask(each.frame).ack == 0)
-      EXPECT_THAT(daemon.trace(), Contains(StartsWith("Error"))) << each.what;
+    EXPECT_EQ(daemon.ask(each.frame).ack, 0) << each.what;
+    EXPECT_THAT(daemon.trace(), Contains(StartsWith("Error"))) << each.what;
   }
   daemon.trace();
   EXPECT_EQ(daemon.read(kBackupInfo, 1).ack, 0);

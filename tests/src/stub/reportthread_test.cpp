@@ -82,7 +82,7 @@ TEST_F(ReportThreadTest, WhatFailsOrDiffersIsLogged) {
   EXPECT_THAT(
       daemon.trace("WriteToPosNetPort"),
       ElementsAre("Error === WriteToPosNetPort ===Write FPGA Position 16 Word Info failed! ret = -1"));
-  daemon.board.fault(TestBoard::Fault::FpgaRead, {.count = 3, .first = 0x500000, .last = 0x5FFFFF});
+  daemon.board.fault(TestBoard::Fault::FpgaRead, {.calls = 3, .first = 0x500000, .last = 0x5FFFFF});
   testfpgareadwrite();
   EXPECT_THAT(daemon.trace("=== ReadFrom"),
               ElementsAre("Error === ReadFromNumberFunCardPort ===Read FPGA NumberFunCardPort 16Word Info "
@@ -106,7 +106,7 @@ TEST_F(ReportThreadTest, TheThreadTestsWhileItIsAskedToAndSleepsOtherwise) {
   auto& flag = Data_Global::getInstance()->RWFPGATestflag;
   std::thread body([this] { report.ActiveReport(); });
   const auto tests = [this] { return writesTo("0x00500000 256 5555").size(); };
-  for (const uint8_t other : {2, 0}) {
+  for (const uint8_t other : {uint8_t{2}, uint8_t{0}}) {
     flag = other;
     EXPECT_EQ(tests(), 0U);
   }

@@ -15,14 +15,14 @@ std::size_t allocations() {
 }
 
 bool failAllocation(std::size_t n, const std::function<void()>& step) {
-  failing = counted + n;
+  failing = n > 0 ? counted + n : 0;
   try {
     step();
   } catch (...) {
     failing = 0;
     throw;
   }
-  const bool failed = counted >= failing;
+  const bool failed = failing > 0 && counted >= failing;
   failing = 0;
   return failed;
 }

@@ -7,5 +7,5 @@
 // Of the calling thread, so far.
 std::size_t allocations();
 
-// Runs a step whose n-th allocation, counted from 1, fails. False: it has fewer.
+// Runs a step whose n-th allocation, counted from 1, fails (0: none). False: it has fewer.
 bool failAllocation(std::size_t n, const std::function<void()>& step);

@@ -3,6 +3,7 @@
 
 #include "../../platform/board_fixture.h"
 #include "driverutil.h"
+#include "mcuctrace.h"
 #include "mcucutil.h"
 #include "proto/cards/cardtasks.h"
 #include "proto/store/data_common.h"

@@ -1,4 +1,4 @@
-#include "mappages.h"
+#include "mappages/mappages.h"
 
 #include <array>
 #include <cstdint>

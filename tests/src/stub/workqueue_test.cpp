@@ -43,7 +43,8 @@ MCUProcessDataBlock* item(int key) {
   return block;
 }
 
-// Something that happens once, and the other thread's wait for it. False: it did not in all the time there is.
+// Something that happens once, and the other thread's wait for it. False: it did not in all the time there
+// is.
 class Happened {
  public:
   void set() {

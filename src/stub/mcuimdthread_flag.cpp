@@ -3,6 +3,7 @@
 #include "mcucutil.h"
 #include "outofmemory.h"
 #include "platform/apipc.h"
+#include "process/proc_poll.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/store/data_common.h"
@@ -70,7 +71,7 @@ void McuIMDThread::watchStatus() {
   monitor.SendFiberToNetStatustoLSD();
   monitor.SendFiberCopyStatustoLSD();
   monitor.SendGenLockLinktoLSD();
-  // The periodic poll, which adjusts the brightness, joins here.
+  Proc_Poll::getInstance()->AutoBrightnessadjust();
   monitor.SendRecvCardParaToLsdByLinkChange();
 }
 

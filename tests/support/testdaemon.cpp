@@ -43,6 +43,7 @@ void forgetEverything() {
   Data_Preset::deleteInstance();
   Tprocess::deleteInstance();
   InputSource::deleteInstance();
+  DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;
   for (auto* table : {&ParaTable, &AdvCfgParaTable, &MyTempParaTable}) table->fill(0);

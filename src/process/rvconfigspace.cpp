@@ -9,6 +9,7 @@
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
+#include "singleton.h"
 #include "workending.h"
 
 namespace ORVE_MCUC {
@@ -79,7 +80,19 @@ void logRanges(const _RvFileHeadPara_t& head) {
   }
 }
 
+Singleton<RvConfigSpace>& holder() {
+  static Singleton<RvConfigSpace> instance;
+  return instance;
+}
+
 }  // namespace
+
+RvConfigSpace* RvConfigSpace::getInstance() {
+  return holder().get([] { return new RvConfigSpace; });
+}
+void RvConfigSpace::deleteInstance() {
+  holder().destroy();
+}
 
 void RvConfigSpace::write(uint32_t registerAddress, std::span<const uint8_t> data) {
   if (isControl(registerAddress)) {

@@ -8,29 +8,39 @@
 namespace ORVE_MCUC::fpga {
 
 // Feature registers; the store's image of them has the same offsets.
+inline constexpr uint32_t kClock = 0x11;  // year, month, day, hour, minute, second
 inline constexpr uint32_t kMasterSlavePorts1To4 = 0x18;
 inline constexpr uint32_t kRedundancyPorts1To4 = 0x1E;
 inline constexpr uint32_t kNetLinkPorts1To4 = 0x1F;
+inline constexpr uint32_t kPowerOnTime = 0x21;
 inline constexpr uint32_t kOutputMode = 0x23;
 inline constexpr uint32_t kScreenWidth = 0x24;    // pixels, u16
 inline constexpr uint32_t kScreenHeight = 0x26;   // pixels, u16
 inline constexpr uint32_t kScreenOffsetX = 0x28;  // pixels, u16
 inline constexpr uint32_t kScreenOffsetY = 0x2A;
-inline constexpr uint32_t kMappedWidth = 0x2C;       // screen width before it is rounded to even
-inline constexpr uint32_t kMappingOption = 0x4A;     // cleared by a mapping
+inline constexpr uint32_t kMappedWidth = 0x2C;    // screen width before it is rounded to even
+inline constexpr uint32_t kMappingOption = 0x4A;  // cleared by a mapping
+inline constexpr uint32_t kLowDelay = 0x74;
 inline constexpr uint32_t kScreenDirectionX = 0x91;  // 0xFFFF: the offset goes to the right
 inline constexpr uint32_t kScreenDirectionY = 0xAC;
 inline constexpr uint32_t kMasterSlavePorts5To8 = 0x98;
+inline constexpr uint32_t kCorrection = 0x9C;
 inline constexpr uint32_t kBackupMark = 0x9D;
 inline constexpr uint32_t kRedundancyPorts5To8 = 0x9E;
 inline constexpr uint32_t kNetLinkPorts5To8 = 0x9F;
+inline constexpr uint32_t kFlashSync = 0xD4;
 inline constexpr uint32_t kMasterSlavePorts9To16 = 0x100;
 inline constexpr uint32_t kRedundancyPorts9To16 = 0x120;
 inline constexpr uint32_t kNetLinkPorts9To16 = 0x126;
+inline constexpr uint32_t kInputSource = 0x1A5;
 inline constexpr uint32_t kFiberLink = 0x1D7;
+inline constexpr uint32_t kBoardOption = 0x1D8;
 inline constexpr uint32_t kFiberRedundancy = 0x1DA;
 inline constexpr uint32_t kOutputEnable = 0x1DE;
+inline constexpr uint32_t kFiberToNetEnable = 0x1DF;
 inline constexpr uint32_t kFiberToNetStatus = 0x1E0;
+inline constexpr uint32_t kFastCorrection = 0x1E9;
+inline constexpr uint32_t kHdrEnable = 0x1EA;
 inline constexpr uint32_t kOutputWidth = 0x1EC;  // pixels, u16
 inline constexpr uint32_t kOutputHeight = 0x1EE;
 inline constexpr uint32_t kFiberBelowLink = 0x1F2;  // two bytes a fiber path
@@ -71,7 +81,8 @@ constexpr uint16_t netLinkWord(std::span<const uint8_t, 4> bytes) {
   return static_cast<uint16_t>(word);
 }
 
-// Settings of the feature image that the FPGA has no register for: its status registers lie there.
+// Settings of the feature image that the FPGA has no register for, or a status register.
+inline constexpr uint32_t kSerialTimeout = 0x3F;   // seconds without a heartbeat, see the brightness control
 inline constexpr uint32_t kSignedOffsetX = 0x1F0;  // pixels, i32
 inline constexpr uint32_t kSignedOffsetY = 0x1F4;
 inline constexpr uint32_t kOffsetMode = 0x1F8;
@@ -99,5 +110,11 @@ inline constexpr uint32_t kGamma12BitValue = 0x00D13000;
 inline constexpr uint32_t kFiberPortLinks = 0x00F04000;  // two bytes a fiber path
 inline constexpr uint32_t kNetPortLinks = 0x00F05100;    // four ports a byte
 inline constexpr uint32_t kTestPattern = 0x01200000;
+
+// Registers that pass a whole packet on to the cards: first the port, then the packet, then the port again.
+inline constexpr uint32_t kPacketPort = 0x00000100;
+inline constexpr uint32_t kPacket = 0x00000400;
+inline constexpr uint32_t kComponentPacketPort = 0x00100000;
+inline constexpr uint32_t kComponentPacket = 0x00300000;
 
 }  // namespace ORVE_MCUC::fpga

@@ -36,6 +36,17 @@ constexpr uint32_t ofFeature(uint32_t fpgaRegister) {
 }
 
 // Single registers inside the spaces.
+inline constexpr uint32_t kReadRateTest = kScanBoardPosition + 0x1EE;
+inline constexpr uint32_t kWriteRateTest = kScanBoardPosition + 0x1EF;
+inline constexpr uint32_t kHdrType = kHCInteraction + 0x117;
+inline constexpr uint32_t kScreenPeakLight = kHCInteraction + 0x118;
+inline constexpr uint32_t kAmbientLight = kHCInteraction + 0x11A;
+inline constexpr uint32_t kHlgClass = kHCInteraction + 0x129;
+inline constexpr uint32_t kWarmUp = kHCInteraction + 0x12C;
+inline constexpr uint32_t kLowGrey = kHCInteraction + 0x12E;
+inline constexpr uint32_t kPictureQuality = kHCInteraction + 0x13A;
+inline constexpr uint32_t kCommunicationMode = kHCInteraction + 0x0C0;
+inline constexpr uint32_t kBrightnessControl = kBrightness + 0x0C;
 inline constexpr uint32_t kReceivingCardSize = kScreenInfoEcho + 0x06;
 inline constexpr uint32_t kVspTrigger = 0x0500FFFF;  // a one-byte read pushes 0xC8 to VSP
 inline constexpr uint32_t kRoleTable = 0x05065000;   // the software table's screen tables end here

@@ -143,22 +143,25 @@ std::string Grammar::missing() const {
 }
 
 std::string Grammar::wordsOf(const CLI::ParseError& error) const {
-  const std::string kind = error.get_name();
+  const auto kind = static_cast<CLI::ExitCodes>(error.get_exit_code());
   const std::string told = error.what();
-  if (kind == "RequiredError" || kind == "ExtrasError") {
-    const Words extras = app_.remaining(true);
-    return extras.empty() ? missing() : unexpected(extras.front());
-  }
   const std::string option = told.substr(0, told.find_first_of(": "));
-  if (kind == "ExcludesError")
-    return option + " and " + told.substr(told.rfind(' ') + 1) + " exclude each other";
-  if (kind == "ArgumentMismatch" && told.find("At Most") != std::string::npos)
-    return option + " is given more than once";
-  if (kind == "ArgumentMismatch" && told.find("override") != std::string::npos)
-    return option + " takes no value";
-  if (kind == "ArgumentMismatch") return option + " needs a value";
-  if (kind == "ValidationError") return told;  // ours: see objection
-  return "a value on the command line cannot be read";
+  switch (kind) {
+    case CLI::ExitCodes::RequiredError:
+    case CLI::ExitCodes::ExtrasError: {
+      const Words extras = app_.remaining(true);
+      return extras.empty() ? missing() : unexpected(extras.front());
+    }
+    case CLI::ExitCodes::ExcludesError:
+      return option + " and " + told.substr(told.rfind(' ') + 1) + " exclude each other";
+    case CLI::ExitCodes::ArgumentMismatch:
+      if (told.find("At Most") != std::string::npos) return option + " is given more than once";
+      return option + (told.find("override") != std::string::npos ? " takes no value" : " needs a value");
+    case CLI::ExitCodes::ValidationError:
+      return told;  // ours: see objection
+    default:
+      return "a value of '" + name() + "' cannot be read";
+  }
 }
 
 // The library takes "-30" for an option; a number is marked on its way through it.

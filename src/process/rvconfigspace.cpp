@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "driverutil.h"
 #include "maps/flashmap.h"
@@ -124,10 +125,9 @@ void RvConfigSpace::takeHeader(std::span<const uint8_t> header) {
                           << wordsOf(fault) << ", it is not taken.";
     return;
   }
-  const _RvFileHeadPara_t before = WriteRvFilePara;
+  const std::pair before(WriteRvFilePara.WriteFileEn, WriteRvFilePara.WriteFileNum);
   takeRvHeader(header, WriteRvFilePara);
-  if (before.WriteFileEn != WriteRvFilePara.WriteFileEn ||
-      before.WriteFileNum != WriteRvFilePara.WriteFileNum) {
+  if (before != std::pair(WriteRvFilePara.WriteFileEn, WriteRvFilePara.WriteFileNum)) {
     driver().RemoveRvFile(DriverUtil::kCabCfgIndex, DriverUtil::kByName);
     driver().RemoveOtherRvFile(WriteRvFilePara.WriteFileNum, rv::kFileNumbers);
   }

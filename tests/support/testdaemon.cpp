@@ -13,6 +13,7 @@
 #include "messagedesk.h"
 #include "peer/error.h"
 #include "process/inputSource.h"
+#include "process/rvconfigspace.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/store/data_common.h"
@@ -43,6 +44,7 @@ void forgetEverything() {
   Data_Preset::deleteInstance();
   Tprocess::deleteInstance();
   InputSource::deleteInstance();
+  RvConfigSpace::deleteInstance();
   DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;

@@ -10,7 +10,6 @@
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
-#include "proto/store/flashread.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -46,7 +45,8 @@ int ReadFromBrightnessInfo(IMD_proto3rd& request) {
     replyWith(request, bytes);
     return kDone;
   }
-  return replyFromFlash(request, flash::ofBrightness(address)) == 0 ? kDone : kFailed;
+  return replyFromFlash(request, flash::ofBrightness(address), "ReadFromBrightnessInfo") == 0 ? kDone
+                                                                                              : kFailed;
 }
 
 int WriteToBrightnessInfo(IMD_proto3rd& request) {

@@ -119,3 +119,8 @@ uint64_t apipc_connection_number(uint32_t task) {
   const auto found = desk().connections.find(task);
   return found == desk().connections.end() ? 0 : found->second;
 }
+
+uint64_t apipc_connection_number(uint32_t task) {
+  const auto connection = desk().connections.find(task);
+  return connection == desk().connections.end() ? 0 : connection->second;
+}

@@ -1,6 +1,5 @@
 // The work queue and its thread, with a dispatcher that runs whatever the test has put in its place.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <atomic>
 #include <chrono>
@@ -14,6 +13,7 @@
 #include "process/tprocess_ctl.h"
 #include "results.h"
 #include "stub/mcuprocessthread.h"
+#include "threadstart.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -26,6 +26,10 @@ Tprocess_ctl::~Tprocess_ctl() = default;
 Tprocess_ctl* Tprocess_ctl::getInstance() {
   static Tprocess_ctl instance;
   return &instance;
+}
+// No thread can be started here: the tests have their own.
+int startDetachedThread(const char*, void* (*)(void*), void*, pthread_t&) {
+  return kErrThread;
 }
 void Tprocess_ctl::onProcessDealwith(MCUProcessDataBlock* block) {
   handler(block->m_key);
@@ -43,7 +47,8 @@ MCUProcessDataBlock* item(int key) {
   return block;
 }
 
-// Something that happens once, and the other thread's wait for it. False: it did not in all the time there is.
+// Something that happens once, and the other thread's wait for it. False: it did not in all the time there
+// is.
 class Happened {
  public:
   void set() {
@@ -76,8 +81,15 @@ class WorkQueueTest : public testing::Test {
     threads.emplace_back([this] { queue.doProcess(); });
   }
   void add(int key) { EXPECT_EQ(queue.addMessageToList(item(key)), kDone) << key; }
-  void addAll(int first, int last) {
-    for (int key = first; key <= last; ++key) add(key);
+  void addAll(int from, int to) {
+    for (int key = from; key <= to; ++key) add(key);
+  }
+
+  // For a handler that must not return earlier.
+  void awaitProducer() {
+    const auto end = std::chrono::steady_clock::now() + kFarTooLong;
+    while (queue.producersWaiting() == 0 && std::chrono::steady_clock::now() < end)
+      std::this_thread::sleep_for(100us);
   }
 
   void record(int key) {
@@ -89,9 +101,9 @@ class WorkQueueTest : public testing::Test {
     const std::lock_guard lock(mutex_);
     return handled_;
   }
-  static std::vector<int> numbers(int first, int last_) {
+  static std::vector<int> numbers(int from, int to) {
     std::vector<int> all;
-    for (int key = first; key <= last_; ++key) all.push_back(key);
+    for (int key = from; key <= to; ++key) all.push_back(key);
     return all;
   }
 
@@ -111,7 +123,13 @@ TEST_F(WorkQueueTest, ItemsThatCameBeforeTheThreadAreHandledInTheirOrderAndNoMor
   queue.addMessageToList(nullptr);
   addAll(11, kRoom - 1);
   EXPECT_EQ(queue.addMessageToList(item(kRoom)), kRefused) << "nobody says that the thread will ever come";
+  Happened running;
+  handler = [&](int key) {
+    if (key == 1) running.set();
+    record(key);
+  };
   startThread();
+  ASSERT_TRUE(running.wait());
   add(kLast);
   ASSERT_TRUE(last.wait());
   auto expected = numbers(1, kRoom - 1);
@@ -127,7 +145,7 @@ TEST_F(WorkQueueTest, AProducerWaitsForTheRunningHandlerAndGetsInBeforeTheNextHo
   handler = [&](int key) {
     if (key == 1) {
       running.set();
-      std::this_thread::sleep_for(20ms);  // time for a producer that does not wait to show itself
+      awaitProducer();
       firstReturned = true;
     }
     if (key == 2) inBeforeTheSecond = added.wait();
@@ -154,6 +172,7 @@ TEST_F(WorkQueueTest, AHandlersOwnItemsWaitForNothingAndOthersWaitForRoom) {
     if (key == 0) {
       addAll(1, kFollowers);
       running.set();
+      awaitProducer();
     }
     if (key == kInTheWay + 1) inInTime = added.wait();
     record(key);
@@ -177,12 +196,16 @@ TEST_F(WorkQueueTest, ProducersThatNeverPauseLoseNothingAndNeitherStarveTheThrea
   constexpr int kEach = 2000;
   std::atomic<int> begun{0};
   std::atomic<int> most{0};
-  std::atomic<int> added{0};
+  std::atomic<int> added{1};
+  Happened running;
   handler = [&](int key) {
+    running.set();
     most = std::max(most.load(), added - begun++);
     record(key);
   };
+  add(0);
   startThread();
+  ASSERT_TRUE(running.wait());
   Happened all;
   std::atomic<int> left{kProducers};
   for (int p = 0; p < kProducers; ++p) {
@@ -197,7 +220,7 @@ TEST_F(WorkQueueTest, ProducersThatNeverPauseLoseNothingAndNeitherStarveTheThrea
   ASSERT_TRUE(all.wait());
   add(kLast);
   ASSERT_TRUE(last.wait());
-  EXPECT_EQ(handled().size(), 1U + kProducers * kEach);
+  EXPECT_EQ(handled().size(), 2U + kProducers * kEach);
   EXPECT_LE(most, static_cast<int>(McuProcessThread::kMostItems));
 }
 
@@ -217,7 +240,7 @@ TEST_F(WorkQueueTest, TheEndOfTheThreadEndsEveryWaitAndWhatComesLaterIsRefused) 
   threads.emplace_back([&] {
     if (queue.addMessageToList(item(1)) == kRefused) refused.set();
   });
-  std::this_thread::sleep_for(5ms);  // most likely it waits by now
+  awaitProducer();
   queue.Release();
   EXPECT_TRUE(refused.wait());
   released.set();
@@ -235,13 +258,7 @@ TEST_F(WorkQueueTest, AnIdleThreadEndsToo) {
 
 TEST_F(WorkQueueTest, WithoutItsThreadTheQueueKeepsNothing) {
   add(1);
-  rlimit limit{};
-  getrlimit(RLIMIT_AS, &limit);
-  const rlimit none{1, limit.rlim_max};
-  setrlimit(RLIMIT_AS, &none);  // no room for a stack
-  const int started = queue.Init();
-  setrlimit(RLIMIT_AS, &limit);
-  ASSERT_EQ(started, kErrThread);
+  ASSERT_EQ(queue.Init(), kErrThread);
   EXPECT_EQ(queue.addMessageToList(item(2)), kRefused);
   EXPECT_EQ(queue.workOff(), 0U);
   EXPECT_TRUE(handled().empty());

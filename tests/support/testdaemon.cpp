@@ -13,9 +13,11 @@
 #include "messagedesk.h"
 #include "peer/error.h"
 #include "process/inputSource.h"
+#include "process/proc_poll.h"
 #include "process/rvconfigspace.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
+#include "proto/spaces/addr_hardwarebrightnessadjust.h"
 #include "proto/store/data_common.h"
 #include "proto/store/porttables.h"
 #include "proto/tshl_ctl.h"
@@ -44,6 +46,8 @@ void forgetEverything() {
   Data_Preset::deleteInstance();
   Tprocess::deleteInstance();
   InputSource::deleteInstance();
+  Proc_Poll::deleteInstance();
+  Addr_HardWareBrightnessAdjust::deleteInstance();
   RvConfigSpace::deleteInstance();
   DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;

@@ -18,7 +18,8 @@ std::string operandText(const Argument& argument) {
 }
 
 std::string optionText(const Argument& argument) {
-  return argument.name + (argument.value.empty() ? "" : ' ' + argument.value);
+  const std::string letter = argument.letter == '\0' ? "" : std::string("-") + argument.letter + ", ";
+  return letter + argument.name + (argument.value.empty() ? "" : ' ' + argument.value);
 }
 
 // A term and its explanation beside it, or below where the term is long.

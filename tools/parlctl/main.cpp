@@ -6,13 +6,12 @@
 #include "commands.h"
 #include "helptext.h"
 #include "output.h"
+#include "version.h"
 
 namespace {
 
 using parlctl::Options;
 using parlctl::Verb;
-
-constexpr const char* kVersion = "parlctl " PARLEND_VERSION "\n";
 
 void build(Verb& root, Options& options) {
   const char* board = std::getenv("PARLEND_BOARD");
@@ -54,7 +53,7 @@ int run(int argc, char** argv) {
   try {
     const parlctl::Asked asked = parlctl::parse(root, argc, argv);
     options.verb = asked.path;
-    if (asked.version) return parlctl::writeOutput(kVersion), parlctl::kDone;
+    if (asked.version) return parlctl::writeOutput(std::string(parlctl::kVersion) + '\n'), parlctl::kDone;
     if (asked.help) return parlctl::writeOutput(helpText(root, *asked.verb, asked.path)), parlctl::kDone;
     asked.verb->action();
     return options.status();

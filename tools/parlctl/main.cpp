@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "complete.h"
 #include "helptext.h"
 #include "output.h"
 #include "version.h"
@@ -46,10 +47,18 @@ bool wantsJson(int argc, char** argv) {
   return std::find(argv, argv + argc, std::string_view("--json")) != argv + argc;
 }
 
+int complete(const Verb& root, const std::vector<std::string>& words) {
+  for (const parlctl::Candidate& each : parlctl::candidates(root, words))
+    parlctl::writeOutput(each.text.empty() ? each.word + '\n' : each.word + '\t' + each.text + '\n');
+  return parlctl::kDone;
+}
+
 int run(int argc, char** argv) {
   Options options;
   Verb root("parlctl", "Reads, writes and watches the sending card's daemon as one of its peers");
   build(root, options);
+  if (argc > 1 && std::string_view(argv[1]) == parlctl::kCompleteWord)
+    return complete(root, {argv + 2, argv + argc});
   try {
     const parlctl::Asked asked = parlctl::parse(root, argc, argv);
     options.verb = asked.path;

@@ -120,6 +120,19 @@ void run(const Options& options, const SimArguments& arguments) {
   if (daemon.ended()) throw Error(Failure::NoDaemon, "the daemon ended with " + daemon.endText());
 }
 
+void wait(const Options& options) {
+  const auto deadline = std::chrono::steady_clock::now() + options.patience();
+  for (;;) {
+    try {
+      options.connect().read(0xF0000000, 1);
+      return options.print({{{"board", options.boardDirectory}}, "The daemon answers"});
+    } catch (const Error&) {
+      if (std::chrono::steady_clock::now() >= deadline) throw;
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+  }
+}
+
 }  // namespace
 
 void addSim(Verb& root, const Options& options) {
@@ -132,8 +145,11 @@ void addSim(Verb& root, const Options& options) {
   verb.option("--level", "LEVEL", arguments->level, "What it traces");
   verb.oneOf({"errors", "info", "debug", "disable"});
   verb.option("--for", "S", arguments->seconds, "End after so many seconds");
-  verb.example("sim run --board /tmp/board");
+  verb.example("sim run --board /tmp/board &");
   verb.run([&options, arguments] { run(options, *arguments); });
+  sim.verb("wait", "Wait until the daemon answers, for --timeout but at least 5 s").run([&options] {
+    wait(options);
+  });
 }
 
 }  // namespace parlctl

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "calc/localmoment.h"
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
 #include "portlinks.h"
@@ -83,6 +84,8 @@ class DriverUtil {
   // A field of the local time: 0 year - 2000, 1 month 1..12, 2 day, 3 hour, 4 minute, 5 second, 6
   // weekday 1..7 (Sunday 1); 0 for any other field.
   unsigned char ReadTime(unsigned char field);
+  // All of them, of one moment.
+  LocalMoment ReadMoment();
   // Set the named fields of the local time and keep the others. The weekday follows from the date, so that
   // setting it changes nothing.
   void WriteTime(unsigned char hour, unsigned char minute, unsigned char second);

@@ -44,6 +44,18 @@ unsigned char DriverUtil::ReadTime(unsigned char field) {
                                    : static_cast<unsigned char>(0);
 }
 
+LocalMoment DriverUtil::ReadMoment() {
+  const tm now = localNow();
+  return {.year = now.tm_year - 100,
+          .month = now.tm_mon + 1,
+          .day = now.tm_mday,
+          .hour = now.tm_hour,
+          .minute = now.tm_min,
+          .second = now.tm_sec,
+          .weekday = now.tm_wday + 1,
+          .utcOffset = static_cast<int32_t>(now.tm_gmtoff)};
+}
+
 void DriverUtil::WriteTime(unsigned char hour, unsigned char minute, unsigned char second) {
   setLocalTime("WriteTime", [&](tm& local) {
     local.tm_hour = hour;

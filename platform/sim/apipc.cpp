@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -50,7 +51,10 @@ int apipc_init(uint32_t task, int /*flags*/) {
 
 // A caller that calls again whenever this returns must not spin where there is nothing to wait for.
 int apipc_loop_wait(void* context, apipc_recv_cb callback) {
-  if (serving() && callback) return service()->wait(context, callback);
+  try {
+    if (serving() && callback) return service()->wait(context, callback);
+  } catch (const std::bad_alloc&) {  // all that was to be done is still due
+  }
   std::this_thread::sleep_for(kPauseWithoutService);
   return -1;
 }

@@ -47,9 +47,9 @@ void MessageService::greet(Peer& peer) {
   const ssize_t length = ::recv(peer.fd(), name.data(), name.size(), MSG_DONTWAIT | MSG_TRUNC);
   if (length < 0 && (errno == EAGAIN || errno == EINTR)) return;
   const uint32_t task = (self_ & ~kServiceCode) | (readLe32(name) & kServiceCode);
-  if (length != static_cast<ssize_t>(name.size()) || task == self_ || !peers_.welcome(peer, task))
-    return remove(peer);
+  if (length != static_cast<ssize_t>(name.size()) || task == self_) return remove(peer);
   peer.lane = laneOf(task);
+  if (!peers_.welcome(peer, task)) return remove(peer);
   peer.greeted = true;
   --nameless_;
   if (hasPredecessor(peer)) stopReading(peer);

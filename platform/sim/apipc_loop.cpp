@@ -72,10 +72,10 @@ void MessageService::flushOutgoing() {
 }
 
 void MessageService::sweep() {
+  const PeerDirectory::List peers = peers_.all();
   eventfd_t count = 0;
   ::eventfd_read(signal_.get(), &count);
   sweepDue_ = false;
-  const PeerDirectory::List peers = peers_.all();
   for (const auto& peer : peers) {
     if (peer->closed()) {
       remove(*peer);

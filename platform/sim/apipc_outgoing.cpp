@@ -11,6 +11,7 @@ namespace {
 
 constexpr uint32_t kMostOfAll = 16 << 20;
 constexpr uint32_t kMostOfOne = 4 << 20;
+constexpr int kPacketsOfATurn = 16;  // who sends to this peer meanwhile waits for no more than these
 
 enum class Put { Done, NoRoom, Gone };
 
@@ -80,7 +81,7 @@ void Outgoing::dropFirst() {
 
 bool Outgoing::flush() {
   const std::lock_guard guard(lock_);
-  while (first_) {
+  for (int i = 0; first_ && i < kPacketsOfATurn; ++i) {
     const Put outcome = put(socket_, {first_->contents(), first_->length});
     if (outcome != Put::Done) return outcome == Put::NoRoom;
     dropFirst();

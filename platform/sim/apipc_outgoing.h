@@ -47,7 +47,8 @@ class Outgoing {
 
   SendResult send(std::span<const unsigned char> packet);
 
-  /** Sends what the socket takes by now. False: the connection is gone. */
+  /** Sends some of what the socket takes by now; it is watched as long as anything is left. False: the
+   * connection is gone. */
   bool flush();
 
   /** Drops what waits; everything that is sent from now on fails. */

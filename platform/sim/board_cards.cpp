@@ -71,7 +71,11 @@ class Registers {
 };
 
 using CardKey = std::tuple<uint8_t, uint8_t, uint16_t>;  // type, port, board
-std::map<CardKey, Registers> cards;
+// Never destroyed: at exit the daemon's threads still ask cards.
+std::map<CardKey, Registers>& cards() {
+  static auto& instance = *new std::map<CardKey, Registers>;
+  return instance;
+}
 // A request and its journal line are one step.
 std::mutex cardsLock;
 
@@ -104,7 +108,7 @@ unsigned forEachCard(const recvcard_mesg& request, Use use) {
 
 // The registers of a card, which from the first look at it are those of a card just plugged in.
 Registers& cardAt(const CardKey& key) {
-  const auto [entry, made] = cards.try_emplace(key);
+  const auto [entry, made] = cards().try_emplace(key);
   if (made) {
     const uint16_t width = conf().cardWidth;
     const uint16_t height = conf().cardHeight;
@@ -225,7 +229,7 @@ void setCardRegisters(uint8_t type, uint8_t port, uint16_t board, uint32_t addre
 
 void forgetCards() {
   const std::lock_guard guard(cardsLock);
-  cards.clear();
+  cards().clear();
 }
 
 }  // namespace simboard

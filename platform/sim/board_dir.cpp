@@ -35,10 +35,18 @@ constexpr const char* kDirectories[] = {"run", "hw", "etc/init.d", "usr/orve/etc
 // Only the daemon's own files lie there: what is in their place is its business, not the board's.
 constexpr const char* kDaemonDirectories[] = {"log", "tmp", "root", "usr/orve/etc/lsd/cabCfg"};
 
-std::string root;
 char** arguments = nullptr;
 int lockFile = -1;
-BoardConf plugged;
+
+struct Here {
+  std::string root;
+  BoardConf conf;
+};
+// Never destroyed: at exit the daemon's threads still look at it.
+Here& here() {
+  static auto& instance = *new Here;
+  return instance;
+}
 
 [[noreturn]] void refuse(const std::string& why) {
   errorLine(why);
@@ -55,8 +63,8 @@ void readConf() {
   std::stringstream text;
   text << file.rdbuf();
   std::string error;
-  plugged = {};
-  if (!parseConf(text.str(), plugged, error)) refuse(error);
+  here().conf = {};
+  if (!parseConf(text.str(), here().conf, error)) refuse(error);
 }
 
 // One daemon a board: the lock is held until the process ends or runs another program.
@@ -64,7 +72,7 @@ void takeBoard() {
   lockFile = open(path("run/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (lockFile < 0) refuse("cannot open " + path("run/lock") + ": " + std::strerror(errno));
   if (flock(lockFile, LOCK_EX | LOCK_NB) == 0) return;
-  if (errno == EWOULDBLOCK) refuse("another daemon already runs on the board " + root);
+  if (errno == EWOULDBLOCK) refuse("another daemon already runs on the board " + here().root);
   refuse("cannot lock " + path("run/lock") + ": " + std::strerror(errno));
 }
 
@@ -72,8 +80,8 @@ void takeBoard() {
 void showFpgaState(bool rebooted) {
   std::error_code absent;
   if (rebooted) fs::remove(path(kFlagFile), absent);
-  if (plugged.fpgaAutoload) std::ofstream(path(kFlagFile)).flush();
-  std::ofstream(path(kFpgaStatusFile)) << (plugged.fpgaUp ? "1\n" : "0\n");
+  if (here().conf.fpgaAutoload) std::ofstream(path(kFlagFile)).flush();
+  std::ofstream(path(kFpgaStatusFile)) << (here().conf.fpgaUp ? "1\n" : "0\n");
 }
 
 // A board that was switched off, or never on, counts as on when all of it has come up.
@@ -90,7 +98,7 @@ void powerUp(bool rebooted) {
 }  // namespace
 
 std::string path(std::string_view relative) {
-  return root + '/' + std::string(relative);
+  return here().root + '/' + std::string(relative);
 }
 
 std::string devicePath(std::string_view devicePath) {
@@ -98,10 +106,10 @@ std::string devicePath(std::string_view devicePath) {
 }
 
 const BoardConf& conf() {
-  return plugged;
+  return here().conf;
 }
 unsigned char cardBit() {
-  return plugged.cardBit;
+  return here().conf.cardBit;
 }
 
 void forgetPowered() {
@@ -109,7 +117,7 @@ void forgetPowered() {
 }
 
 void markReboot() {
-  setenv("PARLEND_BOARD", root.c_str(), 1);
+  setenv("PARLEND_BOARD", here().root.c_str(), 1);
   setenv(kRebootMark, "1", 1);
 }
 
@@ -141,7 +149,7 @@ void board_start(int, char** argv) {
   const char* named = std::getenv("PARLEND_BOARD");
   const fs::path directory = named != nullptr && *named != '\0' ? named : "board";
   std::error_code failed;
-  root = fs::absolute(directory, failed).lexically_normal().string();
+  here().root = fs::absolute(directory, failed).lexically_normal().string();
   if (failed) refuse("cannot find the board " + directory.string() + ": " + failed.message());
   arguments = argv;
   for (const char* part : kDirectories) {
@@ -153,7 +161,7 @@ void board_start(int, char** argv) {
   readConf();
   const bool rebooted = std::getenv(kRebootMark) != nullptr;
   unsetenv(kRebootMark);
-  if (!openJournal(plugged.journal, rebooted)) refuse("cannot write " + path("hw/journal.log"));
+  if (!openJournal(here().conf.journal, rebooted)) refuse("cannot write " + path("hw/journal.log"));
   powerUp(rebooted);
   setPower(true);
 }

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <mutex>
 
 #include "platform/board.h"
@@ -59,14 +60,15 @@ JournalLine::JournalLine(const char* call) {
 }
 
 JournalLine::~JournalLine() {
-  text_ += '\n';
   const std::lock_guard guard(fileLock);
   const long long us = board_monotonic_us() - startedUs;
   char stamp[48];
+  char lineEnd = '\n';
   const int length = std::snprintf(stamp, sizeof stamp, "%lld.%06lld ", us / 1'000'000, us % 1'000'000);
-  const iovec pieces[] = {{stamp, static_cast<std::size_t>(length)}, {text_.data(), text_.size()}};
+  const iovec pieces[] = {
+      {stamp, static_cast<std::size_t>(length)}, {text_.data(), text_.size()}, {&lineEnd, 1}};
   // A journal on a full disk is no reason to stop the board.
-  [[maybe_unused]] const auto written = writev(file, pieces, 2);
+  [[maybe_unused]] const auto written = writev(file, pieces, std::size(pieces));
 }
 
 JournalLine& JournalLine::word(std::string_view text) {

@@ -138,6 +138,9 @@ constexpr uint32_t ofFeature(uint32_t fpgaRegister) {
 constexpr uint32_t ofShortcutConfig(uint32_t registerAddress) {
   return registerAddress - reg::kShortcutConfigScreen + kShortcutConfig;
 }
+constexpr uint32_t ofBrightness(uint32_t registerAddress) {
+  return registerAddress - reg::kBrightness + kBrightnessFile;
+}
 constexpr uint32_t ofBackupInfo(uint32_t registerAddress) {
   return registerAddress - reg::kBackupInfo + kBackupInfo;
 }

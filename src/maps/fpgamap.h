@@ -18,8 +18,7 @@ inline constexpr uint32_t kScreenWidth = 0x24;    // pixels, u16
 inline constexpr uint32_t kScreenHeight = 0x26;   // pixels, u16
 inline constexpr uint32_t kScreenOffsetX = 0x28;  // pixels, u16
 inline constexpr uint32_t kScreenOffsetY = 0x2A;
-inline constexpr uint32_t kMappedWidth = 0x2C;  // screen width before it is rounded to even
-inline constexpr uint32_t kSerialTimeOut = 0x3F;
+inline constexpr uint32_t kMappedWidth = 0x2C;    // screen width before it is rounded to even
 inline constexpr uint32_t kMappingOption = 0x4A;  // cleared by a mapping
 inline constexpr uint32_t kLowDelay = 0x74;
 inline constexpr uint32_t kScreenDirectionX = 0x91;  // 0xFFFF: the offset goes to the right
@@ -82,7 +81,8 @@ constexpr uint16_t netLinkWord(std::span<const uint8_t, 4> bytes) {
   return static_cast<uint16_t>(word);
 }
 
-// Settings of the feature image that the FPGA has no register for: its status registers lie there.
+// Settings of the feature image that the FPGA has no register for, or a status register.
+inline constexpr uint32_t kSerialTimeout = 0x3F;   // seconds without a heartbeat, see the brightness control
 inline constexpr uint32_t kSignedOffsetX = 0x1F0;  // pixels, i32
 inline constexpr uint32_t kSignedOffsetY = 0x1F4;
 inline constexpr uint32_t kOffsetMode = 0x1F8;
@@ -110,5 +110,11 @@ inline constexpr uint32_t kGamma12BitValue = 0x00D13000;
 inline constexpr uint32_t kFiberPortLinks = 0x00F04000;  // two bytes a fiber path
 inline constexpr uint32_t kNetPortLinks = 0x00F05100;    // four ports a byte
 inline constexpr uint32_t kTestPattern = 0x01200000;
+
+// Registers that pass a whole packet on to the cards: first the port, then the packet, then the port again.
+inline constexpr uint32_t kPacketPort = 0x00000100;
+inline constexpr uint32_t kPacket = 0x00000400;
+inline constexpr uint32_t kComponentPacketPort = 0x00100000;
+inline constexpr uint32_t kComponentPacket = 0x00300000;
 
 }  // namespace ORVE_MCUC::fpga

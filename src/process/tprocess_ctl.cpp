@@ -42,7 +42,7 @@ constexpr std::array kHandlers{
     KeyHandler{DoEDIDSpaceKey, &Tprocess::Sprocess_DoDoEDIDSpace},
     KeyHandler{ActiveReportingKey, &logEntry<ActiveReportingKey>},
     KeyHandler{SenderRGBGammaKey, &Tprocess::Sprocess_SenderRGBGamma},
-    KeyHandler{doAdjustBrightnessKey, nullptr},
+    KeyHandler{doAdjustBrightnessKey, &Tprocess::Sprocess_doAdjustBrightness},
     KeyHandler{SendCardMappingKey, nullptr},
     KeyHandler{RVConfigFileSpaceKey, &Tprocess::Sprocess_RVConfigFileSpace},
     KeyHandler{ScreenPatternGenKey, nullptr},

@@ -28,13 +28,13 @@ void storeEdid(const PenetrateInfo& info) {
 }  // namespace
 
 int Tprocess::Sprocess_DoDoEDIDSpace(int lenth, char* data) {
-  return handlePenetrate({"Sprocess_DoDoEDIDSpace", "DoEDIDSpaceKey"}, lenth, data, &storeEdid);
+  return handlePenetrate<DoEDIDSpaceKey>(lenth, data, &storeEdid);
 }
 
 int Tprocess::Sprocess_RVConfigFileSpace(int lenth, char* data) {
   static RvConfigSpace space;
-  return handlePenetrate({"Sprocess_RVConfigFileSpace", "RVConfigFileSpaceKey"}, lenth, data,
-                         [](const PenetrateInfo& info) { space.write(info.Register, info.data); });
+  return handlePenetrate<RVConfigFileSpaceKey>(
+      lenth, data, [](const PenetrateInfo& info) { space.write(info.Register, info.data); });
 }
 
 }  // namespace ORVE_MCUC

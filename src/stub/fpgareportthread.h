@@ -1,11 +1,18 @@
-// Programs the FPGA's report registers at start.
+// Programs the FPGA's report registers at start, and tests FPGA tables for as long as Data_Global's
+// RWFPGATestflag is 1. Asleep otherwise.
 #pragma once
 
 #include <pthread.h>
 
 #include <atomic>
+#include <cstdint>
 
 namespace ORVE_MCUC {
+
+// Writes patterns over the beginning of the position and the port-number tables, in blocks of several sizes,
+// and reads them back; what cannot be transferred and every byte that differs is logged. The tables keep the
+// last pattern.
+void testfpgareadwrite();
 
 class FpgaReportThread {
  public:
@@ -20,17 +27,19 @@ class FpgaReportThread {
   int Release();
   void UnInit() { Release(); }
 
-  // The thread's body: the register writes, then nothing until Release().
+  // The thread's body: the register writes, then table tests while they are asked for, until Release().
   int ActiveReport();
   // Report parameters and report enable; a failed write is logged. 0.
   int FPGAReport_init();
 
  private:
   static void* ThreadProc(void* self);
+  void runTest();
 
   pthread_t m_dwFpgaReportThreadID{};
   pthread_t m_hFpgaReportThread{};
   std::atomic<bool> m_bExitFpgaReportThread{false};
+  uint32_t m_testsRun = 0;
 };
 
 }  // namespace ORVE_MCUC

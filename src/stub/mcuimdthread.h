@@ -6,20 +6,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
-#include <span>
-#include <utility>
 #include <vector>
 
 #include "platform/apipc.h"
 #include "stub/mcucmessagestruct.h"
 
 namespace ORVE_MCUC {
-
-// Where encoded messages go, head first: a task, and 0 for a message that was sent.
-using MessageSink = std::function<int(uint32_t task, std::span<const uint8_t> message)>;
-// The message service, which is the sink of every channel until it is given another.
-int sendThroughService(uint32_t task, std::span<const uint8_t> message);
 
 class McuIMDThread {
  public:
@@ -30,8 +22,6 @@ class McuIMDThread {
 
   // From here on notifications are sent; until then there is nobody to take them.
   void open() { m_ready.store(true, std::memory_order_release); }
-  // Replaces the sink; before anything is sent.
-  void sendTo(MessageSink sink) { m_sink = std::move(sink); }
   // Opens the channel and starts the three threads: 0, or kErrThread with the later ones not started.
   int Init();
   // Asks all three threads to end.
@@ -62,7 +52,7 @@ class McuIMDThread {
   void bringUp();
   // One step of its periodic work.
   void tick();
-  // Notices that LSD has connected or gone, and has everything pushed to a new connection.
+  // Notices that LSD has gone or connected anew, and has everything pushed to a new connection.
   void LsdApipcConnHandler();
   // Starts the screen mapping once no submission has come for a whole tick.
   void CalculateSenderParaHandler();
@@ -85,8 +75,8 @@ class McuIMDThread {
   Worker m_recv;
   Worker m_flag;
   std::atomic<bool> m_ready{false};
-  MessageSink m_sink = &sendThroughService;
   uint32_t m_submissionsSeen = 0;       // at the previous tick; flag and status thread only
+  uint64_t m_lsdConnection = 0;         // number of the connection that is told; flag and status thread only
   std::vector<uint32_t> m_vectorUIIDs;  // peers seen so far; receive thread only
 };
 

@@ -3,6 +3,7 @@
 #include "mcucutil.h"
 #include "outofmemory.h"
 #include "platform/apipc.h"
+#include "process/proc_poll.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/store/data_common.h"
@@ -70,7 +71,7 @@ void McuIMDThread::watchStatus() {
   monitor.SendFiberToNetStatustoLSD();
   monitor.SendFiberCopyStatustoLSD();
   monitor.SendGenLockLinktoLSD();
-  // The periodic poll, which adjusts the brightness, joins here.
+  Proc_Poll::getInstance()->AutoBrightnessadjust();
   monitor.SendRecvCardParaToLsdByLinkChange();
 }
 
@@ -80,7 +81,11 @@ void McuIMDThread::LsdApipcConnHandler() {
     monitor.apipc_connect_status = false;
     return;
   }
-  if (monitor.apipc_connect_status && !monitor.OptToNetEnableOnce) return;
+  // Who left and came back within a tick knows nothing either.
+  const uint64_t connection = apipc_connection_number(taskOf(kServiceLsd));
+  const bool known = monitor.apipc_connect_status && connection == m_lsdConnection;
+  if (known && !monitor.OptToNetEnableOnce) return;
+  m_lsdConnection = connection;
   monitor.apipc_connect_status = true;
   monitor.OptToNetEnableOnce = false;
   PARLEND_TRACE(kInfo) << "<<<<<<FlagMsg process thread apipc_connect_chktask_by_taskid success!>>>>>>";

@@ -48,7 +48,7 @@ void logSent(const Words& words, const unsigned char* bytes, int total) {
   }
 }
 
-int sendFrame(IMD_proto3rd& record, uint32_t task, const MessageSink& sink, const Words& words) {
+int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
   PARLEND_TRACE(kInfo) << words.begin;
   // Only the bytes that are sent are ever written, so the buffer is not cleared.
   unsigned char buffer[kTransportHeadLength + DATA_BLOCK_LENGTH];
@@ -63,7 +63,7 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const MessageSink& sink, cons
   const int total = kTransportHeadLength + length;
   PARLEND_TRACE(kInfo) << "ReplyMsg: the ack = " << record.proto.m_ucAck;
   PARLEND_TRACE(kInfo) << "================================= Begin apipc send ==============================";
-  const int sent = sink(task, {buffer, static_cast<std::size_t>(total)});
+  const int sent = apipc_send(task, buffer, static_cast<unsigned int>(total));
   PARLEND_TRACE(kInfo) << "================================= Finish apipc send =============================";
   if (sent != 0) {
     PARLEND_TRACE(kError) << words.failed << sent;
@@ -76,12 +76,8 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const MessageSink& sink, cons
 
 }  // namespace
 
-int sendThroughService(uint32_t task, std::span<const uint8_t> message) {
-  return apipc_send(task, message.data(), static_cast<unsigned int>(message.size()));
-}
-
 int McuIMDThread::ReplyMsgNew(IMD_proto3rd* request) {
-  return sendFrame(*request, taskOf(kServiceSend), m_sink, kReply);
+  return sendFrame(*request, taskOf(kServiceSend), kReply);
 }
 
 int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
@@ -89,7 +85,7 @@ int McuIMDThread::SendMsgNew(IMD_proto3rd* message) {
     PARLEND_TRACE(kInfo) << "SendMsg: the message channel is not there yet, nothing is sent.";
     return kErrSend;
   }
-  return sendFrame(*message, message->processID, m_sink, kNotification);
+  return sendFrame(*message, message->processID, kNotification);
 }
 
 int McuIMDThread::SendMsg(IMD_proto3rd message) {

@@ -18,10 +18,16 @@ int McuProcessThread::Init() {
 }
 
 int McuProcessThread::CreateThread() {
+  expectThread();
   const int result = startDetachedThread("McuProcessThread::", &ThreadProc, this, m_dwMcuProcessThreadID);
   m_hMcuProcessThread = m_dwMcuProcessThreadID;
   if (result != 0) giveUp();
   return result;
+}
+
+void McuProcessThread::expectThread() {
+  const Lock lock(m_processLstMenux);
+  m_threadRuns = true;
 }
 
 int McuProcessThread::Release() {
@@ -58,6 +64,11 @@ int McuProcessThread::addMessageToList(MCUProcessDataBlock* item) {
   if (added) return kDone;
   PARLEND_TRACE(kError) << "=== addMessageToList ===no thread works the queue off, the item is refused.";
   return kRefused;
+}
+
+std::size_t McuProcessThread::producersWaiting() {
+  const Lock lock(m_processLstMenux);
+  return m_producers;
 }
 
 bool McuProcessThread::waitForTurn(Lock& lock) {

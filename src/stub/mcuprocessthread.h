@@ -44,6 +44,9 @@ class McuProcessThread {
   // before the thread wait for it, as many as there is room for.
   int addMessageToList(MCUProcessDataBlock* item);
 
+  // How many threads wait for their turn to add.
+  std::size_t producersWaiting();
+
   // The thread's body: hands the oldest item to the dispatcher, one after the other, until Release().
   void doProcess();
   // The same on the calling thread, which stands in for the queue's, until nothing is left. Returns how many
@@ -55,6 +58,8 @@ class McuProcessThread {
   using Lock = std::unique_lock<std::mutex>;
 
   static void* ThreadProc(void* self);
+  // From here on it is worth waiting for room.
+  void expectThread();
   // Waits until an item may be added. False: it is refused.
   bool waitForTurn(Lock& lock);
   bool hasRoom() const { return m_messageList.size() < kMostItems; }

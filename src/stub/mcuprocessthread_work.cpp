@@ -19,9 +19,8 @@ void* McuProcessThread::ThreadProc(void* self) {
 
 void McuProcessThread::doProcess() {
   PARLEND_TRACE(kDebug) << "doProcess process thread begin:";
+  expectThread();
   Lock lock(m_processLstMenux);
-  m_threadRuns = true;
-  m_turn.notify_all();
   while (!m_bExitMcuProcessThread) {
     m_work.wait(lock, [this] { return m_bExitMcuProcessThread || !m_messageList.empty(); });
     handleAll(lock);

@@ -53,8 +53,12 @@ TEST_F(ApipcLoadTest, AFloodStopsAtItsShareAndLosesNothing) {
 
 TEST_F(ApipcLoadTest, EachPeerHasItsTurnHoweverMuchOthersSent) {
   const auto peers = join(6);
+  countQueued();
   std::vector<uint32_t> sent;
-  for (uint32_t i = 0; i < 5; ++i) sent.push_back(flood(*peers[i], task(i + 1), 60000));
+  for (uint32_t i = 0; i < 5; ++i) {
+    const uint32_t nearlyAllThatFloodsMayTake = std::min(60 * (i + 1), 200U);
+    sent.push_back(flood(*peers[i], task(i + 1), 60000, nearlyAllThatFloodsMayTake));
+  }
   constexpr uint32_t kOfQuiet = 4;
   for (uint32_t i = 0; i < kOfQuiet; ++i) ASSERT_TRUE(peers[5]->send(packet(task(6), 20, i)));
   ASSERT_EQ(client().join(7), task(7)) << "two turns of the service: it has read what was there before";

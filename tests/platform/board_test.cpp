@@ -3,6 +3,7 @@
 #include <numeric>
 #include <thread>
 
+#include "board_conf.h"
 #include "board_fixture.h"
 #include "platform/driver.h"
 #include "platform/sysconf.h"
@@ -62,18 +63,23 @@ TEST_F(BoardTest, PowerOnShowsTheLinksOfTheConfiguration) {
 }
 
 TEST_F(BoardTest, AWrongConfigurationLineIsNamedAndEndsTheStart) {
-  const auto wrong = [this](const std::string& conf, const char* message) {
-    EXPECT_EXIT(start(conf), testing::ExitedWithCode(2), message);
-  };
-  wrong("# cards\n\ncolour = red\n", "board.conf:3: unknown key \"colour\"");
-  wrong("card_bit = 256\n", "board.conf:1: .*card_bit");
-  wrong("copper_ports = 0-16\n", "board.conf:1: .*copper_ports");
-  wrong("copper_ports = 5-3\n", "board.conf:1:");
-  wrong("cards_per_port = 4x\n", "board.conf:1: .*cards_per_port");
-  wrong("input = 0 dvi\n", "board.conf:1:");
-  wrong("input = 3 dvi\ninput = 0x03 vga\n", "board.conf:2:");
-  wrong("sensor = 0 0 1\n", "board.conf:1: .*sensor");
-  wrong("journal\n", "board.conf:1:");
+  const std::pair<const char*, const char*> wrong[] = {
+      {"# cards\n\ncolour = red\n", "board.conf:3: unknown key \"colour\""},
+      {"card_bit = 256\n", "board.conf:1: bad value \"256\" for card_bit"},
+      {"copper_ports = 0-16\n", "board.conf:1: bad value \"0-16\" for copper_ports"},
+      {"copper_ports = 5-3\n", "board.conf:1: bad value \"5-3\" for copper_ports"},
+      {"cards_per_port = 4x\n", "board.conf:1: bad value \"4x\" for cards_per_port"},
+      {"input = 0 dvi\n", "board.conf:1: bad value \"0 dvi\" for input"},
+      {"input = 3 dvi\ninput = 0x03 vga\n", "board.conf:2: bad value \"0x03 vga\" for input"},
+      {"sensor = 0 0 1\n", "board.conf:1: bad value \"0 0 1\" for sensor"},
+      {"journal\n", "board.conf:1: not a \"key = value\" line"}};
+  for (const auto& [text, message] : wrong) {
+    simboard::BoardConf conf;
+    std::string error;
+    EXPECT_FALSE(simboard::parseConf(text, conf, error)) << text;
+    EXPECT_EQ(error, message);
+  }
+  EXPECT_EXIT(start("card_bit = x\n"), testing::ExitedWithCode(2), "^board.conf:1: .*card_bit\n$");
 }
 
 TEST_F(BoardTest, ASecondDaemonIsRefused) {

@@ -99,6 +99,20 @@ TEST_F(BoardTest, APowerCutLeavesOfItsWriteWhatWasDoneAndNothingHappensAfterIt) 
   }
 }
 
+TEST_F(BoardTest, NoThreadWritesAnyMoreOnceThePowerIsGone) {
+  start();
+  cutPower({60, PowerCut::All});
+  std::vector<std::thread> writers;
+  for (uint32_t i = 0; i < 4; ++i) {
+    writers.emplace_back([i] {
+      for (uint32_t k = 0; k < 100; ++k) writeFlash(0x100 * i + k, {1});
+    });
+  }
+  for (auto& writer : writers) writer.join();
+  const Bytes written = flash(0, 0x400);
+  EXPECT_EQ(std::count(written.begin(), written.end(), 1), 60);
+}
+
 // The loop that every save can be put into.
 TEST_F(BoardTest, AScenarioIsRunWithThePowerGoingAtEveryWriteOfIts) {
   const auto scenario = [] {

@@ -20,8 +20,8 @@ constexpr uint32_t kServiceCode = 0x00FFFFFF;
 constexpr uint32_t kServiceSend = 0x070400;  // what is sent there goes to the task that the head names
 
 struct Desk {
-  std::map<uint32_t, uint32_t> connections;  // task, and which of all connections it is
-  uint32_t numbered = 0;
+  std::map<uint32_t, uint64_t> connections;  // task, and which of all connections it is
+  uint64_t numbered = 0;
   std::deque<std::unique_ptr<__apmsg_st>> inbox;
   std::unique_ptr<__apmsg_st> taken;
   std::vector<messagedesk::Sent> sent;
@@ -112,5 +112,15 @@ int apipc_send(uint32_t task, const void* buffer, unsigned int length) {
 }
 
 int apipc_connect_chk_task_by_taskid(uint32_t task) {
-  return desk().connections.contains(task) ? 0 : -1;
+  return apipc_connection_number(task) == 0 ? -1 : 0;
+}
+
+uint64_t apipc_connection_number(uint32_t task) {
+  const auto found = desk().connections.find(task);
+  return found == desk().connections.end() ? 0 : found->second;
+}
+
+uint64_t apipc_connection_number(uint32_t task) {
+  const auto connection = desk().connections.find(task);
+  return connection == desk().connections.end() ? 0 : connection->second;
 }

@@ -1,48 +1,18 @@
-// Ticks of the flag and status thread, called one by one, and what LSD is told in each. The start-up owner
-// runs here as in the daemon, once for the program: its threads never end, and its own flag thread waits for
-// ever.
+// Ticks of the flag and status thread, called one by one, and what LSD is told in each.
 #include <gmock/gmock.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <optional>
-#include <thread>
-
-#include "../../platform/board_fixture.h"
 #include "../allocations.h"
-#include "mcucutil.h"
-#include "peer/peer.h"
-#include "platform/apipc.h"
 #include "process/tprocess_ctl.h"
 #include "proto/store/data_common.h"
-#include "stub/mcuimdthread.h"
-#include "stub/stubutil.h"
-#include "taskid.h"
+#include "testdaemon.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-using namespace std::chrono_literals;
+using Fault = TestBoard::Fault;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Pushes = std::vector<std::string>;  // "1f 0f": FPGA register or whole address, data
-
-// One board for all tests.
-class SharedBoard : public BoardTest {
- public:
-  using BoardTest::bytes;
-  using BoardTest::failNext;
-  using BoardTest::file;
-  using BoardTest::kEveryCall;
-  using BoardTest::poke;
-  using BoardTest::start;
-  void TestBody() override {}
-};
-
-SharedBoard& board() {
-  static auto* instance = new SharedBoard;
-  return *instance;
-}
 
 struct Change {
   uint32_t at;
@@ -51,55 +21,37 @@ struct Change {
 
 const std::vector<Change> kAllZero{{0x18, std::vector<uint8_t>(0x1FC - 0x18)}};
 
+// Nobody has been told anything, and all statuses are zero.
 class MonitorTest : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    board().start("fpga_autoload = no\ncopper_ports =\ncard_width = 256\n");
-    setDelayScale(0);
-    ASSERT_TRUE(StubUtil::getInstance()->initialize());
-  }
-  // Nobody has been told anything, and all statuses are zero.
-  void SetUp() override {
+  MonitorTest() : daemon("fpga_autoload = no\ncopper_ports =\ncard_width = 256\n") {
     change(kAllZero);
-    lsdLeaves();
-    for (int i = 0; i < 12; ++i) ticker.tick();
-    ASSERT_EQ(store().LinkStateChanged, 0);
-  }
-  void TearDown() override {
-    board().failNext(simboard::Fault::FpgaRead, 0);
-    board().failNext(simboard::Fault::CardRead, 0);
+    daemon.tick(12);
   }
 
   static Data_Global& store() { return *Data_Global::getInstance(); }
-  static void change(const std::vector<Change>& changes) {
-    for (const Change& each : changes) board().poke("hw/fpga.bin", each.at, each.bytes);
+  void change(const std::vector<Change>& changes) {
+    for (const Change& each : changes) daemon.board.setFpga(each.at, each.bytes);
   }
-  static bool lsdIsThere() { return apipc_connect_chk_task_by_taskid(taskOf(kServiceLsd)) != -1; }
-  void lsdComes() { lsd.emplace(board().file("run/apipc.sock").string(), peer::kLsd, 10s); }
-  void lsdLeaves() {
-    lsd.reset();
-    while (lsdIsThere()) std::this_thread::sleep_for(1ms);
-  }
-  // One tick: the pushes have arrived when it is over.
+  // One tick and what LSD is told in it.
   Pushes tick() {
-    ticker.tick();
+    daemon.tick();
     Pushes pushes;
-    while (const auto push = lsd->nextPush(0ms)) {
+    for (const peer::Frame& push : daemon.pushes()) {
       std::array<char, 16> address{};
       std::snprintf(address.data(), address.size(), "%x ",
-                    push->address < 0x02000200 ? push->address - 0x02000000 : push->address);
-      pushes.push_back(address.data() + peer::toHex(push->data));
+                    push.address < 0x02000200 ? push.address - 0x02000000 : push.address);
+      pushes.push_back(address.data() + peer::toHex(push.data));
     }
     return pushes;
   }
   // LSD is connected and knows that all statuses are zero.
   void lsdKnowsAll() {
-    lsdComes();
+    daemon.connect();
     EXPECT_THAT(tick(), ElementsAre("1d7 00"));
   }
 
-  McuIMDThread ticker;
-  std::optional<peer::Peer> lsd;
+  TestDaemon daemon;
 };
 
 TEST_F(MonitorTest, EveryChangeIsPushedWithItsGroupInTheOrderOfTheChecksAndOnce) {
@@ -164,13 +116,13 @@ TEST_F(MonitorTest, ANewConnectionIsToldAllThatIsNotZeroInItsFirstTick) {
   const auto kTold = ElementsAre("18 80000000", "98 00000000", "100 00000000", "1e 00", "9e 00", "120 0700",
                                  "1f 01", "9f 00", "126 0000", "1f4 00", "1f5 02", "1da 06", "1da 06");
   for (int connection = 0; connection < 2; ++connection) {
-    lsdComes();
+    daemon.connect();
     EXPECT_THAT(tick(), kTold);
     EXPECT_THAT(tick(), IsEmpty());
-    lsdLeaves();
-    ticker.tick();
+    daemon.disconnect();
+    daemon.tick();
   }
-  lsdComes();
+  daemon.connect();
   tick();
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = true;
   EXPECT_THAT(tick(), kTold);
@@ -189,13 +141,13 @@ TEST_F(MonitorTest, TheCardsBehindAChangedLinkAreMeasuredThreeTicksLater) {
 }
 
 TEST_F(MonitorTest, CardsThatDoNotAnswerAreAskedAgainAndGivenUpAfter30Counts) {
-  board().failNext(simboard::Fault::CardRead, 2);
+  daemon.board.failNext(Fault::CardRead, 2);
   lsdKnowsAll();
   change({{0x1F, {1}}, {0xF05100, {1}}});
   for (int i = 0; i < 5; ++i) tick();
   EXPECT_THAT(tick(), ElementsAre("2100006 00018000"));
 
-  board().failNext(simboard::Fault::CardRead, SharedBoard::kEveryCall);
+  daemon.board.failNext(Fault::CardRead, TestBoard::kEveryCall);
   change({{0x1F, {3}}});
   for (int i = 0; i < 29; ++i) tick();
   EXPECT_EQ(store().LinkStateChanged, 30);
@@ -205,26 +157,26 @@ TEST_F(MonitorTest, CardsThatDoNotAnswerAreAskedAgainAndGivenUpAfter30Counts) {
 
 TEST_F(MonitorTest, WithoutALinkOrWithoutLsdTheMeasurementIsGivenUpAfter10Counts) {
   for (const uint8_t links : {uint8_t{0}, uint8_t{1}}) {
-    if (links == 0) lsdComes();
+    if (links == 0) daemon.connect();
     change({{0x1F, {1}}});
-    ticker.tick();
+    daemon.tick();
     change({{0x1F, {links}}});
-    ticker.tick();
+    daemon.tick();
     store().LinkStateChanged = 1;
-    for (int i = 0; i < 9; ++i) ticker.tick();
+    daemon.tick(9);
     EXPECT_EQ(store().LinkStateChanged, 10);
-    ticker.tick();
+    daemon.tick();
     EXPECT_EQ(store().LinkStateChanged, 0);
-    lsdLeaves();
+    daemon.disconnect();
   }
 }
 
 TEST_F(MonitorTest, AReadThatFailsIsNoChangeAndTheChangeIsPushedLater) {
   lsdKnowsAll();
   change({{0x1F, {1}}, {0x1D7, {1}}, {0x18, {1}}, {0x1F2, {1}}});
-  board().failNext(simboard::Fault::FpgaRead, SharedBoard::kEveryCall);
+  daemon.board.failNext(Fault::FpgaRead, TestBoard::kEveryCall);
   EXPECT_THAT(tick(), IsEmpty());
-  board().failNext(simboard::Fault::FpgaRead, 0);
+  daemon.board.failNext(Fault::FpgaRead, 0);
   EXPECT_EQ(tick().size(), 9U);
 }
 
@@ -233,10 +185,10 @@ TEST_F(MonitorTest, ALinkIsNotLostToANewConnectionWhoseTickCannotReadIt) {
   change({{0x1F, {2}}, {0x1F4, {4}}});
   tick();
   EXPECT_EQ(store().linkedPorts(), 0x0006);
-  lsdLeaves();
-  ticker.tick();
-  lsdComes();
-  board().failNext(simboard::Fault::FpgaRead, SharedBoard::kEveryCall);
+  daemon.disconnect();
+  daemon.tick();
+  daemon.connect();
+  daemon.board.failNext(Fault::FpgaRead, TestBoard::kEveryCall);
   tick();
   EXPECT_EQ(store().linkedPorts(), 0x0006);
 }
@@ -244,15 +196,14 @@ TEST_F(MonitorTest, ALinkIsNotLostToANewConnectionWhoseTickCannotReadIt) {
 TEST_F(MonitorTest, AnIdleTickReadsEachStatusOnceAndAllocatesNothing) {
   lsdKnowsAll();
   const std::size_t allocated = allocations();
-  ticker.tick();
+  daemon.tick();
   EXPECT_EQ(allocations(), allocated);
   // The counter of failures counts the reads: each is tried three times.
   constexpr uint32_t kMany = 200;
   constexpr uint32_t kReads = 18;
-  board().failNext(simboard::Fault::FpgaRead, kMany);
-  ticker.tick();
-  EXPECT_EQ(board().bytes("hw/control.bin", 16 + 4 * static_cast<uint32_t>(simboard::Fault::FpgaRead), 1)[0],
-            kMany - 3 * kReads);
+  daemon.board.failNext(Fault::FpgaRead, kMany);
+  daemon.tick();
+  EXPECT_EQ(simboard::faultLeft(Fault::FpgaRead).calls, kMany - 3 * kReads);
 }
 
 TEST_F(MonitorTest, AFactoryResetStopsTheChecksAndAnInvalidStateIsResetOnce) {
@@ -273,32 +224,22 @@ TEST_F(MonitorTest, EveryBurstOfSubmissionsWaitsForAWholeQuietTick) {
   auto& submissions = store().CalculateParaHandlerCnt;
   for (int burst = 0; burst < 2; ++burst) {
     submissions = 1;
-    ticker.tick();
+    daemon.tick();
     submissions = 3;
-    ticker.tick();
+    daemon.tick();
     EXPECT_EQ(submissions, 3U);
-    ticker.tick();
+    daemon.tick();
     EXPECT_EQ(submissions, 0U);
   }
   submissions = 3;
-  ticker.tick();
+  daemon.tick();
   EXPECT_EQ(submissions, 3U);
   submissions = 0;
-  ticker.tick();
+  daemon.tick();
   submissions = 3;
-  ticker.tick();
+  daemon.tick();
   EXPECT_EQ(submissions, 3U) << "seen before, but not at the previous tick";
 }
 
 }  // namespace
 }  // namespace ORVE_MCUC
-
-// The daemon's threads go on, so nothing that they use may be destroyed at the end.
-int main(int argc, char** argv) {
-  testing::InitGoogleTest(&argc, argv);
-  const int result = RUN_ALL_TESTS();
-  std::error_code ignored;
-  std::filesystem::remove_all(ORVE_MCUC::board().file(""), ignored);
-  std::fflush(nullptr);
-  _exit(result);
-}

@@ -80,7 +80,8 @@ uint32_t daemonIdentity(const Options& options) {
   }
 }
 
-Json faultsOf(const peer::Board& board) {
+// Counters that are not zero: as numbers, or in words with what must pass first and where.
+Json faultsOf(const peer::Board& board, bool inWords) {
   Json faults = Json::object();
   for (unsigned i = 0; i < peer::kFaultNames.size(); ++i) {
     const peer::FaultPlan plan = board.faultPlan(i);
@@ -88,10 +89,14 @@ Json faultsOf(const peer::Board& board) {
     std::string text = plan.count == peer::kAlways ? "always" : std::to_string(plan.count);
     if (plan.after != 0) text += " after " + std::to_string(plan.after);
     if (plan.last != 0) text += " in " + hexAddress(plan.first) + '-' + hexAddress(plan.last);
-    faults[std::string(peer::kFaultNames[i])] =
-        plan.count == peer::kAlways || text.find(' ') != std::string::npos ? Json(text) : Json(plan.count);
+    faults[std::string(peer::kFaultNames[i])] = inWords ? Json(text) : Json(plan.count);
   }
   return faults;
+}
+
+std::string faultWords(const peer::Board& board) {
+  const Json faults = faultsOf(board, true);
+  return faults.empty() ? "none" : words(faults);
 }
 
 std::string powerCutText(const peer::PowerCut& cut) {
@@ -107,20 +112,18 @@ Json hardware(const peer::Board& board) {
            {{"copper", portsWithLink(board, Medium::Copper)},
             {"fiber1", portsWithLink(board, Medium::Fiber1)},
             {"fiber2", portsWithLink(board, Medium::Fiber2)}}},
-          {"faults", faultsOf(board)},
+          {"faults", faultsOf(board, false)},
+          {"fault_plans", faultsOf(board, true)},
           {"power_cut", powerCutText(board.powerCut())},
           {"clock_offset", board.clockOffset()}};
-}
-
-std::string faultWords(const Json& faults) {
-  return faults.empty() ? "none" : words(faults);
 }
 
 std::string boardText(const Json& shown) {
   std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
                      (shown["daemon"].get<bool>() ? "answers" : "does not answer");
   if (shown["powered"].get<bool>())
-    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " + faultWords(shown["faults"]) +
+    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " +
+            (shown["fault_plans"].empty() ? "none" : words(shown["fault_plans"])) +
             "\npower    cut: " + shown["power_cut"].get<std::string>() + "\nclock    " +
             shown["clock_offset"].dump() + " s from this machine's";
   else
@@ -171,8 +174,8 @@ void fault(const Options& options, const BoardArguments& arguments) {
   }
   const peer::Board board = poweredBoard(options);
   board.setFaultPlan(*index, plan);
-  const Json faults = faultsOf(board);
-  options.print({{{"faults", faults}}, "faults   " + faultWords(faults)});
+  options.print({{{"faults", faultsOf(board, false)}, {"fault_plans", faultsOf(board, true)}},
+                 "faults   " + faultWords(board)});
 }
 
 void power(const Options& options, const BoardArguments& arguments) {

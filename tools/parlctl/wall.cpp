@@ -114,14 +114,15 @@ Verdict verify(const Options& options, peer::Peer& daemon, const WantedWall& wan
                CalculationWitness& witness) {
   Verdict verdict{wanted.plan(), {}, {}};
   verdict.comparison = lookUntil(options.patience(), [&]() -> Comparison {
-    if (!witness.works())
-      return {Outcome::Unknown, "unknown: this calculation cannot be told from an earlier one"};
-    if (!witness.hasSeen()) return {Outcome::Mismatch, "mismatch: no calculation since the submission"};
+    if (witness.works() && !witness.hasSeen())
+      return {Outcome::Mismatch, "mismatch: no calculation since the submission"};
     verdict.plan = wanted.plan(cardSize(daemon).size);  // the daemon measures it on its way
     const Seen seen = lookAtFpga(options, daemon, verdict.plan);
     if (seen.outcome == Outcome::Unknown) return {Outcome::Unknown, seen.text};
     if (seen.outcome == Outcome::Differs)
       return {Outcome::Mismatch, "mismatch" + seen.text.substr(seen.text.find(':'))};
+    if (!witness.works())
+      return {Outcome::Unknown, "unknown: this calculation cannot be told from an earlier one"};
     verdict.saved = lookAtFlash(options, verdict.plan);
     if (verdict.saved.outcome == Outcome::Differs)
       return {Outcome::Mismatch, "mismatch: saved copy " + verdict.saved.text};

@@ -50,7 +50,7 @@ inline constexpr std::array kRegisters{
     NamedRegister{reg::ofFeature(fpga::kScreenOffsetY), 2, "screen offset Y",
                   "shifts the picture in bypass mode"},
     NamedRegister{reg::ofFeature(fpga::kMappedWidth), 2, "mapped width", "changes the output size"},
-    NamedRegister{reg::ofFeature(fpga::kSerialTimeOut), 1, "serial time-out",
+    NamedRegister{reg::ofFeature(fpga::kSerialTimeout), 1, "serial time-out",
                   "is the heartbeat of the serial controller"},
     NamedRegister{reg::ofFeature(fpga::kMappingOption), 1, "mapping option", "is pushed to LSD"},
     NamedRegister{reg::ofFeature(fpga::kLowDelay), 1, "low delay",

@@ -57,15 +57,4 @@ constexpr std::array kViews{
     View{"tests/system/", {"tests/support/", "tools/", "src/maps/", "src/calc/", "src/mcucdatablock.h"}},
 };
 
-/** Arrows that run upward and are not untied yet. The list only shrinks. */
-struct Arrow {
-  std::string_view from, to;
-};
-
-constexpr std::array kKnots{
-    Arrow{"src/driverutil_cards.cpp", "src/proto/store/data_common.h"},
-    Arrow{"src/proto/store/data_common_push.cpp", "src/stub/stubutil.h"},
-    Arrow{"src/proto/spaces/registerspace.cpp", "src/stub/stubutil.h"},
-};
-
 }  // namespace house

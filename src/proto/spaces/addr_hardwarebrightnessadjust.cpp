@@ -45,8 +45,7 @@ int ReadFromBrightnessInfo(IMD_proto3rd& request) {
     replyWith(request, bytes);
     return kDone;
   }
-  return replyFromFlash(request, flash::ofBrightness(address), "ReadFromBrightnessInfo") == 0 ? kDone
-                                                                                              : kFailed;
+  return replyFromFlash(request, flash::ofBrightness(address), "ReadFromBrightnessInfo") == 0 ? kDone : kFailed;
 }
 
 int WriteToBrightnessInfo(IMD_proto3rd& request) {

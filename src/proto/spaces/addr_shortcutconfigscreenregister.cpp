@@ -79,6 +79,18 @@ void logExpectedSplit(std::span<const uint8_t> record, const SmartScreen& screen
   logPortLoad(screen, splitOf(screen));
 }
 
+// Whether a write into the ports' blocks gives one of them a connection mode that does not exist.
+bool namesUnknownMode(uint32_t offset, std::span<const uint8_t> data) {
+  for (std::size_t port = 0; port < kMappedPorts; ++port) {
+    const std::size_t at = shortcut::kPortsAt + port * shortcut::kPortSize + shortcut::kPortModeAt;
+    if (at < offset || at - offset >= data.size() || data[at - offset] < kConnectionModes) continue;
+    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===Check Para stage: Para invalid! Port = "
+                          << port << " Mode = " << data[at - offset];
+    return true;
+  }
+  return false;
+}
+
 // Stores one field of the advanced configuration, for the ports that are mapped.
 void ParseAdvCfgScreen(uint32_t address, std::span<const uint8_t> data) {
   const std::size_t offset = (address & reg::kOffsetMask) - shortcut::kPortsAt;
@@ -121,6 +133,11 @@ int submitSmart(IMD_proto3rd& request) {
                           << " Box Number = " << record[shortcut::kCardsPerPortAt];
     return kRefused;
   }
+  if (screen.mode >= kConnectionModes) {
+    PARLEND_TRACE(kError) << "=== WriteToShortcutConfigScreen ===Check Para stage: Para invalid! Mode = "
+                          << screen.mode;
+    return kRefused;
+  }
   measureCardsOnce();
   logExpectedSplit(record, screen);
   const int stored = writeRecordBytes(0, record);
@@ -151,6 +168,7 @@ int writeRecord(IMD_proto3rd& request) {
   } else if (offset < shortcut::kPortsAt || offset > shortcut::kPortsLast) {
     PARLEND_TRACE(kInfo) << "cfg screen flag = " << m_cfgScreenFlag;
   } else if (!submits) {
+    if (namesUnknownMode(offset, data)) return kRefused;
     ParseAdvCfgScreen(request.proto.m_uiRegisterUnitAddress, data);
   }
   if (submits && (offset & 0xFF) == 0) {

@@ -1,0 +1,249 @@
+// What a restore makes of a flash and an FPGA that cannot be read, and what a later save makes of it.
+#include "maps/cardmap.h"
+#include "maps/flashmap.h"
+#include "maps/fpgamap.h"
+#include "platform/sysconf.h"
+#include "process/tprocess.h"
+#include "proto/store/deviceaccess.h"
+#include "proto/store/porttables.h"
+#include "store_fixture.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct Area {
+  const char* name;
+  uint32_t first;
+  uint32_t length;
+};
+constexpr Area kFeature{"feature", flash::kFeature, 512};
+constexpr Area kGlobal{"global", flash::kGlobalPara, 512};
+constexpr Area kTable0{"table of port 0", flash::kPositionTables, 0x1000};
+constexpr Area kTable9{"table of port 9", flash::kPositionTables + 0x9000, 0x1000};
+constexpr Area kNumber{"number", flash::kNumberTable, 768};
+constexpr Area kScreen{"screen", flash::kScreenPara, 2};
+constexpr Area kAreas[] = {kFeature, kGlobal, kTable0, kTable9, kNumber, kScreen};
+
+class RestoreTest : public StoreFixture {
+ protected:
+  static constexpr uint8_t kPattern = 0x20;  // also an output mode that is left alone
+  void SetUp() override {
+    board.start("copper_ports = 0-3\ncard_width = 97\ncard_height = 81\n");
+    for (const Area& area : kAreas) board.setFlash(area.first, Bytes(area.length, kPattern));
+  }
+  void failReads(const Area& area) const {
+    board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, area.first, area.first + area.length - 1});
+  }
+  Bytes stored(const Area& area) const { return board.flash(area.first, area.length); }
+  // Other values in memory than in flash, as a peer or an empty start leaves them.
+  static void changeImages() {
+    store().SendParameterReg.fill(0x77);
+    store().ScreenParaReg.fill(0x77);
+    ParaTable.fill(0x77);
+    PortsTopoPara.fill(0x77);
+    VsPartPara.fill(0x77);
+  }
+};
+
+TEST_F(RestoreTest, WhatCannotBeLoadedIsLeftAloneInFlashAndTheRestIsSaved) {
+  for (const Area& lost : kAreas) {
+    SCOPED_TRACE(lost.name);
+    Data_Global::deleteInstance();
+    for (const Area& area : kAreas) board.setFlash(area.first, Bytes(area.length, kPattern));
+    failReads(lost);
+    store().RestoreFPGA();
+    changeImages();
+    const std::string errors = errorsOf([] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); });
+    EXPECT_THAT(errors, HasSubstr("not saved"));
+    for (const Area& area : kAreas) {
+      const uint8_t expected = area.first == lost.first ? kPattern : 0x77;
+      EXPECT_EQ(stored(area), Bytes(area.length, expected)) << area.name;
+    }
+    board.clearFaults();
+  }
+}
+
+TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImage) {
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  store().RestoreFPGA();
+  board.clearFaults();
+  ByteImage<1024> table;
+  table.putLe16(2, 1);
+  table.putLe16(4, 3);
+  table.putLe16(6, 3);
+  store().CalculateParaOfSenderInMosaicMode(table, {});
+  EXPECT_EQ(board.flash(flash::ofFeature(0x21), 1), Bytes{kPattern});
+  EXPECT_EQ(board.flash(flash::ofFeature(fpga::kScreenWidth), 2), (Bytes{0x80, 0x01})) << "calculated";
+  EXPECT_EQ(board.flash(flash::kNumberTable + 0x109, 1), Bytes{kPattern});
+  EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
+  ASSERT_EQ(store().loadFailures.portTables, 0);
+}
+
+TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {
+  store().RestoreFPGA();
+  EXPECT_EQ(ParaTable[0], kPattern);
+  ParaTable[0] = 1;
+  store().RestoreFPGA();
+  EXPECT_EQ(ParaTable[0], 1);
+}
+
+TEST_F(RestoreTest, AHardwarePageThatCannotBeReadIsNotSaved) {
+  board.setFlash(flash::kBasicHardwareCopy, Bytes(256, kPattern));
+  board.setFlash(flash::kBasicHardwarePage, Bytes(256, 0x31));
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, 0x1000, 0x10FF});
+  store().ReadHardwareInfo();
+  store().SaveParaToFlash(0);
+  EXPECT_EQ(board.flash(flash::kBasicHardwareCopy, 256), Bytes(256, kPattern));
+  board.clearFaults();
+  store().SaveParaToFlash(0);
+  EXPECT_EQ(board.flash(flash::kBasicHardwareCopy + 255, 1), Bytes{0x31});
+}
+
+TEST_F(RestoreTest, TheHardwaresOwnRegistersAreThoseOfTodayOnceTheFpgaIsThere) {
+  constexpr uint32_t kStatus[] = {0x1E, 0x1F, 0x9E, 0x9F, 0x120, 0x121, 0x126, 0x127, 0x1D7, 0x1E0, 0x1E1};
+  for (const uint32_t at : kStatus) board.setFpga(at, {static_cast<uint8_t>(at)});
+  store().RestoreFPGA();
+  for (const uint32_t at : kStatus) EXPECT_EQ(store().SendParameterReg[at], kPattern) << at;
+  store().FpgaOnlineFlag = 1;
+  store().RestoreFPGA();
+  for (const uint32_t at : kStatus) EXPECT_EQ(store().SendParameterReg[at], static_cast<uint8_t>(at)) << at;
+  EXPECT_EQ(store().SendParameterReg[0x20], kPattern);
+  EXPECT_EQ(store().SendParameterReg[0x1D8], kPattern);
+  EXPECT_EQ(store().SendParameterReg[0x1F2], kPattern) << "a setting of the image lies there";
+}
+
+TEST_F(RestoreTest, AReloadedPortTableKeepsWhatWasPutInMeanwhile) {
+  store().RestoreFPGA();
+  store().FpgaOnlineFlag = 1;
+  store().RestoreFPGA();
+  for (const uint32_t port : {0U, 9U}) EXPECT_EQ(board.fpga(portTableOnFpga(port) + 0xFFF, 1), Bytes{kPattern});
+}
+
+TEST_F(RestoreTest, TheFirstBootAfterAResetTakesStoredSizesAndZerosAsTheyAre) {
+  const struct {
+    Bytes stored;
+    bool readable;
+    CardSize card;
+  } cases[] = {
+      {{0, 1, 0, 0, 64, 0, 0, 0}, true, {256, 64}},     {{0, 0, 0, 0, 64, 0, 0, 0}, true, {0, 64}},
+      {{64, 0, 0, 0, 0, 0, 0, 0}, true, {64, 0}},       {{0, 0, 1, 0, 64, 0, 0, 0}, true, {128, 128}},
+      {{64, 0, 0, 0, 0, 0, 1, 0}, true, {128, 128}},    {{0, 1, 0, 0, 64, 0, 0, 0}, false, {128, 128}},
+      {{0xFF, 0xFF, 0, 0, 1, 0, 0, 0}, true, {0xFFFF, 1}},
+  };
+  for (const auto& [size, readable, card] : cases) {
+    Data_Global::deleteInstance();
+    board.clearFaults();
+    ASSERT_EQ(sysconf_openenv(), 0);
+    ASSERT_EQ(sysconf_setenv("firstboot", "1"), 0);
+    board.setFlash(flash::kScreenSize, size);
+    if (!readable) board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, flash::kScreenSize, flash::kScreenSize + 7});
+    store().RestoreFPGA();
+    EXPECT_FALSE(store().FpgaParaLoadFinish) << "without an FPGA nothing was written to it";
+    EXPECT_EQ(board.flash(flash::kScreenSize, 8), size);
+    EXPECT_EQ(store().SendParameterReg.le16(fpga::kOutputWidth), card.width);
+    EXPECT_EQ(store().SendParameterReg.le16(fpga::kOutputHeight), card.height);
+    store().FpgaOnlineFlag = 1;
+    store().RestoreFPGA();
+    EXPECT_TRUE(store().FpgaParaLoadFinish);
+    EXPECT_EQ(store().ReceiveCardSize.load().width, card.width);
+    EXPECT_EQ(board.flash(flash::kNumberTable + 0x109, 1), Bytes{kPattern}) << "not calculated, not lost";
+  }
+}
+
+TEST_F(RestoreTest, LinksThatNoTickHasSeenAreReadWhenASizeIsNeeded) {
+  const struct {
+    std::string conf;
+    int result;
+  } boards[] = {{"copper_ports = 2\n", 0}, {"copper_ports =\nfiber1_ports = 1\n", 0},
+                {"copper_ports =\nfiber2_ports = 9\n", 0}, {"copper_ports =\n", -1}};
+  for (const auto& [conf, result] : boards) {
+    Data_Global::deleteInstance();
+    board.start("card_width = 97\ncard_height = 81\n" + conf);
+    board.powerOn();
+    store().ReceiveCardSize = CardSize{1, 1};
+    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), result) << conf;
+    EXPECT_EQ(store().ReceiveCardSize.load().width, result == 0 ? 97 : 128) << conf;
+    // What the monitor has seen holds, whatever the hardware shows now.
+    store().GigaPhyLinkSta = 0;
+    store().Fiber1BelowLinkStatus_buff.fill(0);
+    store().Fiber2BelowLinkStatus_buff.fill(0);
+    store().netLinksSeen = true;
+    store().fiberLinksSeen = true;
+    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), -1) << conf;
+  }
+}
+
+TEST_F(RestoreTest, FailuresOfSavesAndPagesAreErrors) {
+  store().RestoreFPGA();
+  const struct {
+    Area area;
+    const char* line;
+  } saves[] = {{kFeature, "=== Save feature para to flash failed! ret = -1"},
+               {kGlobal, "=== Save Global para to flash failed! ret = -1"},
+               {kTable9, "=== Save position para to flash failed! ret = -1"},
+               {kNumber, "=== Save number para to flash failed! ret = -1"},
+               {{"hardware", flash::kBasicHardwareCopy, 256}, "=== Save  basic hardware para to flash failed! ret = -1"}};
+  for (const auto& [area, line] : saves) {
+    board.fault(Fault::FlashWrite, {3, 0, area.first, area.first + area.length - 1});
+    const std::string errors = errorsOf([] {
+      store().SaveParaToFlash(0);
+      store().SaveParaToFlash(1);
+    });
+    EXPECT_THAT(errors, HasSubstr(line));
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+  }
+  board.fault(Fault::FlashWrite, {3, 0, flash::kSoftwareTable + 256, flash::kSoftwareTable + 511});
+  const Bytes data(600, 1);
+  const std::string errors = errorsOf([&] { store().CopyConstDataToFlash(flash::kSoftwareTable, data); });
+  EXPECT_THAT(errors, HasSubstr("the real addr = 0x00c30100 result = -1"));
+  EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+  EXPECT_EQ(board.flash(flash::kSoftwareTable + 512, 89), [] {
+    Bytes bytes(88, 1);
+    bytes.push_back(0);
+    return bytes;
+  }());
+}
+
+TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGiven) {
+  Bytes bytes(2);
+  const CardPlace card{card::kReceivingCard, 0, 0};
+  store().GigaPhyLinkSta = 1;
+  const struct {
+    Fault kind;
+    std::function<int(const char*)> call;
+    const char* line;
+  } accesses[] = {
+      {Fault::FpgaRead, [&](const char* text) { return readFpga(0x24, bytes, {"Caller", text}); },
+       "2 bytes were not read from FPGA 0x00000024. ret = -1"},
+      {Fault::FpgaWrite, [&](const char* text) { return writeFpga(0x24, bytes, {"Caller", text}); },
+       "2 bytes were not written to FPGA 0x00000024. ret = -1"},
+      {Fault::FlashRead, [&](const char* text) { return readFlash(0x24, bytes, {"Caller", text}); },
+       "2 bytes were not read from flash 0x00000024. ret = -1"},
+      {Fault::FlashWrite, [&](const char* text) { return writeFlash(0x24, bytes, {"Caller", text}); },
+       "2 bytes were not written to flash 0x00000024. ret = -1"},
+      {Fault::CardRead, [&](const char* text) { return readCard(card, 0x24, bytes, {"Caller", text}); },
+       "2 bytes were not read from card register 0x00000024. ret = -1"},
+      {Fault::CardWrite, [&](const char* text) { return writeCard(card, 0x24, bytes, {"Caller", text}); },
+       "2 bytes were not written to card register 0x00000024. ret = -1"},
+  };
+  for (const auto& [kind, call, line] : accesses) {
+    EXPECT_EQ(errorsOf([&] { EXPECT_EQ(call(nullptr), 0); }), "") << line;
+    for (const auto& [text, whole] : {std::pair<const char*, std::string>{nullptr, line},
+                                      {"it failed.", "it failed.\n"},
+                                      {"it failed. ret = ", "it failed. ret = -1\n"}}) {
+      board.fault(kind, {TestBoard::kEveryCall});
+      const std::string errors = errorsOf([&] { EXPECT_NE(call(text), 0); });
+      EXPECT_THAT(errors, HasSubstr("=== Caller ===" + whole));
+      board.clearFaults();
+    }
+  }
+  Bytes tooMuch(0x10000);
+  EXPECT_EQ(readCard(card, 0x24, tooMuch), -1);
+  EXPECT_EQ(writeCard(card, 0x24, tooMuch), -1);
+}
+
+}  // namespace
+}  // namespace ORVE_MCUC

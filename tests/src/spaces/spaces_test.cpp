@@ -61,7 +61,9 @@ class SpacesTest : public testing::Test {
       const Answer answer = route(address, length);
       const bool allowed = length >= least && length <= most;
       EXPECT_EQ(answer.result == kBadLength, !allowed) << length;
-      if (!allowed) EXPECT_EQ(answer.ack, kAckRefused) << length;
+      if (!allowed) {
+        EXPECT_EQ(answer.ack, kAckRefused) << length;
+      }
     }
     const Answer strange = route(address, least, 2);
     EXPECT_EQ(strange.result, kBadAccess);

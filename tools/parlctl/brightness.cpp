@@ -6,7 +6,7 @@
 #include "brightness_daemon.h"
 #include "commands.h"
 #include "maps/registermap.h"
-#include "readback.h"
+#include "output.h"
 
 namespace parlctl {
 
@@ -187,6 +187,7 @@ struct CurveArguments {
 };
 
 void curve(const Options& options, const CurveArguments& arguments) {
+  OutputFile svg(arguments.svg);
   BrightnessPlan plan;
   if (arguments.plan.empty()) {
     peer::Peer daemon = options.connect();
@@ -194,7 +195,7 @@ void curve(const Options& options, const CurveArguments& arguments) {
   } else {
     plan = planFromFile(arguments.plan).plan;
   }
-  if (!arguments.svg.empty()) writeFile(arguments.svg, luxCurveSvg(plan));
+  if (svg.wanted()) svg.write(luxCurveSvg(plan));
   Json points = Json::array();
   for (const auto& point : plan.map) points.push_back({{"lux", point.lux}, {"percent", point.percent}});
   options.print({{{"mode", modeName(plan.mode)}, {"map", points}}, luxCurveText(plan)});

@@ -128,11 +128,4 @@ PlanFile planFromFile(const std::string& path) {
   return {decompile(bytes), bytes};
 }
 
-void writeFile(const std::string& path, const std::string& content) {
-  if (path.empty()) return;
-  std::ofstream file(path, std::ios::binary);
-  file << content << std::flush;
-  if (!file) throw Error(Failure::Usage, "cannot write " + path);
-}
-
 }  // namespace parlctl

@@ -41,7 +41,6 @@ struct PlanFile {
   peer::Bytes bytes;
 };
 PlanFile planFromFile(const std::string& path);
-void writeFile(const std::string& path, const std::string& content);
 
 void addPlanVerbs(Verb& brightness, const Options& options);
 

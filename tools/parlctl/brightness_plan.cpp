@@ -1,10 +1,12 @@
 // brightness plan check, write, read, preview.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
 #include "brightness_daemon.h"
 #include "brightnesscheck.h"
 #include "maps/registermap.h"
+#include "output.h"
 #include "readback.h"
 
 namespace parlctl {
@@ -32,14 +34,18 @@ struct PlanArguments {
 Json findingsJson(const std::vector<PlanFinding>& findings) {
   Json list = Json::array();
   for (const PlanFinding& finding : findings)
-    list.push_back({{"rule", finding.rule}, {"where", finding.where}, {"text", finding.text}});
+    list.push_back({{"rule", finding.rule},
+                    {"where", finding.where},
+                    {"text", finding.text},
+                    {"warning", finding.warning}});
   return list;
 }
 
 std::string findingsText(const std::vector<PlanFinding>& findings) {
   std::string text;
   for (const PlanFinding& finding : findings)
-    text += (text.empty() ? "" : "\n") + finding.where + ": " + finding.text + " [" + finding.rule + ']';
+    text += (text.empty() ? "" : "\n") + finding.where + ": " + (finding.warning ? "warning: " : "") +
+            finding.text + " [" + finding.rule + ']';
   return text;
 }
 
@@ -68,7 +74,9 @@ Comparison comparePlan(peer::Peer& daemon, const Bytes& file) {
 void write(const Options& options, const PlanArguments& arguments) {
   const PlanFile file = planFromFile(arguments.file);
   const auto findings = checkFile(file.bytes);
-  if (!findings.empty() && !arguments.force)
+  const bool breaks =
+      std::any_of(findings.begin(), findings.end(), [](const auto& each) { return !each.warning; });
+  if (breaks && !arguments.force)
     throw Error(Failure::Usage,
                 findingsText(findings) + "\nnothing was sent (--force sends the plan all the same)");
   peer::Peer daemon = options.connect();
@@ -77,6 +85,7 @@ void write(const Options& options, const PlanArguments& arguments) {
   fields["findings"] = findingsJson(findings);
   std::string text =
       std::string(modeName(file.plan.mode)) + " plan of " + countText(file.bytes.size(), "byte");
+  if (!findings.empty()) text += '\n' + findingsText(findings);
   if (!record::isMixedFile(file.plan.mode))
     text +=
         "\nit holds until the device is switched off: the daemon stores tables of this mode with its next "
@@ -90,12 +99,14 @@ void write(const Options& options, const PlanArguments& arguments) {
 }
 
 void read(const Options& options, const PlanArguments& arguments) {
+  OutputFile to(arguments.to);
+  OutputFile bytes(arguments.bytes);
   peer::Peer daemon = options.connect();
   const Bytes file = storedFile(daemon);
   const BrightnessPlan plan = decompile(file);
   const std::string text = planText(plan);
-  writeFile(arguments.to, text);
-  writeFile(arguments.bytes, {file.begin(), file.end()});
+  to.write(text);
+  bytes.write({reinterpret_cast<const char*>(file.data()), file.size()});
   Json fields = planFields(plan, file);
   const bool off = std::string_view(modeName(plan.mode)) == "off";
   fields["plan"] = off ? Json() : Json::parse(text, nullptr, true, true);
@@ -138,10 +149,11 @@ Json pictureJson(const BrightnessPicture& picture) {
 }
 
 void preview(const Options& options, const PlanArguments& arguments) {
+  OutputFile svg(arguments.svg);
   const PlanFile file = planFromFile(arguments.file);
   const LightOfDay light = arguments.lux.empty() ? LightOfDay() : lightFrom(arguments.lux);
   const BrightnessPicture picture(file.plan, dayFrom(arguments.date, options), arguments.week ? 7 : 1, light);
-  if (!arguments.svg.empty()) writeFile(arguments.svg, picture.svg());
+  if (svg.wanted()) svg.write(picture.svg());
   Json fields = planFields(file.plan, file.bytes);
   fields.update(pictureJson(picture));
   options.print({fields, picture.text()});

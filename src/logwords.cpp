@@ -20,7 +20,11 @@ LogSection::LogSection(const SectionWords& words, LogPlace place) : m_words(word
 
 LogSection::LogSection(const SectionWords& words, unsigned value, LogPlace place)
     : m_words(words), m_place(place) {
-  logAt(m_place, kInfo, m_words.begin, value, m_words.rest);
+  if (m_words.begin.ends_with("= ")) {
+    logAt(m_place, kInfo, m_words.begin, value, m_words.rest);
+  } else {
+    logAt(m_place, kInfo, m_words.begin, m_words.what, m_words.rest);
+  }
 }
 
 LogSection::~LogSection() {

@@ -31,7 +31,7 @@ struct LogPlace {
 class LogSection {
  public:
   explicit LogSection(const SectionWords& words, LogPlace place = {__builtin_FILE(), __builtin_LINE()});
-  // The line of the beginning has a number for what.
+  // A number follows a beginning that ends in "= ".
   LogSection(const SectionWords& words, unsigned value,
              LogPlace place = {__builtin_FILE(), __builtin_LINE()});
   ~LogSection();

@@ -13,12 +13,12 @@ constexpr StatusBlock kRedundancy[] = {{fpga::kRedundancyPorts1To4, 1},
                                        {fpga::kRedundancyPorts5To8, 1},
                                        {fpga::kRedundancyPorts9To16, 1},
                                        {fpga::kRedundancyPorts9To16 + 1, 1}};
-constexpr StatusWords kRedundancyWords{
+constexpr SectionWords kRedundancyWords{
     "============SendRedundtoLSD======= Check redundant info change , send to LSD ======================",
     "============SendRedundtoLSD====== Finish send redundant info to LSD ======================"};
 
 constexpr StatusBlock kOptRedundancy[] = {{fpga::kOptRedundancy, 6}};
-constexpr StatusWords kOptRedundancyWords{
+constexpr SectionWords kOptRedundancyWords{
     "============Send OPT RedundtoLSD======= Check redundant info change , send to LSD "
     "======================",
     "============Send OPT RedundtoLSD====== Finish send redundant info to LSD ======================"};
@@ -27,38 +27,38 @@ constexpr StatusBlock kNetLinks[] = {
     {fpga::kNetLinks[0], 1}, {fpga::kNetLinks[1], 1}, {fpga::kNetLinks[2], 1}, {fpga::kNetLinks[3], 1}};
 
 constexpr StatusBlock kFiberLink[] = {{fpga::kFiberLink, 1}};
-constexpr StatusWords kFiberLinkWords{
-    "======================== Begin send fiber link info to LSD = ",
-    "======================== Finish send fiber link info to LSD ======================",
-    "======================"};
-constexpr StatusWords kGenLockWords{
-    "======================== Begin send fiber link info to LSD ======================",
-    kFiberLinkWords.finish};
+constexpr SectionWords kFiberLinkWords{
+    .begin = "======================== Begin send fiber link info to LSD = ",
+    .finish = "======================== Finish send fiber link info to LSD ",
+    .rest = "======================"};
+constexpr SectionWords kGenLockWords{.begin = "======================== Begin send fiber link info to LSD ",
+                                     .finish = kFiberLinkWords.finish,
+                                     .rest = kFiberLinkWords.rest};
 
 constexpr StatusBlock kBelowFibers[] = {{fpga::kFiberBelowLink, 4}};
 constexpr std::size_t kBelowFiberLength = 2;  // of one fiber path
-constexpr StatusWords kFiber1Words{
+constexpr SectionWords kFiber1Words{
     "======================== Begin send SendFiber1BelowLinkStatustoLSD link info to LSD "
     "======================",
     "======================== Finish send SendFiber1BelowLinkStatustoLSD link info to LSD "
     "======================"};
-constexpr StatusWords kFiber2Words{
+constexpr SectionWords kFiber2Words{
     "======================== Begin send SendFiber2BelowLinkStatustoLSD link info to LSD "
     "======================",
     "======================== Finish send SendFiber2BelowLinkStatustoLSD link info to LSD "
     "======================"};
 
 constexpr StatusBlock kFiberRedundancy[] = {{fpga::kFiberRedundancy, 1}};
-constexpr StatusWords kFiberRedundancyWords{
-    "======================== Begin send fiber Redund info to LSD = ",
-    "======================== Finish send fiber Redund info to LSD ======================",
-    "======================"};
-constexpr StatusWords kFiberCopyWords{
+constexpr SectionWords kFiberRedundancyWords{
+    .begin = "======================== Begin send fiber Redund info to LSD = ",
+    .finish = "======================== Finish send fiber Redund info to LSD ",
+    .rest = "======================"};
+constexpr SectionWords kFiberCopyWords{
     "======================== Begin send SendFiberCopyStatustoLSD State info to LSD ======================",
     "======================== Finish send SendFiberCopyStatustoLSD State info to LSD ======================"};
 
 constexpr StatusBlock kFiberToNet[] = {{fpga::kFiberToNetStatus, 2}};
-constexpr StatusWords kFiberToNetWords{
+constexpr SectionWords kFiberToNetWords{
     "======================== Begin send SendFiberToNetStatustoLSD State info to LSD ======================",
     "======================== Finish send SendFiberToNetStatustoLSD State info to LSD "
     "======================"};
@@ -83,14 +83,14 @@ void pushBytes(uint32_t fpgaRegister, std::span<const uint8_t> bytes) {
 
 // A check of one block that is pushed byte by byte.
 template <std::size_t N>
-void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const StatusWords& words) {
+void checkBytes(ByteImage<N>& last, const StatusBlock (&block)[1], const SectionWords& words) {
   const uint32_t first = block[0].fpgaRegister;
   const auto push = [first](const StatusReading& now) { pushBytes(first, now.bytes); };
   checkStatus(last, block, framed(words, push));
 }
 
 void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8_t> now,
-                       uint32_t fpgaRegister, const StatusWords& words) {
+                       uint32_t fpgaRegister, const SectionWords& words) {
   const auto pushLinks = [fpgaRegister](const StatusReading& status) {
     pushBytes(fpgaRegister, status.bytes);
     store().LinkStateChanged = kLinkChanged;
@@ -98,7 +98,7 @@ void compareBelowFiber(ByteImage<kBelowFiberLength>& last, std::span<const uint8
   compareStatus(last, {now}, framed(words, pushLinks));
 }
 
-void checkFiberLink(const StatusWords& words) {
+void checkFiberLink(const SectionWords& words) {
   const auto push = [](const StatusReading& now) { store().SendFiberLinkInfo(now.bytes); };
   checkStatus(store().fiberlink_buff, kFiberLink, framed(words, push));
 }

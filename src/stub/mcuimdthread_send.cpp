@@ -1,5 +1,6 @@
 // Replies and notifications: the same steps, with words of their own.
 #include "hextext.h"
+#include "logwords.h"
 #include "mcuctrace.h"
 #include "results.h"
 #include "stub/mcuimdthread.h"
@@ -9,27 +10,30 @@ namespace ORVE_MCUC {
 namespace {
 
 struct Words {
-  const char* begin;
-  const char* finish;
+  SectionWords section;
   const char* failed;
   const char* sent;
   const char* longData;
   const char* shortData;
 };
 
-constexpr Words kReply{"=============================== Begin reply Message =============================",
-                       "=============================== Finish reply Message ============================",
+constexpr Words kReply{{"=============================== Begin reply Message =============================",
+                        "=============================== Finish reply Message ============================"},
                        "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
                        "ReplyMsg: reply message successfully. ret = ",
                        " ReplyMsg: the data = ",
                        "ReplyMsg: length <200. the data = "};
 constexpr Words kNotification{
-    "================================ Begin Send Message =============================",
-    "================================ Finish Send Message ============================",
+    {"================================ Begin Send Message =============================",
+     "================================ Finish Send Message ============================"},
     "===  ===SendMsg: reply message Failed! ret = ",
     "SendMsg: reply message successfully. ret = ",
     "SendMsg: the data = ",
     "SendMsg: length <200. the data = "};
+
+constexpr SectionWords kSending{
+    "================================= Begin apipc send ==============================",
+    "================================= Finish apipc send ============================="};
 
 constexpr std::size_t kPieceLength = 200;
 constexpr int kSendTextRoom = 131072;
@@ -48,13 +52,19 @@ void logSent(const Words& words, const unsigned char* bytes, int total) {
   }
 }
 
+int handOver(uint32_t task, std::span<const uint8_t> message) {
+  LogSection section(kSending);
+  return apipc_send(task, message.data(), static_cast<unsigned int>(message.size()));
+}
+
 int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
-  PARLEND_TRACE(kInfo) << words.begin;
+  LogSection section(words.section);
   // Only the bytes that are sent are ever written, so the buffer is not cleared.
   unsigned char buffer[kTransportHeadLength + DATA_BLOCK_LENGTH];
   const int length = record.proto.Encode(buffer + kTransportHeadLength, DATA_BLOCK_LENGTH);
   if (length < kFrameMinimum) {
     PARLEND_TRACE(kError) << "=== ReplyMsg ===ReplyMsg: Encode failed! return.";
+    section.abandon();
     return kErrEncode;
   }
   record.ipcHeader.result = record.proto.m_ucAck;
@@ -62,15 +72,12 @@ int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
   encodeTransportHead(record.ipcHeader, std::span(buffer).first<kTransportHeadLength>());
   const int total = kTransportHeadLength + length;
   PARLEND_TRACE(kInfo) << "ReplyMsg: the ack = " << record.proto.m_ucAck;
-  PARLEND_TRACE(kInfo) << "================================= Begin apipc send ==============================";
-  const int sent = apipc_send(task, buffer, static_cast<unsigned int>(total));
-  PARLEND_TRACE(kInfo) << "================================= Finish apipc send =============================";
-  if (sent != 0) {
+  if (const int sent = handOver(task, std::span(buffer).first(static_cast<std::size_t>(total)))) {
     PARLEND_TRACE(kError) << words.failed << sent;
+    section.abandon();
     return kErrSend;
   }
   if (tracePasses(kInfo)) logSent(words, buffer, total);
-  PARLEND_TRACE(kInfo) << words.finish;
   return 0;
 }
 

@@ -19,11 +19,11 @@ TEST(LogSectionTest, LinesStandAroundTheWorkUnlessItIsAbandoned) {
   daemon.trace();
   { LogSection section(kWords); }
   {
-    LogSection section({"== told ", "== done", {}, " =="}, 7U);
+    LogSection section({"== told = ", "== done", {}, " =="}, 7U);
     section.abandon();
   }
   EXPECT_THAT(daemon.trace("== "), ElementsAre(HasSubstr("== Begin Work =="), HasSubstr("== Finish Work =="),
-                                               HasSubstr("== told 7 ==")));
+                                               HasSubstr("== told = 7 ==")));
   setTraceLevel(0);
   { LogSection section(kWords); }
   EXPECT_THAT(daemon.trace("== "), testing::IsEmpty());

@@ -9,7 +9,7 @@ namespace {
 
 constexpr StatusBlock kRoles[] = {
     {fpga::kMasterSlavePorts1To4, 4}, {fpga::kMasterSlavePorts5To8, 4}, {fpga::kMasterSlavePorts9To16, 4}};
-constexpr StatusWords kRoleWords{
+constexpr SectionWords kRoleWords{
     "============SendRedundStstustoLSD======= Check redundantStatus info change , send to LSD "
     "======================",
     "============SendRedundStstustoLSD====== Finish send redundantStatus info to LSD ======================"};

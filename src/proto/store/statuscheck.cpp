@@ -1,21 +1,8 @@
 #include "proto/store/statuscheck.h"
 
-#include "mcuctrace.h"
 #include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
-
-void logChange(const StatusWords& words, std::span<const uint8_t> now) {
-  if (words.afterValue == nullptr) {
-    PARLEND_TRACE(kInfo) << words.begin;
-  } else {
-    PARLEND_TRACE(kInfo) << words.begin << now.front() << words.afterValue;
-  }
-}
-
-void logTold(const StatusWords& words) {
-  PARLEND_TRACE(kInfo) << words.finish;
-}
 
 StatusReading readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now) {
   StatusReading reading{now};

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <span>
 
+#include "logwords.h"
 #include "mcucdatablock.h"
 
 namespace ORVE_MCUC {
@@ -17,16 +18,6 @@ struct StatusBlock {
   uint32_t fpgaRegister;
   std::size_t length;
 };
-
-// The Info lines around the pushes of a change. With afterValue, the first line goes on with the first byte
-// read and that text.
-struct StatusWords {
-  const char* begin;
-  const char* finish;
-  const char* afterValue = nullptr;
-};
-void logChange(const StatusWords& words, std::span<const uint8_t> now);
-void logTold(const StatusWords& words);
 
 // What a check has read, its blocks one behind the other. A block that could not be read has the value of the
 // last time, so that it is no change.
@@ -40,13 +31,12 @@ struct StatusReading {
 // Reads the blocks into now, which holds the values of the last time.
 StatusReading readStatus(std::span<const StatusBlock> blocks, std::span<uint8_t> now);
 
-// What tells of a change, between its two lines.
+// What tells of a change, between its two lines; the number that the first may name is the first byte read.
 template <class Tell>
-auto framed(const StatusWords& words, Tell tell) {
+auto framed(const SectionWords& words, Tell tell) {
   return [&words, tell](const StatusReading& now) {
-    logChange(words, now.bytes);
+    LogSection section(words, now.bytes.front());
     tell(now);
-    logTold(words);
   };
 }
 

@@ -62,9 +62,9 @@ Seen lookAtFpga(const Options& options, peer::Peer& daemon, const WallPlan& plan
 // The same of the saved copy. Only a board's flash can be looked at; of any other it is Unknown.
 Seen lookAtFlash(const Options& options, const WallPlan& plan);
 
-// Tells whether a calculation has run since it was made: the last table entry that the calculation writes, which
-// no card needs but the last one of a chain longer than half the table, is given a value that no calculation
-// gives. Where it was never replaced it is put back at the end.
+// Tells whether a calculation has run since it was made: the last table entry that the calculation writes,
+// which no card needs but the last one of a chain longer than half the table, is given a value that no
+// calculation gives. Where it was never replaced it is put back at the end.
 class CalculationWitness {
  public:
   CalculationWitness(peer::Peer& daemon, const WallPlan& plan);

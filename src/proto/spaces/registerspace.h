@@ -101,6 +101,8 @@ int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister);
 int queueWrite(IMD_proto3rd& request, const WorkKey& key);
 // Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
 int queuePayload(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
+// The same without lines of its own, for a space that logs around more than the queueing.
+int queueBytes(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
 
 template <enum_Process_Key_Table key>
 int queueWrite(IMD_proto3rd& request) {

@@ -9,6 +9,7 @@ namespace ORVE_MCUC {
 const RegisterSpace& spaceAt(At<reg::kHwBasicInfo>);
 const RegisterSpace& spaceAt(At<reg::kPluginCardInfo>);
 const RegisterSpace& spaceAt(At<reg::kScreenInfoEcho>);
+const RegisterSpace& spaceAt(At<reg::kHCInteraction>);
 const RegisterSpace& spaceAt(At<reg::kBackupInfo>);
 const RegisterSpace& spaceAt(At<reg::kIntelligentBrightness>);
 const RegisterSpace& spaceAt(At<reg::kCabinetRotation>);

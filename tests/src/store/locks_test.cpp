@@ -3,15 +3,12 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "process/tprocess.h"
-#include "process/tprocess_ctl.h"
-#include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
+#include "proto/store/smarttable.h"
 #include "store_fixture.h"
 
 namespace ORVE_MCUC {
 namespace {
-
-using testing::IsEmpty;
 
 struct Operation {
   const char* name;
@@ -20,8 +17,6 @@ struct Operation {
 
 class LocksTest : public StoreFixture {
  protected:
-  void SetUp() override { board.start(); }
-
   static SmartScreen wall(uint16_t columns) { return {1, columns, 1, 0, {}}; }
   void storeRecord(const SmartScreen& screen) const {
     Bytes record(shortcut::kUsedSize);
@@ -56,74 +51,80 @@ class LocksTest : public StoreFixture {
 
 TEST_F(LocksTest, CalculationsSavesAndRestoresWaitForOneAnotherBeforeTheyTouchAnything) {
   for (const Operation& each : configurations()) {
-    forgetJournal();
+    const auto before = board.journal();
     std::vector<std::string> early;
-    EXPECT_TRUE(waitsFor(store().m_mutex, each.run, [&] { early = journal(); })) << each.name;
-    EXPECT_THAT(early, IsEmpty()) << each.name;
+    EXPECT_TRUE(waitsFor(store().m_mutex, each.run, [&] { early = board.journal(); })) << each.name;
+    EXPECT_EQ(early, before) << each.name;
   }
 }
 
 TEST_F(LocksTest, WhatTheTickTellsWaitsForNoConfiguration) {
-  board.setFpga(0x1F, {0x0F});
-  board.setFpga(0x1F2, {0x01});
-  const auto watch = [] {
-    store().SendRedundStatustoLSD();
-    Tprocess_ctl& monitor = *Tprocess_ctl::getInstance();
-    monitor.SendRedundtoLSD();
-    monitor.SendNetLinktoLSD();
-    monitor.SendFiberLinktoLSD();
-    monitor.SendFiberBelowLinkStatustoLSD();
-    monitor.SendFiberRedundtoLSD();
-    monitor.SendFiberToNetStatustoLSD();
-    store().GetRecvCardSize_EnvNew();
-  };
-  EXPECT_FALSE(waitsFor(store().m_mutex, watch, [] {}));
-  EXPECT_THAT(pushes(), testing::Contains("1f 0f"));
+  daemon.connect();
+  EXPECT_FALSE(waitsFor(
+      store().m_mutex, [this] { daemon.tick(5); }, [] {}));
+  EXPECT_EQ(store().GigaPhyLinkSta, 0x000F);
+  EXPECT_THAT(daemon.pushes(), testing::SizeIs(testing::Ge(4U)));
 }
 
-// One thread configures registers while another reads them back: whatever was configured is what stays.
-TEST_F(LocksTest, NothingComesBetweenAnImageAndItsBusWrite) {
-  const std::vector<std::pair<const char*, std::function<int(const Bytes&)>>> kWrites{
-      {"through", [](const Bytes& value) {
-         return writeThrough(store(), store().SendParameterReg, 0x18, 0x18, value);
-       }},
-      {"draft", [](const Bytes& value) {
-         FeatureDraft draft;
-         draft.put(0x18, value[0]);
-         return putFeature(store(), draft, 0x18, 1, "test");
-       }}};
-  for (const auto& [name, write] : kWrites) {
-    std::atomic<bool> done{false};
-    std::thread reader([&] {
-      std::array<uint8_t, 1> byte{};
-      while (!done) readThrough(store(), store().SendParameterReg, 0x18, 0x18, byte);
-    });
-    for (unsigned i = 0; i < 2000; ++i) {
-      const auto value = static_cast<uint8_t>(i);
-      ASSERT_EQ(write({value}), 0);
-      ASSERT_EQ(store().SendParameterReg[0x18], value) << name << ", write " << i;
+// The bus access that somebody makes for an image is held in its middle: it fails once, and waits to be tried
+// again.
+TEST_F(LocksTest, WhileABusAccessForAnImageIsUnderWayNobodyElseTouchesOne) {
+  constexpr TestBoard::Time kBusPause{100};
+  static Bytes bytes{5};
+  static const FeatureDraft kDraft = [] {
+    FeatureDraft draft;
+    draft.put(0x18, 5);
+    return draft;
+  }();
+  struct Access {
+    const char* name;
+    Fault bus;
+    void (*run)();
+  };
+  const std::vector<Access> accesses{
+      {"writeThrough", Fault::FpgaWrite,
+       [] { writeThrough(store(), store().SendParameterReg, 0x18, 0x18, bytes); }},
+      {"draft to the FPGA", Fault::FpgaWrite, [] { putFeature(store(), kDraft, 0x18, 1, "test"); }},
+      {"writeImage", Fault::FpgaWrite, [] { writeImage(store(), store().SendParameterReg, 0x18, 1, 0x18); }},
+      {"readThrough", Fault::FpgaRead,
+       [] { readThrough(store(), store().SendParameterReg, 0x18, 0x18, bytes); }},
+      {"draft", {}, [] { putFeature(store(), kDraft); }},
+      {"putBytes", {}, [] { putBytes(store(), store().SendParameterReg, 0x18, bytes); }},
+      {"snapshot", {}, [] { snapshot(store(), store().SendParameterReg, 0x18, bytes); }},
+  };
+  board.takeTime(kBusPause);
+  for (std::size_t i = 0; i < 4; ++i) {
+    for (const Access& other : accesses) {
+      SCOPED_TRACE(std::string(accesses[i].name) + ", then " + other.name);
+      board.setFpga(0x18, {5});
+      bytes = {5};
+      board.failNext(accesses[i].bus, 1);
+      std::thread holding(accesses[i].run);
+      ASSERT_TRUE(board.awaitHeld(1));
+      EXPECT_TRUE(comesToWait(other.run, [&] { board.advance(kBusPause); }));
+      holding.join();
     }
-    done = true;
-    reader.join();
   }
 }
 
-TEST_F(LocksTest, AnImageIsNotHeldOverFlashShellCardsOrSends) {
-  const auto held = [] {
-    if (store().imageLock.TryLock() != 0) return true;
-    store().imageLock.UnLock();
-    return false;
-  };
-  // The power goes at each flash write in turn, on the thread that writes: who comes then finds the lock free.
-  simboard::onOutage([&](simboard::Outage) { EXPECT_FALSE(held()); });
-  for (uint32_t write = 1; write < 20; ++write) {
-    board.cutPower({write});
-    store().FpgaOnlineFlag = 1;
-    Tprocess::CalculateParaOfSenderHandler();
-    board.cutPower({});
-    board.powerOn();
+TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
+  int writes = 0;
+  for (const Operation& each : configurations()) {
+    uint32_t n = 1;
+    do {
+      daemon.restart();
+      // At each flash write in turn somebody looks, on the thread that writes.
+      simboard::onOutage([&](simboard::Outage) {
+        ++writes;
+        EXPECT_EQ(store().imageLock.TryLock(), 0) << each.name << ", write " << n;
+        store().imageLock.UnLock();
+      });
+      board.cutPower({n++});
+      each.run();
+    } while (!board.hasPower());
   }
   simboard::onOutage([](simboard::Outage) {});
+  EXPECT_GT(writes, 40);
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
@@ -141,7 +142,9 @@ TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {
     Bytes block(shortcut::kPortSize);
     block[shortcut::kPortRowsAt] = 2;
     block[shortcut::kPortColumnsAt] = 3;
-    board.setFlash(flash::kShortcutConfig + shortcut::kPortsAt + shortcut::kPortSize * port, block);
+    board.setFlash(
+        flash::kShortcutConfig + static_cast<uint32_t>(shortcut::kPortsAt + shortcut::kPortSize * port),
+        block);
   }
   std::atomic<bool> done{false};
   std::thread peer([&] {

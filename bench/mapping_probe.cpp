@@ -16,7 +16,7 @@
 #include "mcucutil.h"
 #include "platform/board.h"
 #include "process/tprocess.h"
-#include "proto/spaces/addr_shortcutconfigscreenregister.h"
+#include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
 #include "rounds.h"
 
@@ -75,7 +75,7 @@ void submit() {
   request.proto.m_data.assign(record.begin() + shortcut::kModeAt,
                               record.begin() + shortcut::kCardsPerPortAt + 2);
   request.proto.m_usValidDataLength = static_cast<uint16_t>(request.proto.m_data.size());
-  Addr_ShortcutConfigScreenRegister::Ssh_cmd(&request, nullptr, 0);
+  spaceAt(At<reg::kShortcutConfigScreen>{}).Ssh_cmd(request);
   Tprocess::Sprocess_CalculateParaOfSender(record.size(), reinterpret_cast<char*>(record.data()));
   Tprocess::CalculateParaOfSenderHandler();
 }

@@ -19,6 +19,8 @@ struct Effort {
   int spawns = 15;
   int idleSeconds = 5;
   int growthRequests = 100000;
+  int floodReads = 2000;
+  int floodWrites = 50;
 };
 inline constexpr Effort kFull{};
 inline constexpr Effort kQuick{.rounds = 3,
@@ -28,7 +30,9 @@ inline constexpr Effort kQuick{.rounds = 3,
                                .queueItems = 100,
                                .spawns = 5,
                                .idleSeconds = 2,
-                               .growthRequests = 20000};
+                               .growthRequests = 20000,
+                               .floodReads = 500,
+                               .floodWrites = 10};
 
 // Monotonic time in microseconds.
 inline double nowUs() {

@@ -30,6 +30,7 @@ class Board {
 class Daemon {
  public:
   Daemon(const Programs& programs, const std::string& option);
+  std::filesystem::path directory() const { return board_.directory(); }
   const std::filesystem::path socket() const { return board_.socket(); }
   pid_t pid() const { return process_.pid(); }
 

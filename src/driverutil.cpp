@@ -3,6 +3,7 @@
 #include "driverretry.h"
 #include "mcuctrace.h"
 #include "platform/driver.h"
+#include "singleton.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -26,12 +27,20 @@ int inPieces(unsigned int length, Transfer transfer) {
   return result;
 }
 
+// Not destroyed at the end of the program: every thread uses it to the end.
+Singleton<DriverUtil>& holder() {
+  static auto& instance = *new Singleton<DriverUtil>;
+  return instance;
+}
+
 }  // namespace
 
 DriverUtil* DriverUtil::getInstance() {
-  // Never destroyed: every thread uses it to the end.
-  static auto* instance = new DriverUtil;
-  return instance;
+  return holder().get([] { return new DriverUtil; });
+}
+
+void DriverUtil::deleteInstance() {
+  holder().destroy();
 }
 
 bool DriverUtil::initialize() {

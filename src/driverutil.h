@@ -15,6 +15,8 @@ namespace ORVE_MCUC {
 class DriverUtil {
  public:
   static DriverUtil* getInstance();
+  // Forgets what was learnt of the hardware. Only while nobody uses it.
+  static void deleteInstance();
 
   // Opens the parameter flash. False when it is not there; the daemon goes on without it.
   bool initialize();

@@ -3,12 +3,6 @@
 #include <algorithm>
 
 namespace ORVE_MCUC {
-namespace {
-
-constexpr uint32_t kMostCardsOfPort = 512;
-constexpr uint32_t kMostCards = 2048;
-
-}  // namespace
 
 AdvancedVerdict checkAdvanced(const AdvancedScreen& screen) {
   AdvancedVerdict verdict;

@@ -9,6 +9,9 @@
 
 namespace ORVE_MCUC {
 
+inline constexpr uint32_t kMostCardsOfPort = 512;
+inline constexpr uint32_t kMostCards = 2048;  // of all ports together
+
 // The block of cards behind one port.
 struct AdvancedPort {
   uint8_t mode = 0;

@@ -13,6 +13,11 @@ namespace ORVE_MCUC {
 
 inline constexpr uint32_t kGammaRegisterMask = 0x0FFFFFFF;
 
+// Banks of tables: 12-bit, and any other value 10-bit.
+inline constexpr uint8_t kBank12Bit = 0x78;
+inline constexpr uint8_t kBank10Bit = 0x58;
+inline constexpr uint32_t kLastGammaColour = 2;
+
 struct GammaTable {
   uint32_t first;      // first register of the table; 8191 registers belong to it
   uint32_t fpga;       // FPGA page that the low 16 bits of the register index
@@ -20,6 +25,7 @@ struct GammaTable {
   uint32_t tag;        // flash address of the validity tag
   const char* depth;   // "12BIT" or "10BIT"
   const char* colour;  // "Red", "Green", "Blue"
+  uint8_t completes;   // bank that is complete once this table is; 0: others of its bank follow
 
   // The last byte of a table's range belongs to no table.
   constexpr bool holds(uint32_t address) const {
@@ -36,7 +42,10 @@ constexpr GammaTable gammaTable(bool tenBit, uint32_t colour, const char* name) 
           tables + colour * flash::kGammaTableSize,
           tags + colour * flash::kGammaTagStride,
           tenBit ? "10BIT" : "12BIT",
-          name};
+          name,
+          colour != kLastGammaColour ? uint8_t{0}
+          : tenBit                   ? kBank10Bit
+                                     : kBank12Bit};
 }
 
 inline constexpr std::array kGammaMap{

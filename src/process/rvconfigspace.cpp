@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "driverutil.h"
 #include "maps/flashmap.h"
@@ -9,6 +10,7 @@
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
+#include "singleton.h"
 #include "workending.h"
 
 namespace ORVE_MCUC {
@@ -79,7 +81,19 @@ void logRanges(const _RvFileHeadPara_t& head) {
   }
 }
 
+Singleton<RvConfigSpace>& holder() {
+  static Singleton<RvConfigSpace> instance;
+  return instance;
+}
+
 }  // namespace
+
+RvConfigSpace* RvConfigSpace::getInstance() {
+  return holder().get([] { return new RvConfigSpace; });
+}
+void RvConfigSpace::deleteInstance() {
+  holder().destroy();
+}
 
 void RvConfigSpace::write(uint32_t registerAddress, std::span<const uint8_t> data) {
   if (isControl(registerAddress)) {
@@ -111,10 +125,9 @@ void RvConfigSpace::takeHeader(std::span<const uint8_t> header) {
                           << wordsOf(fault) << ", it is not taken.";
     return;
   }
-  const _RvFileHeadPara_t before = WriteRvFilePara;
+  const std::pair before(WriteRvFilePara.WriteFileEn, WriteRvFilePara.WriteFileNum);
   takeRvHeader(header, WriteRvFilePara);
-  if (before.WriteFileEn != WriteRvFilePara.WriteFileEn ||
-      before.WriteFileNum != WriteRvFilePara.WriteFileNum) {
+  if (before != std::pair(WriteRvFilePara.WriteFileEn, WriteRvFilePara.WriteFileNum)) {
     driver().RemoveRvFile(DriverUtil::kCabCfgIndex, DriverUtil::kByName);
     driver().RemoveOtherRvFile(WriteRvFilePara.WriteFileNum, rv::kFileNumbers);
   }

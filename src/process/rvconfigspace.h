@@ -11,6 +11,9 @@ namespace ORVE_MCUC {
 
 class RvConfigSpace {
  public:
+  static RvConfigSpace* getInstance();
+  static void deleteInstance();
+
   void write(uint32_t registerAddress, std::span<const uint8_t> data);
 
  private:

@@ -1,8 +1,10 @@
-// Gamma tables are stored segment by segment; the segment that ends a table makes it valid by a tag.
+// Gamma tables are stored segment by segment; the segment that ends a table makes it valid by a tag, and the
+// last table of a bank loads the FPGA.
 #include <algorithm>
 
 #include "maps/gammamap.h"
 #include "mcuctrace.h"
+#include "process/colour.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
@@ -30,6 +32,7 @@ void storeSegment(const GammaTable& table, uint32_t address, std::span<const uin
                           << data.size() << " bytes runs past its table, stored " << inTable.size();
   } else if (data.size() == room) {
     writeGamma(table.tag, kValidTag, table.depth, table.colour, "Gamma tag");
+    if (table.completes != 0) SendGammaToFpga(table.completes);
   }
 }
 

@@ -32,9 +32,9 @@ int Tprocess::Sprocess_DoDoEDIDSpace(int lenth, char* data) {
 }
 
 int Tprocess::Sprocess_RVConfigFileSpace(int lenth, char* data) {
-  static RvConfigSpace space;
-  return handlePenetrate<RVConfigFileSpaceKey>(
-      lenth, data, [](const PenetrateInfo& info) { space.write(info.Register, info.data); });
+  return handlePenetrate<RVConfigFileSpaceKey>(lenth, data, [](const PenetrateInfo& info) {
+    RvConfigSpace::getInstance()->write(info.Register, info.data);
+  });
 }
 
 }  // namespace ORVE_MCUC

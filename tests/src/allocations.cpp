@@ -6,6 +6,7 @@
 namespace {
 
 thread_local std::size_t counted = 0;
+thread_local std::size_t failing = 0;  // number of the allocation that fails
 
 }  // namespace
 
@@ -13,10 +14,23 @@ std::size_t allocations() {
   return counted;
 }
 
+bool failAllocation(std::size_t n, const std::function<void()>& step) {
+  failing = n > 0 ? counted + n : 0;
+  try {
+    step();
+  } catch (...) {
+    failing = 0;
+    throw;
+  }
+  const bool failed = failing > 0 && counted >= failing;
+  failing = 0;
+  return failed;
+}
+
 // NOLINTBEGIN(cppcoreguidelines-no-malloc)
 void* operator new(std::size_t size) {
-  ++counted;
-  if (void* memory = std::malloc(size)) return memory;
+  void* memory = ++counted == failing ? nullptr : std::malloc(size);
+  if (memory != nullptr) return memory;
   throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept {

@@ -1,9 +1,7 @@
 // The daemon as a whole, without its threads: requests, work, ticks, and faults at every place of a scenario.
-#include <gmock/gmock.h>
-
 #include "calc/screenrecord.h"
+#include "daemontest.h"
 #include "mcuctrace.h"
-#include "testdaemon.h"
 
 namespace {
 
@@ -12,7 +10,6 @@ using testing::AnyOf;
 using testing::IsEmpty;
 using testing::Not;
 using Bytes = peer::Bytes;
-using Fault = TestBoard::Fault;
 
 constexpr uint32_t kRecord = 0x02810000;
 constexpr uint32_t kStoredTable = 0xA3C000;
@@ -24,7 +21,7 @@ Bytes wall(uint8_t rows, uint8_t columns) {
   return {record.begin() + shortcut::kModeAt, record.end()};
 }
 
-class DaemonTest : public testing::Test {
+class WholeDaemon : public DaemonTest {
  protected:
   /** What a peer does to configure a wall, until all of it has happened. */
   void configure(const Bytes& record) {
@@ -33,11 +30,9 @@ class DaemonTest : public testing::Test {
   }
   Bytes fpgaWall() const { return daemon.board.fpga(0x600000, kTableSize); }
   Bytes storedWall() const { return daemon.board.flash(kStoredTable, kTableSize); }
-
-  TestDaemon daemon;
 };
 
-TEST_F(DaemonTest, AWallIsCalculatedOnceNoSubmissionFollows) {
+TEST_F(WholeDaemon, AWallIsCalculatedOnceNoSubmissionFollows) {
   EXPECT_EQ(daemon.write(kRecord + shortcut::kModeAt, wall(2, 4)).ack, 0);
   EXPECT_EQ(daemon.workOff(), 1U);
   daemon.tick();
@@ -47,7 +42,7 @@ TEST_F(DaemonTest, AWallIsCalculatedOnceNoSubmissionFollows) {
   EXPECT_EQ(fpgaWall(), storedWall());
 }
 
-TEST_F(DaemonTest, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
+TEST_F(WholeDaemon, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
   configure(wall(2, 4));
   const Bytes table = fpgaWall();
   const Bytes output = daemon.board.fpga(0x1EC, 4);
@@ -57,7 +52,7 @@ TEST_F(DaemonTest, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
   EXPECT_EQ(daemon.board.fpga(0x1EC, 4), output);
 }
 
-TEST_F(DaemonTest, WhoIsConnectedIsToldAndNobodyElse) {
+TEST_F(WholeDaemon, WhoIsConnectedIsToldAndNobodyElse) {
   daemon.tick();
   daemon.board.setFpga(0x1D7, {1});
   daemon.tick();
@@ -70,7 +65,7 @@ TEST_F(DaemonTest, WhoIsConnectedIsToldAndNobodyElse) {
   EXPECT_THAT(daemon.pushes(), IsEmpty()) << "nothing changed";
 }
 
-TEST_F(DaemonTest, MessagesThatAreNotAnsweredStillReachIt) {
+TEST_F(WholeDaemon, MessagesThatAreNotAnsweredStillReachIt) {
   EXPECT_FALSE(daemon.exchange(peer::encode(peer::Frame{}), {.large = 0x1D}));
   setTraceLevel(0);
   Bytes frame = peer::encode(peer::Frame{.address = 0xF0000000, .length = 1});
@@ -82,7 +77,7 @@ TEST_F(DaemonTest, MessagesThatAreNotAnsweredStillReachIt) {
   EXPECT_THAT(daemon.trace(), IsEmpty());
 }
 
-TEST_F(DaemonTest, PowerMayGoAtEveryFlashWriteOfAWall) {
+TEST_F(WholeDaemon, PowerMayGoAtEveryFlashWriteOfAWall) {
   configure(wall(2, 4));
   const Bytes before = storedWall();
   configure(wall(3, 3));
@@ -100,7 +95,7 @@ TEST_F(DaemonTest, PowerMayGoAtEveryFlashWriteOfAWall) {
   EXPECT_GT(n, 10U);
 }
 
-TEST_F(DaemonTest, AnyCallMayFailOnceAndTheNextWallIsWhole) {
+TEST_F(WholeDaemon, AnyCallMayFailOnceAndTheNextWallIsWhole) {
   configure(wall(3, 3));
   const Bytes after = storedWall();
   for (const Fault kind :
@@ -118,7 +113,7 @@ TEST_F(DaemonTest, AnyCallMayFailOnceAndTheNextWallIsWhole) {
   }
 }
 
-TEST_F(DaemonTest, ADayPassesAtOnce) {
+TEST_F(WholeDaemon, ADayPassesAtOnce) {
   const int64_t start = daemon.board.clock();
   daemon.advance(std::chrono::hours(24));
   daemon.tick();

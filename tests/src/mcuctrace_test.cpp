@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "allocations.h"
 #include "mcuctrace_file.h"
 #include "platform/board.h"
 #include "platform/lineecho.h"
@@ -262,6 +263,22 @@ TEST_F(TraceTest, EmptyingTheFileAgainAndAgainNeverEndsTheWriter) {
   struct sigaction handling {};
   sigaction(SIGBUS, nullptr, &handling);
   EXPECT_EQ(handling.sa_handler, SIG_DFL);
+}
+
+TEST_F(TraceTest, WithoutMemoryForANewFileLinesStayInTheOldOneAndTheNextLineTriesAgain) {
+  bool more = true;
+  for (int n = 1; more; ++n) {
+    board_clock_set(kNoon);
+    CTrace trace("Log");
+    board_clock_set(kNoon + kDay);
+    more = failAllocation(static_cast<std::size_t>(n), [&] { trace.trace_string(kInfo, "turns the page"); });
+    trace.trace_string(kInfo, "meanwhile");
+    trace.trace_string(kInfo, "after");
+    EXPECT_THAT(lines(file("01032024", 0)).back(), EndsWith("Info:after")) << n;
+    EXPECT_THAT(files(), SizeIs(2)) << "no file is passed over";
+    for (const auto& made : files()) fs::remove(made);
+    EXPECT_TRUE(!more || n < 1000);
+  }
 }
 
 TEST_F(TraceTest, AnotherTimeZoneHoldsFromTheNextSecondOn) {

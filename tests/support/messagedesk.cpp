@@ -3,6 +3,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "apipc_service.h"
@@ -107,8 +108,12 @@ int apipc_send(uint32_t task, const void* buffer, unsigned int length) {
   if (simboard::takeFault(simboard::Fault::MessageSend)) return -1;
   const uint32_t to = (task & kServiceCode) == kServiceSend ? peer::decodeHead(bytes).taskId : task;
   if (!desk().connections.contains(to)) return -1;
-  desk().sent.push_back({to, {bytes.begin(), bytes.end()}});
-  return 0;
+  try {
+    desk().sent.push_back({to, {bytes.begin(), bytes.end()}});
+    return 0;
+  } catch (const std::bad_alloc&) {
+    return -1;  // a service does not throw
+  }
 }
 
 int apipc_connect_chk_task_by_taskid(uint32_t task) {
@@ -118,9 +123,4 @@ int apipc_connect_chk_task_by_taskid(uint32_t task) {
 uint64_t apipc_connection_number(uint32_t task) {
   const auto found = desk().connections.find(task);
   return found == desk().connections.end() ? 0 : found->second;
-}
-
-uint64_t apipc_connection_number(uint32_t task) {
-  const auto connection = desk().connections.find(task);
-  return connection == desk().connections.end() ? 0 : connection->second;
 }

@@ -13,8 +13,11 @@
 #include "messagedesk.h"
 #include "peer/error.h"
 #include "process/inputSource.h"
+#include "process/proc_poll.h"
+#include "process/rvconfigspace.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
+#include "proto/spaces/addr_hardwarebrightnessadjust.h"
 #include "proto/store/data_common.h"
 #include "proto/store/porttables.h"
 #include "proto/tshl_ctl.h"
@@ -31,7 +34,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr uint32_t kTool = 0x0A7000;  // who asks
 constexpr uint32_t kServiceCode = 0x00FFFFFF;
 constexpr auto kTick = 200ms;
 constexpr int kMostTicks = 20;
@@ -44,6 +46,10 @@ void forgetEverything() {
   Data_Preset::deleteInstance();
   Tprocess::deleteInstance();
   InputSource::deleteInstance();
+  Proc_Poll::deleteInstance();
+  Addr_HardWareBrightnessAdjust::deleteInstance();
+  RvConfigSpace::deleteInstance();
+  DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;
   for (auto* table : {&ParaTable, &AdvCfgParaTable, &MyTempParaTable}) table->fill(0);
@@ -94,17 +100,27 @@ std::string withoutPlace(const std::string& line) {
 }  // namespace
 
 TestDaemon::TestDaemon(const std::string& conf) {
-  board.start(conf);
-  board.takeTime();
-  start();
+  start(conf);
 }
 
 TestDaemon::~TestDaemon() {
   end();
 }
 
+void TestDaemon::prepare(const std::string& file, const std::string& text) const {
+  const fs::path path = board.file(file);
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+void TestDaemon::start(const std::string& conf) {
+  board.start(conf);
+  board.takeTime();
+  begin();
+}
+
 // In the order of main and of the threads' beginnings.
-void TestDaemon::start() {
+void TestDaemon::begin() {
   connect(kTool);
   DriverUtil::getInstance()->initialize();
   Tprocess_ctl::getInstance()->initialize();
@@ -112,48 +128,51 @@ void TestDaemon::start() {
   StubUtil& owner = *StubUtil::getInstance();
   owner.prepare();
   owner.channel().open();
-  if (owner.channel().CheckFPGAOnline() == 0) owner.channel().bringUp();
+  if (owner.channel().CheckFPGAOnline() == 0) bringUp();
   owner.report().FPGAReport_init();
+}
+
+void TestDaemon::bringUp() {
+  StubUtil::getInstance()->channel().bringUp();
 }
 
 void TestDaemon::end() {
   setTraceLevel(kSilent);
   forgetEverything();
   messagedesk::clear();
-  replies_.clear();
+  reply_.reset();
   pushes_.clear();
 }
 
 void TestDaemon::restart() {
   end();
   board.startAgain();
-  start();
+  begin();
 }
 
 void TestDaemon::powerOn() {
   end();
   board.powerOn();
-  start();
+  begin();
 }
 
-std::optional<peer::Message> TestDaemon::exchange(const Bytes& frame, peer::Head head) {
-  head.taskId = taskOf(kTool);
+std::optional<peer::Message> TestDaemon::exchange(const Bytes& frame, peer::Head head, uint32_t service) {
+  head.taskId = taskOf(service);
+  head.labelCount = ++number_;
   head.frameLength = static_cast<uint32_t>(frame.size());
   Bytes message = peer::encode(head);
   message.insert(message.end(), frame.begin(), frame.end());
   messagedesk::arrive(message);
   StubUtil::getInstance()->channel().takeMessage();
   sortSent();
-  if (replies_.empty()) return {};
-  const peer::Message reply = std::move(replies_.back());
-  replies_.clear();
+  const auto reply = std::exchange(reply_, {});
+  if (reply && reply->head.labelCount != number_) throw std::logic_error("a reply to another request");
   return reply;
 }
 
 peer::Frame TestDaemon::ask(const peer::Frame& frame) {
-  const auto reply = exchange(peer::encode(frame), {.labelCount = ++number_});
-  if (!reply || reply->head.labelCount != number_)
-    throw peer::Error(peer::Failure::TimeOut, "the daemon does not reply");
+  const auto reply = exchange(peer::encode(frame));
+  if (!reply) throw peer::Error(peer::Failure::TimeOut, "the daemon does not reply");
   return peer::decode(reply->frame);
 }
 
@@ -190,16 +209,15 @@ void TestDaemon::disconnect(uint32_t service) {
   messagedesk::disconnect(taskOf(service));
 }
 
-// A notification carries no number of a request, and nobody but the tool makes any.
+// A reply carries the number of its request, a notification none.
 void TestDaemon::sortSent() {
   for (auto& [task, bytes] : messagedesk::takeSent()) {
     const peer::Head head = peer::decodeHead(bytes);
     Bytes frame(bytes.begin() + peer::kHeadSize, bytes.end());
-    const uint32_t service = task & kServiceCode;
-    if (service == kTool) {
-      replies_.push_back({head, std::move(frame)});
+    if (head.labelCount != 0) {
+      reply_ = {head, std::move(frame)};
     } else {
-      pushes_[service].push_back(peer::decode(frame));
+      pushes_[task & kServiceCode].push_back(peer::decode(frame));
     }
   }
 }

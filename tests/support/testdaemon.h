@@ -19,14 +19,24 @@ class TestDaemon {
  public:
   using Time = TestBoard::Time;
   using Bytes = peer::Bytes;
+  static constexpr uint32_t kTool = 0x0A7000;  // who asks where nobody else is named; always connected
 
   /** Switches a board on that has these lines in its board.conf, and starts the daemon on it. */
   explicit TestDaemon(const std::string& conf = "");
+  /** The board is not switched on before start(): its directory can be prepared. */
+  struct Later {};
+  explicit TestDaemon(Later) {}
   ~TestDaemon();
   TestDaemon(const TestDaemon&) = delete;
   TestDaemon& operator=(const TestDaemon&) = delete;
 
   TestBoard board;
+
+  /** Writes a file of the board directory, such as board.conf or etc/sysconf.env. */
+  void prepare(const std::string& file, const std::string& text) const;
+  void start(const std::string& conf = "");
+  /** What the flag and status thread does once the FPGA is loaded; part of a start if it is by then. */
+  void bringUp();
 
   // The program begins anew, with nothing in its memory: on a board that stayed on, or that was switched off
   // and on, whether the test did that or an outage. Peers have to connect again.
@@ -37,7 +47,7 @@ class TestDaemon {
   // Requests, answered at once; work that they queue waits. Nothing comes back for a message that is not
   // answered.
 
-  std::optional<peer::Message> exchange(const Bytes& frame, peer::Head head = {});
+  std::optional<peer::Message> exchange(const Bytes& frame, peer::Head head = {}, uint32_t service = kTool);
   /** Throws peer::Error (TimeOut) without a reply. */
   peer::Frame ask(const peer::Frame& frame);
   peer::Frame read(uint32_t address, uint16_t length) { return ask({.address = address, .length = length}); }
@@ -77,11 +87,11 @@ class TestDaemon {
   }
 
  private:
-  void start();
+  void begin();
   void end();
   void sortSent();
 
-  std::vector<peer::Message> replies_;
+  std::optional<peer::Message> reply_;
   std::map<uint32_t, std::vector<peer::Frame>> pushes_;  // by service
   uint32_t number_ = 0;
 };

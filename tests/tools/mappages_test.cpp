@@ -1,5 +1,5 @@
 // The pages that are printed from the maps, and the client's words for the same addresses.
-#include "mappages.h"
+#include "mappages/mappages.h"
 
 #include <gmock/gmock.h>
 

@@ -5,8 +5,10 @@
 
 #include <array>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "daemon_process.h"
 
@@ -24,8 +26,8 @@ struct Outcome {
 class ParlctlTest : public testing::Test {
  protected:
   std::string commandLine(const std::string& arguments) const {
-    return std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments +
-           " 2>&1";
+    return "XDG_STATE_HOME=" + daemon.board().directory().string() + "/state " + PARLCTL + " --board " +
+           daemon.board().directory().string() + " " + arguments + " 2>&1";
   }
   Outcome run(const std::string& arguments) const {
     FILE* pipe = popen(commandLine(arguments).c_str(), "r");
@@ -46,7 +48,13 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "reg read 1x",
                             "reg read 010",
                             "reg read 0x100000000",
-                            "reg read 0:65517",
+                            "reg read 0:0x1000001",
+                            "reg read 0:0",
+                            "reg read 0x0500FFFF",
+                            "reg read 0x030001EF:4",
+                            "reg read 0 --raw --json",
+                            "reg write 5=@/nonexistent",
+                            "card write 5=00 --card 65535 --verify",
                             "reg read 5:",
                             "reg write 5",
                             "reg write 5=",
@@ -59,6 +67,7 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "--timeout 0 reg read 0",
                             "watch --as nobody",
                             "watch --count 0",
+                            "watch --for x",
                             "board link 16 on",
                             "board link 3-1 on",
                             "board link , on",
@@ -66,6 +75,14 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "board link 1 on --copper --fiber1",
                             "board fault nothing 1",
                             "board fault card-read x",
+                            "board fault card-read 1 --range 0-5",
+                            "board power cut",
+                            "board power off --after 3",
+                            "board power sideways",
+                            "board sensor 32 5",
+                            "board sensor 0 bright",
+                            "board clock 5",
+                            "board clock +x",
                             "board show",
                             "wall preview",
                             "wall preview 4",
@@ -82,6 +99,26 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
                             "wall preview 4x6 --card-size 128",
                             "wall preview 4x6 --svg /nonexistent/wall.svg",
                             "wall set 4x6 --mode 8",
+                            "wall set",
+                            "wall set 4x6 --blocks x",
+                            "wall set --blocks /nonexistent",
+                            "wall set 4x6 --svg /nonexistent/x",
+                            "wall set 4x6 --plan --wait",
+                            "wall check 4",
+                            "wall undo",
+                            "wall wiring --port 10",
+                            "log show --since yesterday",
+                            "log show --level loud",
+                            "log follow --for never",
+                            "log show",
+                            "capture",
+                            "capture -o /nonexistent/x",
+                            "replay /nonexistent",
+                            "bundle",
+                            "bundle -o /nonexistent/x",
+                            "sim run --daemon /nonexistent",
+                            "manual nothing",
+                            "completion csh",
                             "frobnicate"}) {
     const Outcome outcome = run(wrong);
     EXPECT_EQ(outcome.status, 2) << wrong << ": " << outcome.output;
@@ -89,6 +126,64 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
   }
   EXPECT_EQ(run("--help").status, 0);
   EXPECT_EQ(run("reg read --help").status, 0);
+}
+
+// Every noun and verb, as the completion knows them.
+std::vector<std::string> verbsBelow(const std::function<Outcome(const std::string&)>& run,
+                                    const std::string& path) {
+  std::vector<std::string> found{path};
+  std::istringstream lines(run("__complete " + path + " ''").output);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find('\t') == std::string::npos) continue;  // values of an operand
+    for (std::string& verb : verbsBelow(run, path + ' ' + line.substr(0, line.find('\t'))))
+      found.push_back(verb);
+  }
+  return found;
+}
+
+std::size_t longestLine(const std::string& text) {
+  std::size_t longest = 0;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
+  return longest;
+}
+
+TEST_F(ParlctlTest, EveryVerbHasHelpThatFitsAndAPage) {
+  const auto verbs = verbsBelow([this](const std::string& line) { return run(line); }, "");
+  EXPECT_GT(verbs.size(), 30U);
+  for (const std::string& verb : verbs) {
+    const Outcome help = run(verb + " --help");
+    EXPECT_EQ(help.status, 0) << verb;
+    EXPECT_THAT(help.output, HasSubstr("usage: parlctl" + verb)) << verb;
+    EXPECT_LE(longestLine(help.output), 80U) << verb;
+    if (std::count(verb.begin(), verb.end(), ' ') == 1)
+      EXPECT_THAT(run("manual" + verb).output, HasSubstr(".SH NAME\nparlctl\\-")) << verb;
+  }
+  EXPECT_THAT(run("--version").output, testing::StartsWith("parlctl 1."));
+}
+
+TEST_F(ParlctlTest, OutputThatDoesNotArriveIsNoticed) {
+  for (const char* lost : {"board init > /dev/full", "--help > /dev/full", "board init >&-",
+                           "wall preview 4x6 --svg /dev/full", "--json wall preview 4x6 > /dev/full"})
+    EXPECT_EQ(run(std::string("") + lost + " #").status, 1) << lost;
+  EXPECT_EQ(run("wall preview 4x6 | head -n 1 #").output.substr(0, 4), "wall");
+}
+
+TEST_F(ParlctlTest, FailuresAreObjectsToo) {
+  const std::tuple<const char*, int, const char*, const char*> kFailures[] = {
+      {"reg read 0", 3, "no-daemon", "parlctl.reg.read"},
+      {"reg raed 0", 2, "usage", "parlctl.reg"},
+      {"board show", 2, "board", "parlctl.board.show"},
+      {"reg read 0x02990000", 4, "refused", "parlctl.reg.read"}};
+  for (const auto& [line, status, kind, schema] : kFailures) {
+    const Outcome outcome = run(std::string("--json ") + line + " 2>/dev/null #");
+    EXPECT_EQ(outcome.status, status) << line;
+    const json object = json::parse(outcome.output);
+    EXPECT_EQ(object["schema"], schema);
+    EXPECT_EQ(object["ok"], false);
+    EXPECT_EQ(object["error"]["kind"], kind);
+    EXPECT_EQ(object["error"]["exit_status"], status);
+  }
 }
 
 TEST_F(ParlctlTest, ABoardIsCreatedOnceAndShownWithoutADaemon) {
@@ -148,9 +243,12 @@ TEST_F(RunningParlctlTest, RegistersAreWrittenAndReadBack) {
 }
 
 TEST_F(QuietParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
-  EXPECT_EQ(run("reg read 0x02300000:513").status, 4);
+  EXPECT_EQ(run("reg read 0x02300000:1030").status, 0) << "in pieces of what the register gives";
   EXPECT_EQ(run("reg write 0x18000000=" + std::string(512, '0')).status, 4);
-  EXPECT_EQ(run("reg read 0x02250000:4").status, 5);
+  EXPECT_EQ(run("reg read 0x18000100:256").status, 4);
+  EXPECT_EQ(run("reg read 0x02250000:4").status, 4);
+  EXPECT_EQ(run("reg read 0x0230FFFF:2").status, 4);
+  EXPECT_EQ(run("reg read 0x02250000:4 --force").status, 5);
   EXPECT_EQ(run("reg read 0x02100000:400").status, 5);
   daemon.board().setFault(peer::faultIndex("message-send").value(), 1);
   EXPECT_EQ(run("--timeout 300 reg read 0x02300000").status, 3);
@@ -160,7 +258,7 @@ TEST_F(QuietParlctlTest, RefusalsShortRepliesAndSilenceHaveTheirOwnStatus) {
 TEST_F(RunningParlctlTest, CardsAreWrittenAndReadByKindPortAndPlace) {
   const std::string place = " --type launcher --port 1 --card 2";
   EXPECT_THAT(run("card write 0x03000000=0102" + place).output,
-              HasSubstr("0x03000000  3D launcher 2 of port 1: 2 bytes written\n"));
+              HasSubstr("0x03000000  3D launcher 2 of port 1: 2 bytes accepted\n"));
   EXPECT_THAT(daemon.board().journal(), Contains(HasSubstr("card-write 4 1 2 0x03000000 2 0102")));
   EXPECT_EQ(run("card write 2=05 --port 255 --card 65535").status, 0);
   EXPECT_THAT(daemon.board().journal(), Contains(HasSubstr("card-write 1 255 65535 0x00000002 1 05")));
@@ -185,7 +283,7 @@ TEST_F(RunningParlctlTest, AWallIsConfiguredVerifiedAndShown) {
   daemon.board().setFlash(0xB99012, {1, 2, 3, 4});
   const Outcome set = run("--timeout 20000 wall set 4x6 --cards 12 --mode bottom-left-rows --wait");
   EXPECT_EQ(set.status, 0) << set.output;
-  EXPECT_THAT(set.output, HasSubstr("\nverified ("));
+  EXPECT_THAT(set.output, HasSubstr("\nverified in the FPGA ("));
   EXPECT_EQ(daemon.board().flash(0xB99011, 9), peer::fromHex("04 01020304 04 06 0C00"));
   const json shown = json::parse(run("--json wall show").output);
   EXPECT_EQ(shown["mode_name"], "bottom-left-rows");
@@ -195,7 +293,7 @@ TEST_F(RunningParlctlTest, AWallIsConfiguredVerifiedAndShown) {
   EXPECT_EQ(linked["verified"], true);
   EXPECT_EQ(linked["cards_per_port"], 4);
   EXPECT_THAT(run("wall set 16x1 --cards 1 --force").output,
-              HasSubstr("sent, although the wall needs 16 ports"));
+              HasSubstr("accepted, although the wall needs 16 ports"));
   EXPECT_THAT(run("wall show").output, HasSubstr("not mapped: the wall needs 16 ports"));
 }
 
@@ -203,7 +301,74 @@ TEST_F(RunningParlctlTest, AWallThatDoesNotReachTheFpgaIsAMismatch) {
   daemon.board().setFault(peer::faultIndex("fpga-write").value(), peer::kAlways);
   const Outcome outcome = run("wall set 4x6 --cards 12 --wait");
   EXPECT_EQ(outcome.status, 5);
-  EXPECT_THAT(outcome.output, HasSubstr("mismatch: port 0, window: expected 768 x 256 at 0, 0, found "));
+  EXPECT_THAT(outcome.output, HasSubstr("mismatch: output size (0x1EC): expected 768 x 512, found "));
+}
+
+TEST_F(RunningParlctlTest, AWriteIsReadBackWhenThatIsWanted) {
+  EXPECT_THAT(run("reg write 0x02300000=68656c6c6f").output, HasSubstr("5 bytes accepted\n"));
+  EXPECT_EQ(json::parse(run("--json reg write 0x02300000=68656c6c6f").output)["result"], "accepted");
+  EXPECT_THAT(run("reg write 0x02300000=0102 --verify").output,
+              HasSubstr("verified: 2 bytes read back as written"));
+  daemon.board().setFault(peer::faultIndex("flash-write").value(), peer::kAlways);
+  const Outcome failed = run("reg write 0x02300000=0309 --verify");
+  EXPECT_EQ(failed.status, 5);
+  EXPECT_THAT(failed.output, HasSubstr("mismatch: 0x02300000: written 03, read back 01"));
+  daemon.prepare("value", "hello\n");
+  EXPECT_EQ(run("reg write 0xF0C0FFE0=- < " + (daemon.board().directory() / "value").string()).status, 0);
+  EXPECT_EQ(run("reg read 0xF0C0FFE0:6 --raw").output, "hello\n");
+}
+
+TEST_F(RunningParlctlTest, AWallIsPlannedReplacedAndTakenBack) {
+  const std::string patient = "--timeout 20000 ";
+  EXPECT_EQ(run("wall undo").status, 2);
+  EXPECT_EQ(run(patient + "wall set 4x6 --cards 12 --wait").status, 0);
+  const Outcome plan = run("wall set 4x6 --cards 24 --plan");
+  EXPECT_EQ(plan.status, 0);
+  EXPECT_THAT(plan.output, HasSubstr("port 1   12 cards at 0, 256, mode 0 top-left-rows  ->  as port 0"));
+  EXPECT_EQ(daemon.board().flash(0xB99018, 1), peer::Bytes{12}) << "nothing was sent";
+  daemon.prepare("blocks", "0: 2x3 at 0,0\n1: 2x3 at 384,0 top-right-rows\n");
+  const std::string blocks = (daemon.board().directory() / "blocks").string();
+  const Outcome set = run(patient + "wall set --wait --blocks " + blocks);
+  EXPECT_EQ(set.status, 0) << set.output;
+  EXPECT_THAT(set.output, HasSubstr("saved    saved ("));
+  EXPECT_THAT(run("wall show").output, HasSubstr("record   advanced configuration\nFPGA     in the FPGA ("));
+  EXPECT_EQ(run("wall check --strict").status, 1) << "ports 2 and 3 have no block";
+  const Outcome undone = run(patient + "wall undo --wait");
+  EXPECT_EQ(undone.status, 0) << undone.output;
+  EXPECT_EQ(json::parse(run("--json wall show").output)["cards_per_port"], 12);
+  EXPECT_EQ(run(patient + "wall undo --wait").status, 0);
+  EXPECT_EQ(json::parse(run("--json wall show").output)["kind"], "advanced");
+}
+
+// The same wall again is no evidence: what stands behind the wait is not overtaken by it.
+TEST_F(RunningParlctlTest, WaitingIsForThisCalculation) {
+  const std::string set = "--timeout 20000 wall set 4x6 --cards 12 --wait";
+  EXPECT_EQ(run(set).status, 0);
+  const auto calculations = [this] {
+    std::size_t count = 0;
+    for (const std::string& line : daemon.board().journal())
+      count += line.find("0x00000018 430") != std::string::npos ? 1 : 0;
+    return count;
+  };
+  const std::size_t before = calculations();
+  EXPECT_EQ(run(set).status, 0);
+  EXPECT_GT(calculations(), before);
+}
+
+TEST_F(RunningParlctlTest, ARecordThatTheFpgaDoesNotHaveIsShownAsThat) {
+  EXPECT_EQ(run("--timeout 20000 wall set 4x6 --cards 12 --wait").status, 0);
+  daemon.board().setFpga(0x137, {1});
+  const std::string svg = (daemon.board().directory() / "wall.svg").string();
+  const Outcome shown = run("wall show --svg " + svg);
+  EXPECT_EQ(shown.status, 5);
+  EXPECT_THAT(shown.output, HasSubstr("FPGA     differs: port 8, window: expected"));
+  EXPECT_THAT(contents(svg), HasSubstr("differs: port 8, window"));
+  EXPECT_THAT(run("status").output, HasSubstr("differs: port 8"));
+  const Outcome doctor = run("doctor");
+  EXPECT_EQ(doctor.status, 1);
+  EXPECT_THAT(doctor.output, HasSubstr("BAD  wall"));
+  EXPECT_THAT(doctor.output, HasSubstr("ok   saved"));
+  EXPECT_LE(longestLine(doctor.output), 80U);
 }
 
 TEST_F(RunningParlctlTest, WatchPrintsPushesUnderTheIdentityItIsGiven) {
@@ -242,7 +407,7 @@ TEST_F(QuietParlctlTest, StatusShowsTheCardsHardwareBesideLsdAndWhatItIsNotTold)
   const Outcome untold = run("status");
   EXPECT_EQ(untold.status, 0);
   EXPECT_THAT(untold.output, HasSubstr("links    not told\n"));
-  EXPECT_THAT(untold.output, HasSubstr("cards    width 128, height 128\n"));
+  EXPECT_THAT(untold.output, HasSubstr("cards    width 128, height 128, assumed\n"));
 }
 
 TEST_F(RunningParlctlTest, LinksAndFaultsOfTheBoardAreChanged) {
@@ -255,6 +420,38 @@ TEST_F(RunningParlctlTest, LinksAndFaultsOfTheBoardAreChanged) {
   EXPECT_THAT(shown.output, HasSubstr("answers"));
   EXPECT_THAT(shown.output, HasSubstr("copper 5 8 9, fiber1 -, fiber2 12"));
   EXPECT_THAT(shown.output, HasSubstr("env-open always"));
+  EXPECT_EQ(run("board fault flash-write 2 --after 3 --range 0xA3B100-0xA3B2FF").status, 0);
+  const peer::FaultPlan plan = daemon.board().faultPlan(2);
+  EXPECT_EQ((std::array{plan.count, plan.after, plan.first, plan.last}),
+            (std::array{2U, 3U, 0xA3B100U, 0xA3B2FFU}));
+  EXPECT_EQ(run("board power cut --after 7 --torn 2").status, 0);
+  EXPECT_EQ(daemon.board().powerCut().atWrite, 7U);
+  EXPECT_EQ(run("board power off").status, 2) << "the daemon has the board";
+  EXPECT_EQ(run("board sensor 3 350").status, 0);
+  EXPECT_EQ(daemon.board().sensor(3), 350U);
+  EXPECT_EQ(run("board clock -3600").status, 0);
+  EXPECT_EQ(daemon.board().clockOffset(), -3600);
+  EXPECT_THAT(run("board show").output, HasSubstr("flash-write 2 after 3 in 0x00A3B100-0x00A3B2FF"));
+  EXPECT_EQ(run("sim run").status, 2) << "the daemon has the board";
+}
+
+TEST_F(ParlctlTest, RequestsAreCapturedAndReplayed) {
+  daemon.start("-debug");
+  EXPECT_EQ(run("reg write 0x02300000=0102").status, 0);
+  EXPECT_EQ(run("reg read 0x02300000:2 0x02100000:400").status, 5);
+  const std::string file = (daemon.board().directory() / "capture").string();
+  EXPECT_TRUE(eventually([&] {
+    return run("capture -o " + file + " --since 1h").output.find("3 requests in") != std::string::npos;
+  }));
+  EXPECT_THAT(run("log show --decode").output, HasSubstr("write 0x02300000:2  backup info  ok  0102"));
+  EXPECT_EQ(run("replay " + file + " --compare").status, 0);
+  daemon.board().setFault(peer::faultIndex("flash-read").value(), peer::kAlways);
+  const Outcome differing = run("replay " + file + " --compare");
+  EXPECT_EQ(differing.status, 5);
+  EXPECT_THAT(differing.output, HasSubstr("1 answered differently"));
+  const std::string tar = (daemon.board().directory() / "b.tar").string();
+  EXPECT_EQ(run("bundle -o " + tar).status, 0);
+  EXPECT_THAT(run("--version; tar -tf " + tar).output, HasSubstr("parlend-bundle/log.txt"));
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 
 #include "mcucdatablock.h"
 #include "peer/error.h"
+#include "wallblocks.h"
+#include "wallchanges.h"
+#include "wallcheck.h"
 #include "wallpicture.h"
 #include "wallverify.h"
 #include "xmlwriter.h"
@@ -41,7 +44,7 @@ TEST(WallPlanTest, PortsLieOnTheWallAndThoseBeyondTheUsedRepeatThem) {
 // to neighbour, and it begins where the name says and in the direction that it says.
 void expectServed(const WallPlan& plan, const std::string& name) {
   std::set<std::pair<uint32_t, uint32_t>> fed;
-  const CardSize card = plan.screen().card;
+  const CardSize card = plan.card();
   for (const WallPort& port : plan.used()) {
     const auto& chain = port.chain;
     for (std::size_t i = 0; i < chain.size(); ++i) {
@@ -54,7 +57,7 @@ void expectServed(const WallPlan& plan, const std::string& name) {
       EXPECT_EQ(step, sideways ? card.width : card.height) << name;
     }
   }
-  EXPECT_EQ(fed.size(), plan.screen().cards()) << name;
+  EXPECT_EQ(fed.size(), std::size_t{plan.rows()} * plan.columns()) << name;
   const Pixel first = plan.used()[0].chain.front();
   EXPECT_EQ(first.y == 0, name.starts_with("top")) << name;
   EXPECT_EQ(first.x == 0, name.find("left") != std::string::npos) << name;
@@ -108,7 +111,7 @@ TEST(WallTextTest, ASmallWallShowsEveryCardAndItsWay) {
             "        v     ^     v\n"
             "  128  1:1   0:2 < 0:1\n"
             "\n"
-            "port  window         offset        cards  first card    last card     repeated by ports\n"
+            "port  window         offset        cards  first card    last card     copies\n"
             "0     256 x 256      128, 0        4      256, 0        128, 0        2, 4, 6, 8\n"
             "1     256 x 256      0, 0          2      0, 0          0, 128        3, 5, 7, 9");
 }
@@ -183,24 +186,135 @@ TEST(WallSvgTest, PortsDuplicatesAndCardsAreNamedWhereThereIsRoom) {
   EXPECT_THAT(large, Not(HasSubstr(">9:1<")));
 }
 
-// An FPGA that holds a wall of 4 x 6 cards, 12 a port, in mode 0.
+// Two blocks beside each other, the second from the right, and one below both.
+AdvancedScreen blocks(const std::string& text =
+                          "0: 2x3 at 0,0 top-left-rows\n1: 2x3 at 384,0 top-right-rows\n"
+                          "4: 1x6 at 0,256 5\n") {
+  return parseBlocks(text);
+}
+
+TEST(WallBlocksTest, LinesAreReadAndWrittenAndBadOnesNamed) {
+  const WallPlan plan(blocks("# a wall\n 0: 2x3 at 0,0\n\n9: 1x1 at 384,0 bottom-right-columns # the last\n"),
+                      {});
+  EXPECT_EQ(blocksText(plan), "0: 2x3 at 0,0 top-left-rows\n9: 1x1 at 384,0 bottom-right-columns\n");
+  EXPECT_EQ(plan.size(), (PixelSize{512, 256}));
+  for (const auto& [text, reason] :
+       {std::pair{"", "no line names a port"},
+        {"0 2x3 at 0,0", "line 1: not 'PORT: "},
+        {"0: 2x3 0,0", "line 1: not"},
+        {"\n10: 2x3 at 0,0", "line 2: '10' is above 9"},
+        {"0: 0x3 at 0,0", "'0' is not from 1"},
+        {"0: 2x256 at 0,0", "'256' is above 255"},
+        {"0: 2x3 at 0", "'0' is not X,Y"},
+        {"0: 2x3 at 0,65536", "above 65535"},
+        {"0: 2x3 at 0,0 middle", "no connection mode"},
+        {"0: 2x3 at 0,0 0 0", "one word too many"},
+        {"0: 1x1 at 0,0\n0: 1x1 at 0,0", "line 2: port 0 for the second time"}}) {
+    try {
+      parseBlocks(text);
+      ADD_FAILURE() << text;
+    } catch (const peer::Error& error) {
+      EXPECT_THAT(error.what(), HasSubstr(reason));
+    }
+  }
+  EXPECT_THAT(wallProblem(blocks("0: 23x23 at 0,0"), {}), HasSubstr("port 0: 529 cards"));
+  EXPECT_THAT(wallProblem(blocks("0: 1x1 at 65500,0"), {}), HasSubstr("65628 x 128 pixels"));
+}
+
+TEST(WallBlocksTest, PortsWithoutABlockAreNotInUse) {
+  const WallPlan plan(blocks(), {});
+  std::vector<unsigned> used;
+  for (const WallPort& port : plan.used()) used.push_back(port.port);
+  EXPECT_THAT(used, ElementsAre(0, 1, 4));
+  EXPECT_EQ(plan.screenField(), (PixelSize{768, 256}));  // the largest block
+  EXPECT_EQ(plan.size(), (PixelSize{768, 384}));
+  EXPECT_EQ(plan.ports()[1].chain.front(), (Pixel{640, 0}));
+  EXPECT_THAT(wallText(plan), HasSubstr("    0  0:0 > 0:1 > 0:2   1:2 < 1:1 < 1:0\n"));
+  EXPECT_EQ(WallPlan(blocks("0: 1x1 at 0,0\n3: 1x1 at 128,0"), {}).used().size(), 2U);
+}
+
+std::vector<std::string> ids(const WallPlan& plan, const WallFacts& facts = {}) {
+  std::vector<std::string> list;
+  for (const Finding& finding : checkWall(plan, facts))
+    list.push_back(finding.id + (finding.port ? ':' + std::to_string(*finding.port) : ""));
+  return list;
+}
+
+TEST(WallCheckTest, EachRuleFindsItsOwnMistakeAndNothingElse) {
+  const WallPlan sound(screen(4, 6, 12, 0));
+  EXPECT_THAT(ids(sound), ElementsAre());
+  EXPECT_THAT(ids(sound, {.links = {{0, 1, 2}}, .cardMeasured = true, .silentPorts = {}}), ElementsAre());
+  EXPECT_THAT(ids(sound, {.links = {{0, 2}}, .cardMeasured = false, .silentPorts = {0, 5}}),
+              ElementsAre("W101:1", "W103:0", "W104"));
+  EXPECT_THAT(ids(WallPlan(screen(4, 6, 10, 0))), ElementsAre("W102:0", "W102:1"));
+  EXPECT_THAT(ids(WallPlan(screen(5, 6, 12, 0))), ElementsAre("W105:2"));  // over the edge
+  EXPECT_THAT(ids(WallPlan(screen(5, 6, 12, 4))), ElementsAre("W105:2"));  // over port 1, which begins there
+  EXPECT_THAT(ids(WallPlan(screen(6, 5, 12, 3))), ElementsAre("W105:2"));
+  EXPECT_THAT(ids(WallPlan(blocks(), {}), {.links = {{0, 1, 4}}}), ElementsAre());
+  EXPECT_THAT(ids(WallPlan(blocks(), {}), {.links = {{0, 1, 4, 9, 12}}}), ElementsAre("W204:9"));
+  EXPECT_THAT(ids(WallPlan(blocks("0: 2x3 at 0,0\n1: 2x3 at 256,0"), {})), ElementsAre("W201:1"));
+  EXPECT_THAT(ids(WallPlan(blocks("0: 2x3 at 0,0\n1: 2x3 at 512,0"), {})), ElementsAre("W202"));
+  EXPECT_THAT(ids(WallPlan(blocks("0: 2x3 at 0,0\n1: 2x3 at 385,0"), {})), ElementsAre("W202", "W203:1"));
+}
+
+TEST(WallCheckTest, AGapIsMeasuredInCards) {
+  const auto found = checkWall(WallPlan(blocks("0: 2x2 at 0,0\n1: 1x2 at 256,0"), {}), {});
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_THAT(found[0].line(),
+              testing::StartsWith("W202 wall: no block covers 32768 pixels, as many as 2 cards"));
+}
+
+TEST(WallChangesTest, OnlyWhatDiffersIsNamed) {
+  const WallPlan before(screen(4, 6, 12, 0));
+  EXPECT_THAT(changesBetween(before, before), testing::IsEmpty());
+  std::string text;
+  for (const Change& change : changesBetween(before, WallPlan(screen(4, 6, 12, 2))))
+    text += change.what + ": " + change.from + " -> " + change.to + '\n';
+  EXPECT_EQ(
+      text,
+      "kind: 4 x 6 cards, 12 per port, mode 0 top-left-rows -> 4 x 6 cards, 12 per port, mode 2 "
+      "top-right-rows\n"
+      "port 0: 12 cards at 0, 0, mode 0 top-left-rows -> 12 cards at 0, 0, mode 2 top-right-rows\n"
+      "port 1: 12 cards at 0, 256, mode 0 top-left-rows -> 12 cards at 0, 256, mode 2 top-right-rows\n");
+  EXPECT_EQ(changesBetween(std::nullopt, WallPlan(blocks(), {})).size(), 13U);
+}
+
+TEST(WallWiringTest, SheetsAreWellFormedAndTheRearIsMirrored) {
+  for (const WallPlan& plan :
+       {WallPlan(screen(4, 6, 12, 0)), WallPlan(screen(100, 100, 1000, 7)), WallPlan(blocks(), {})})
+    for (const bool rear : {false, true})
+      EXPECT_TRUE(wellFormed(wiringSvg(plan, {.rear = rear, .port = {}})));
+  const WallPlan plan(screen(4, 6, 12, 0));
+  EXPECT_THAT(wiringText(plan, {}), HasSubstr("cable 1  controller port 1 to row 3, column 1, 12 cards\n"
+                                              "         2 lines of 6: right, down, left\n"
+                                              "         ends at row 4, column 1"));
+  const std::string rear = wiringText(plan, {.rear = true, .port = 0});
+  EXPECT_THAT(rear, HasSubstr("to row 1, column 6"));
+  EXPECT_THAT(rear, HasSubstr("2 lines of 6: left, down, right"));
+  EXPECT_THAT(rear, Not(HasSubstr("cable 1")));
+}
+
+// An FPGA, or the flash, that holds what a calculation of a wall writes.
 class WallVerifyTest : public testing::Test {
  protected:
-  WallVerifyTest() {
+  WallVerifyTest() { hold(plan); }
+  void hold(const WallPlan& wall) {
     constexpr std::array<uint32_t, 10> kRecords{0x51, 0x5A, 0x63, 0x6C, 0xB1, 0xBA, 0xC3, 0xCC, 0x131, 0x13A};
-    for (unsigned port = 0; port < 10; ++port) {
-      const uint16_t y = port % 2 == 0 ? 0 : 256;
-      put(kRecords[port], {768, 256, 0, y});
-      for (unsigned entry = 0; entry < 85 * 12; ++entry) {
-        const auto card = static_cast<uint16_t>(entry % 12);
-        put(0x600000 + port * 0x1000 + 4 * entry, {static_cast<uint16_t>((card < 6 ? card : 11 - card) * 128),
-                                                   static_cast<uint16_t>(card / 6 * 128)});
+    put(0x24, {wall.screenField().width, wall.screenField().height});
+    put(0x1EC, {wall.size().width, wall.size().height});
+    for (const WallPort& port : wall.ports()) {
+      put(kRecords[port.port], {port.window.width, port.window.height, port.offset.x, port.offset.y});
+      const auto cards = static_cast<uint32_t>(port.chain.size());
+      put(0x500000 + 0x1000 * (port.port / 4) + 0x20 * (port.port % 4), {cards});
+      for (uint32_t entry = 0; entry < 1024 / cards * cards; ++entry) {
+        const Pixel card = port.chain[entry % cards];
+        put(0x600000 + port.port * 0x1000 + 4 * entry, {card.x - port.offset.x, card.y - port.offset.y});
       }
     }
   }
-  void put(std::size_t at, std::initializer_list<uint16_t> values) {
-    for (const uint16_t value : values) {
-      ORVE_MCUC::putLe16(fpga, at, value);
+  void put(std::size_t at, std::initializer_list<uint32_t> values) {
+    for (const uint32_t value : values) {
+      ORVE_MCUC::putLe16(fpga, at, static_cast<uint16_t>(value));
       at += 2;
     }
   }
@@ -218,12 +332,38 @@ TEST_F(WallVerifyTest, TheFirstDifferenceIsFoundAndNamed) {
   EXPECT_TRUE(difference().none()) << difference().text();
   put(0x609000 + 4 * 1020, {1, 1});  // behind the last whole repetition
   EXPECT_TRUE(difference().none()) << difference().text();
-  put(0x609000 + 4 * 1019, {0, 127});
-  EXPECT_EQ(difference().text(), "port 9, entry 1019: expected 0, 128, found 0, 127");
-  put(0x603000 + 4 * 3, {0, 0});
-  EXPECT_EQ(difference().text(), "port 3, entry 3: expected 384, 0, found 0, 0");
-  put(0x137, {255});
-  EXPECT_EQ(difference().text(), "port 8, window: expected 768 x 256 at 0, 0, found 768 x 256 at 0, 255");
+  // Each is found before the one above it.
+  const std::tuple<uint32_t, std::initializer_list<uint32_t>, std::string> kSteps[] = {
+      {0x609000 + 4 * 1019, {0, 127}, "port 9, entry 1019: expected 0, 128, found 0, 127"},
+      {0x603000 + 4 * 3, {0, 0}, "port 3, entry 3: expected 384, 0, found 0, 0"},
+      {0x502020, {11}, "port 9, card count: expected 12, found 11"},
+      {0x501000, {268}, "port 4, card count: expected 12, found 268"},
+      {0x137, {255}, "port 8, window: expected 768 x 256 at 0, 0, found 768 x 256 at 0, 255"},
+      {0x26, {513}, "screen size (0x24): expected 768 x 512, found 768 x 513"},
+      {0x1EC, {769}, "output size (0x1EC): expected 768 x 512, found 769 x 512"}};
+  for (const auto& [address, values, text] : kSteps) {
+    put(address, values);
+    EXPECT_EQ(difference().text(), text);
+  }
+}
+
+TEST_F(WallVerifyTest, WallsOfBothKindsAreRecognised) {
+  for (const WallPlan& wall :
+       {WallPlan(screen(3, 33, 40, 3, {7, 9})), WallPlan(blocks(), {}), WallPlan(screen(1, 1, 1, 7))}) {
+    hold(wall);
+    plan = wall;
+    EXPECT_TRUE(difference().none()) << difference().text();
+    EXPECT_EQ(lastEntryAddress(plan),
+              0x609000 + 4 * (1024 / plan.ports()[9].chain.size() * plan.ports()[9].chain.size() - 1));
+  }
+}
+
+TEST(WallVerifyMapTest, TheSavedCopyLiesWhereTheFlashMapSays) {
+  EXPECT_EQ(savedAt(0x51), 0xA3B151U);
+  EXPECT_EQ(savedAt(0x500060), 0xA5C060U);
+  EXPECT_EQ(savedAt(0x501020), 0xA5C0A0U);
+  EXPECT_EQ(savedAt(0x502000), 0xA5C200U);
+  EXPECT_EQ(savedAt(0x609FFC), 0xA45FFCU);
 }
 
 TEST_F(WallVerifyTest, TheFirstWayThatIsOpenIsTaken) {
@@ -234,15 +374,19 @@ TEST_F(WallVerifyTest, TheFirstWayThatIsOpenIsTaken) {
                         if (address >= 0x600000) throw peer::Error(peer::Failure::ShortReply, "short");
                         return way.read(address, length);
                       }};
-  const std::vector<ReadBack> ways{closed, half, way};
-  EXPECT_EQ(openWay(ways).name, "memory");
-  const std::vector<ReadBack> none{closed, half};
-  try {
-    openWay(none);
-    FAIL() << "no way is open";
-  } catch (const peer::Error& error) {
-    EXPECT_EQ(error.failure(), peer::Failure::NoDaemon);
-    EXPECT_THAT(error.what(), HasSubstr("half: short"));
+  const ReadBack zeros{"zeros", [](uint32_t, std::size_t length) { return peer::Bytes(length); }};
+  EXPECT_EQ(openWay({closed, half, zeros, way}).name, "memory");
+  EXPECT_EQ(openWay({closed, zeros}).name, "zeros");  // the board itself has nothing else
+  for (const auto& [ways, reason] : {std::pair{std::vector{closed, half}, "half: short"},
+                                     {std::vector{zeros}, "zeros: nothing but zeros"},
+                                     {std::vector{zeros, half}, "half: short"}}) {
+    try {
+      openWay(ways);
+      FAIL() << "no way is open";
+    } catch (const peer::Error& error) {
+      EXPECT_EQ(error.failure(), peer::Failure::NoDaemon);
+      EXPECT_THAT(error.what(), HasSubstr(reason));
+    }
   }
 }
 

@@ -2,7 +2,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "mappages.h"
+#include "mappages/mappages.h"
 
 int main(int argc, char** argv) {
   const std::string_view page = argc == 2 ? argv[1] : "";

@@ -1,4 +1,4 @@
-#include "mappages.h"
+#include "mappages/mappages.h"
 
 #include <array>
 #include <cstdint>
@@ -68,8 +68,8 @@ std::string registers() {
   std::string text = "\n## Registers\n\nA write is stored, and then does what is said.\n\n" +
                      heading({"Address", "Bytes", "Register", "What a write does"});
   for (const auto& row : kRegisters) {
-    text += line({hex(row.address), std::to_string(row.length), std::string(row.name),
-                  std::string(row.writing), std::string(readEffect(row.address, 1))});
+    text +=
+        line({hex(row.address), std::to_string(row.length), std::string(row.name), std::string(row.writing)});
   }
   return text;
 }

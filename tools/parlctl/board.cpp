@@ -1,7 +1,9 @@
 // board: the simulated board's directory; none of its verbs needs a running daemon.
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <tuple>
 
 #include "board_conf.h"
 #include "commands.h"
@@ -21,6 +23,10 @@ struct BoardArguments {
   std::string state;
   std::string fault;
   std::string count;
+  std::string after;
+  std::string range;
+  std::string torn;
+  std::string shift;
   bool copper = false;
   bool fiber1 = false;
   bool fiber2 = false;
@@ -74,32 +80,52 @@ uint32_t daemonIdentity(const Options& options) {
   }
 }
 
-Json hardware(const peer::Board& board) {
+// Counters that are not zero: as numbers, or in words with what must pass first and where.
+Json faultsOf(const peer::Board& board, bool inWords) {
   Json faults = Json::object();
-  for (unsigned i = 0; i < peer::kFaultNames.size(); ++i)
-    if (const uint32_t count = board.fault(i); count != 0) faults[std::string(peer::kFaultNames[i])] = count;
+  for (unsigned i = 0; i < peer::kFaultNames.size(); ++i) {
+    const peer::FaultPlan plan = board.faultPlan(i);
+    if (plan.count == 0) continue;
+    std::string text = plan.count == peer::kAlways ? "always" : std::to_string(plan.count);
+    if (plan.after != 0) text += " after " + std::to_string(plan.after);
+    if (plan.last != 0) text += " in " + hexAddress(plan.first) + '-' + hexAddress(plan.last);
+    faults[std::string(peer::kFaultNames[i])] = inWords ? Json(text) : Json(plan.count);
+  }
+  return faults;
+}
+
+std::string faultWords(const peer::Board& board) {
+  const Json faults = faultsOf(board, true);
+  return faults.empty() ? "none" : words(faults);
+}
+
+std::string powerCutText(const peer::PowerCut& cut) {
+  if (cut.atWrite == 0) return "none";
+  const std::string done = cut.done == 0   ? "nothing of it done"
+                           : cut.done == 1 ? "all of it done"
+                                           : countText(cut.sectors, "sector") + " of it done";
+  return "at flash write " + std::to_string(cut.atWrite) + " from now, " + done;
+}
+
+Json hardware(const peer::Board& board) {
   return {{"links",
            {{"copper", portsWithLink(board, Medium::Copper)},
             {"fiber1", portsWithLink(board, Medium::Fiber1)},
             {"fiber2", portsWithLink(board, Medium::Fiber2)}}},
-          {"faults", faults},
+          {"faults", faultsOf(board, false)},
+          {"fault_plans", faultsOf(board, true)},
+          {"power_cut", powerCutText(board.powerCut())},
           {"clock_offset", board.clockOffset()}};
-}
-
-// A fault counter that never runs out has a name.
-std::string faultWords(Json faults) {
-  for (Json& count : faults) {
-    if (count == peer::kAlways) count = "always";
-  }
-  return faults.empty() ? "none" : words(faults);
 }
 
 std::string boardText(const Json& shown) {
   std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
                      (shown["daemon"].get<bool>() ? "answers" : "does not answer");
   if (shown["powered"].get<bool>())
-    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " + faultWords(shown["faults"]) +
-            "\nclock    " + shown["clock_offset"].dump() + " s from this machine's";
+    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " +
+            (shown["fault_plans"].empty() ? "none" : words(shown["fault_plans"])) +
+            "\npower    cut: " + shown["power_cut"].get<std::string>() + "\nclock    " +
+            shown["clock_offset"].dump() + " s from this machine's";
   else
     text += "\npower    never switched on";
   text += "\nplugged in";
@@ -117,12 +143,21 @@ void showBoard(const Options& options) {
   options.print({shown, boardText(shown)});
 }
 
+// What follows needs the board's control page, which its first start makes.
+peer::Board poweredBoard(const Options& options) {
+  const peer::Board board = options.board();
+  if (!board.hasHardware())
+    throw Error(Failure::Board, "the board " + board.directory().string() +
+                                    " has never been switched on: start the daemon on it once");
+  return board;
+}
+
 void link(const Options& options, const BoardArguments& arguments) {
   const Medium medium = arguments.fiber1   ? Medium::Fiber1
                         : arguments.fiber2 ? Medium::Fiber2
                                            : Medium::Copper;
   const auto ports = portList(arguments.ports);
-  const peer::Board board = options.board();
+  const peer::Board board = poweredBoard(options);
   for (const unsigned port : ports) board.setLink(port, medium, arguments.state == "on");
   const Json links = hardware(board)["links"];
   options.print({{{"links", links}}, "links    " + words(links)});
@@ -130,11 +165,62 @@ void link(const Options& options, const BoardArguments& arguments) {
 
 void fault(const Options& options, const BoardArguments& arguments) {
   const auto index = peer::faultIndex(arguments.fault);
-  const uint32_t count = arguments.count == "always" ? peer::kAlways : number(arguments.count);
-  const peer::Board board = options.board();
-  board.setFault(*index, count);
-  const Json faults = hardware(board)["faults"];
-  options.print({{{"faults", faults}}, "faults   " + faultWords(faults)});
+  peer::FaultPlan plan{.count = arguments.count == "always" ? peer::kAlways : number(arguments.count)};
+  if (!arguments.after.empty()) plan.after = number(arguments.after);
+  if (!arguments.range.empty()) {
+    if (*index >= peer::kFaultRanges)
+      throw Error(Failure::Usage, "calls of " + arguments.fault + " have no address");
+    std::tie(plan.first, plan.last) = range(arguments.range);
+  }
+  const peer::Board board = poweredBoard(options);
+  board.setFaultPlan(*index, plan);
+  options.print({{{"faults", faultsOf(board, false)}, {"fault_plans", faultsOf(board, true)}},
+                 "faults   " + faultWords(board)});
+}
+
+void power(const Options& options, const BoardArguments& arguments) {
+  const bool cut = arguments.state == "cut";
+  if (cut == arguments.after.empty())
+    throw Error(Failure::Usage, cut ? "'cut' needs --after N" : "--after belongs to 'cut'");
+  if (!cut && !arguments.torn.empty()) throw Error(Failure::Usage, "--torn belongs to 'cut'");
+  const peer::Board board = poweredBoard(options);
+  if (cut) {
+    peer::PowerCut plan{.atWrite = number(arguments.after)};
+    if (!arguments.torn.empty()) plan = {plan.atWrite, 2, number(arguments.torn)};
+    board.setPowerCut(plan);
+    const std::string text = powerCutText(board.powerCut());
+    return options.print({{{"power_cut", text}}, "power    cut: " + text});
+  }
+  if (arguments.state != "on") board.switchOff();
+  const bool taken = board.isTaken();
+  options.print({{{"daemon", taken}},
+                 taken ? "power    on: a daemon has the board"
+                 : arguments.state == "off"
+                     ? "power    off: the FPGA has lost what it held"
+                     : "power    the next start of the daemon finds the board switched on afresh"});
+}
+
+void sensor(const Options& options, const BoardArguments& arguments) {
+  const unsigned index = number(arguments.state, peer::kSensors - 1);
+  const uint32_t lux = arguments.count == "silent" ? peer::kAlways : number(arguments.count);
+  const peer::Board board = poweredBoard(options);
+  board.setSensor(index, lux);
+  options.print({{{"sensor", index}, {"lux", lux == peer::kAlways ? Json() : Json(lux)}},
+                 "sensor   " + std::to_string(index) +
+                     (lux == peer::kAlways ? " does not answer" : ": " + std::to_string(lux) + " lux")});
+}
+
+void clock(const Options& options, const BoardArguments& arguments) {
+  const std::string& shift = arguments.shift;
+  const bool sign = shift.starts_with('+') || shift.starts_with('-');
+  if (shift != "now" && !sign) throw Error(Failure::Usage, "'" + shift + "' is not +S, -S (seconds) or now");
+  const int64_t seconds = sign ? int64_t{number(shift.substr(1))} * (shift[0] == '-' ? -1 : 1) : 0;
+  const peer::Board board = poweredBoard(options);
+  board.setClockOffset(sign ? board.clockOffset() + seconds : 0);
+  const int64_t offset = board.clockOffset();
+  const std::string time = timeText(std::time(nullptr) + offset);
+  options.print({{{"clock_offset", offset}, {"time", time}},
+                 "clock    " + time + ", " + std::to_string(offset) + " s from this machine's"});
 }
 
 void addLink(Verb& board, const Options& options) {
@@ -155,8 +241,42 @@ void addFault(Verb& board, const Options& options) {
   verb.operand("KIND", arguments->fault, "What fails")
       .oneOf({peer::kFaultNames.begin(), peer::kFaultNames.end()});
   verb.operand("COUNT", arguments->count, "How many calls; 0: none, always: all of them");
+  verb.option("--after", "N", arguments->after, "So many calls pass first");
+  verb.option("--range", "A-B", arguments->range,
+              "Only calls that touch these addresses count, for FPGA, flash and factory calls");
   verb.example("board fault flash-read 3");
+  verb.example("board fault flash-write always --after 2 --range 0xA3B100-0xA3B2FF");
   verb.run([&options, arguments] { fault(options, *arguments); });
+}
+
+void addPower(Verb& board, const Options& options) {
+  auto arguments = std::make_shared<BoardArguments>();
+  Verb& verb =
+      board.verb("power", "Switch the board off and on, or let the power go in the middle of a flash write");
+  verb.operand("WHAT", arguments->state, "off and cycle need a board that no daemon has");
+  verb.oneOf({"off", "on", "cycle", "cut"});
+  verb.option("--after", "N", arguments->after, "cut: at the N-th flash write from now; 0: not at all");
+  verb.option("--torn", "SECTORS", arguments->torn,
+              "cut: so many sectors of 512 bytes of that write are done; else none");
+  verb.example("board power cut --after 3 --torn 1");
+  verb.run([&options, arguments] { power(options, *arguments); });
+}
+
+void addSensor(Verb& board, const Options& options) {
+  auto arguments = std::make_shared<BoardArguments>();
+  Verb& verb = board.verb("sensor", "Set what an ambient-light sensor measures");
+  verb.operand("N", arguments->state, "The sensor, 0 to 31 in the order of board.conf");
+  verb.operand("LUX", arguments->count, "What it measures; silent: it does not answer");
+  verb.example("board sensor 0 350");
+  verb.run([&options, arguments] { sensor(options, *arguments); });
+}
+
+void addClock(Verb& board, const Options& options) {
+  auto arguments = std::make_shared<BoardArguments>();
+  Verb& verb = board.verb("clock", "Move the board's clock; the daemon sees it at once");
+  verb.operand("SHIFT", arguments->shift, "+S or -S seconds, or now: this machine's time");
+  verb.example("board clock +86400");
+  verb.run([&options, arguments] { clock(options, *arguments); });
 }
 
 }  // namespace
@@ -174,6 +294,9 @@ void addBoard(Verb& root, const Options& options) {
 
   addLink(board, options);
   addFault(board, options);
+  addPower(board, options);
+  addSensor(board, options);
+  addClock(board, options);
 }
 
 }  // namespace parlctl

@@ -12,7 +12,10 @@ void addCard(Verb& root, const Options& options) {
              .addDeviceType =
                  [](Verb& verb, AccessArguments& arguments) {
                    verb.option("--type", "KIND", arguments.deviceType, "The kind of card");
-                   verb.oneOf({kCardKinds.begin(), kCardKinds.end()});
+                   std::vector<std::string> kinds(kCardKinds.begin(), kCardKinds.end());
+                   for (std::size_t type = 1; type <= kCardKinds.size(); ++type)
+                     kinds.push_back(std::to_string(type));
+                   verb.oneOf(std::move(kinds));
                  },
              .readExample = "card read 0x02000017:4 --port 2 --card 5",
              .writeExample = "card write 0x02000001=80 --port 255 --card 65535",

@@ -61,6 +61,16 @@ Verb& Verb::isFile() {
   return *this;
 }
 
+Verb& Verb::letter(char shortForm) {
+  arguments.back().letter = shortForm;
+  return *this;
+}
+
+Verb& Verb::required() {
+  arguments.back().required = true;
+  return *this;
+}
+
 Verb& Verb::note(const std::string& paragraph) {
   notes.push_back(paragraph);
   return *this;

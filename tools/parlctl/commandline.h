@@ -22,6 +22,7 @@ struct Argument {
   std::vector<std::string> excludes{};
   uint32_t first = 0;  // of a number
   uint32_t last = 0xFFFFFFFF;
+  char letter = '\0';  // "-o" beside "--output"
   bool required = false;
   bool file = false;  // it names a file: completion offers some
 
@@ -45,10 +46,13 @@ class Verb {
   Verb& option(const std::string& option, const std::string& placeholder, uint32_t& to, uint32_t first,
                uint32_t last, const std::string& what);
   Verb& flag(const std::string& option, bool& to, const std::string& what);
-  // Of the argument added last: its values, the options it cannot stand beside, that it names a file.
+  // Of the argument added last: its values, the options it cannot stand beside, that it names a file, its
+  // short form, that it must be there.
   Verb& oneOf(std::vector<std::string> choices);
   Verb& excludes(std::vector<std::string> options);
   Verb& isFile();
+  Verb& letter(char shortForm);
+  Verb& required();
   // Paragraphs behind the arguments, and example command lines without "parlctl".
   Verb& note(const std::string& paragraph);
   Verb& example(const std::string& line);

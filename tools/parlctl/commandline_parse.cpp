@@ -77,13 +77,12 @@ void Grammar::mirror(const Verb& verb, CLI::App& app) {
 
 void Grammar::add(const Argument& argument, CLI::App& app) {
   CLI::Option* option = nullptr;
-  if (auto* const* flag = std::get_if<bool*>(&argument.target)) option = app.add_flag(argument.name, **flag);
-  if (auto* const* text = std::get_if<std::string*>(&argument.target))
-    option = app.add_option(argument.name, **text);
-  if (auto* const* value = std::get_if<uint32_t*>(&argument.target))
-    option = app.add_option(argument.name, **value);
-  if (auto* const* list = std::get_if<Words*>(&argument.target))
-    option = app.add_option(argument.name, **list);
+  const std::string name =
+      (argument.letter == '\0' ? "" : std::string("-") + argument.letter + ',') + argument.name;
+  if (auto* const* flag = std::get_if<bool*>(&argument.target)) option = app.add_flag(name, **flag);
+  if (auto* const* text = std::get_if<std::string*>(&argument.target)) option = app.add_option(name, **text);
+  if (auto* const* value = std::get_if<uint32_t*>(&argument.target)) option = app.add_option(name, **value);
+  if (auto* const* list = std::get_if<Words*>(&argument.target)) option = app.add_option(name, **list);
   if (argument.required) option->required();
   if (std::holds_alternative<bool*>(argument.target)) return;
   const auto check = [&argument](std::string& value) {

@@ -17,10 +17,6 @@ std::string operandText(const Argument& argument) {
   return argument.required ? text : '[' + text + ']';
 }
 
-std::string optionText(const Argument& argument) {
-  return argument.name + (argument.value.empty() ? "" : ' ' + argument.value);
-}
-
 // A term and its explanation beside it, or below where the term is long.
 std::string row(const std::string& term, const std::string& text) {
   std::string line = "  " + term;
@@ -32,22 +28,10 @@ std::string row(const std::string& term, const std::string& text) {
   return line.substr(0, lead) + wrapped(line.substr(lead) + text, kTextColumn) + '\n';
 }
 
-std::string explained(const Argument& argument) {
-  std::string text = argument.text;
-  if (!argument.choices.empty()) {
-    text += ": ";
-    for (const std::string& choice : argument.choices)
-      text += (&choice == &argument.choices[0] ? "" : ", ") + choice;
-  }
-  if (!argument.standard.empty()) text += " [" + argument.standard + ']';
-  return text;
-}
-
 std::string argumentRows(const Verb& verb, bool options) {
   std::string text;
   for (const Argument& argument : verb.arguments)
-    if (argument.isOption() == options)
-      text += row(options ? optionText(argument) : operandText(argument), explained(argument));
+    if (argument.isOption() == options) text += row(argumentTitle(argument), argumentText(argument));
   return text;
 }
 
@@ -69,6 +53,23 @@ std::string statusRows() {
 }
 
 }  // namespace
+
+std::string argumentTitle(const Argument& argument) {
+  if (!argument.isOption()) return operandText(argument);
+  const std::string letter = argument.letter == '\0' ? "" : std::string("-") + argument.letter + ", ";
+  return letter + argument.name + (argument.value.empty() ? "" : ' ' + argument.value);
+}
+
+std::string argumentText(const Argument& argument) {
+  std::string text = argument.text;
+  if (!argument.choices.empty()) {
+    text += ": ";
+    for (const std::string& choice : argument.choices)
+      text += (&choice == &argument.choices[0] ? "" : ", ") + choice;
+  }
+  if (!argument.standard.empty()) text += " [" + argument.standard + ']';
+  return text;
+}
 
 std::string wrapped(const std::string& text, std::size_t indent) {
   std::string all;

@@ -13,6 +13,10 @@ std::string helpText(const Verb& root, const Verb& verb, const std::string& path
 // "reg read RANGE... [--port N]": what may stand behind a verb's name.
 std::string synopsis(const Verb& verb);
 
+// An argument as it is typed, "--port N" or "[DIR]", and what it means, with choices and default.
+std::string argumentTitle(const Argument& argument);
+std::string argumentText(const Argument& argument);
+
 // Words in lines of at most kColumns, all but the first indented; lines already there stay apart.
 std::string wrapped(const std::string& text, std::size_t indent = 0);
 

@@ -4,15 +4,15 @@
 #include <iostream>
 
 #include "commands.h"
+#include "complete.h"
 #include "helptext.h"
 #include "output.h"
+#include "version.h"
 
 namespace {
 
 using parlctl::Options;
 using parlctl::Verb;
-
-constexpr const char* kVersion = "parlctl " PARLEND_VERSION "\n";
 
 void build(Verb& root, Options& options) {
   const char* board = std::getenv("PARLEND_BOARD");
@@ -47,14 +47,22 @@ bool wantsJson(int argc, char** argv) {
   return std::find(argv, argv + argc, std::string_view("--json")) != argv + argc;
 }
 
+int complete(const Verb& root, const std::vector<std::string>& words) {
+  for (const parlctl::Candidate& each : parlctl::candidates(root, words))
+    parlctl::writeOutput(each.text.empty() ? each.word + '\n' : each.word + '\t' + each.text + '\n');
+  return parlctl::kDone;
+}
+
 int run(int argc, char** argv) {
   Options options;
   Verb root("parlctl", "Reads, writes and watches the sending card's daemon as one of its peers");
   build(root, options);
+  if (argc > 1 && std::string_view(argv[1]) == parlctl::kCompleteWord)
+    return complete(root, {argv + 2, argv + argc});
   try {
     const parlctl::Asked asked = parlctl::parse(root, argc, argv);
     options.verb = asked.path;
-    if (asked.version) return parlctl::writeOutput(kVersion), parlctl::kDone;
+    if (asked.version) return parlctl::writeOutput(std::string(parlctl::kVersion) + '\n'), parlctl::kDone;
     if (asked.help) return parlctl::writeOutput(helpText(root, *asked.verb, asked.path)), parlctl::kDone;
     asked.verb->action();
     return options.status();

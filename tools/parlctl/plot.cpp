@@ -23,10 +23,6 @@ constexpr double kHatchDistance = 9;
 constexpr const char* kGrid = "#d9d9d9";
 constexpr const char* kHatch = "#8a8a8a";
 
-std::string shortNumber(double value) {
-  return xmlNumber(value);
-}
-
 // Multiples of the axis' step between its ends. The step is widened when it would crowd the axis.
 template <class Use>
 void forEachNumber(const PlotAxis& axis, Use use) {
@@ -34,7 +30,7 @@ void forEachNumber(const PlotAxis& axis, Use use) {
   const double step = std::max(axis.step, (axis.high - axis.low) / kMost);
   if (!(step > 0)) return;
   for (double k = std::ceil(axis.low / step - 1e-9); k * step <= axis.high + step * 1e-9; ++k)
-    use(k * step, (axis.number != nullptr ? axis.number : &shortNumber)(k * step));
+    use(k * step, axis.number ? axis.number(k * step) : xmlNumber(k * step));
 }
 
 // Where a slanting line that enters the box from the left edge's side runs inside of it.

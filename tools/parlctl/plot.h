@@ -2,6 +2,7 @@
 // dashes and areas in their hatching, so that a grey print tells them apart as well.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ struct PlotAxis {
   double low = 0;
   double high = 1;
   double step = 1;
-  std::string (*number)(double value) = nullptr;  // null: as short as the value is
+  std::function<std::string(double value)> number{};  // none: as short as the value is
 };
 
 struct PlotCurve {

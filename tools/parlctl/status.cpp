@@ -6,11 +6,13 @@
 #include <optional>
 #include <span>
 
-#include "calc/screenrecord.h"
 #include "commands.h"
+#include "helptext.h"
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"
 #include "mcucdatablock.h"
+#include "report.h"
+#include "values.h"
 #include "wall_daemon.h"
 
 namespace parlctl {
@@ -19,7 +21,6 @@ namespace {
 
 namespace fpga = ORVE_MCUC::fpga;
 namespace reg = ORVE_MCUC::reg;
-namespace shortcut = ORVE_MCUC::shortcut;
 using ORVE_MCUC::le16;
 using peer::Bytes;
 
@@ -81,60 +82,116 @@ Json ofFpga(const std::optional<Bytes>& told) {
           {"screen", size(le16(at, fpga::kScreenWidth), le16(at, fpga::kScreenHeight))}};
 }
 
-Json ofCards(const std::optional<Bytes>& told) {
-  return told ? size(le16(*told, 0), le16(*told, 2)) : Json();
+// What the wall says of each port, the plan's where there is one.
+std::string carriesText(const WallPort& port) {
+  if (port.duplicateOf) return "the same as port " + std::to_string(*port.duplicateOf);
+  if (!port.used) return "-";
+  return countText(port.chain.size(), "card") + " at " + pairText(port.offset);
 }
 
-std::string howConfigured(uint8_t status) {
-  switch (status) {
-    case shortcut::kSmart:
-      return "smart";
-    case shortcut::kAdvanced:
-      return "advanced";
-    case shortcut::kByTables:
-      return "tables";
-    default:
-      return "no";
+std::string linkText(const Json& links, unsigned port) {
+  std::string text;
+  for (const auto& [medium, ports] : links.items())
+    if (std::ranges::find(ports, Json(port)) != ports.end()) text += (text.empty() ? "" : "+") + medium;
+  return text.empty() ? "none" : text;
+}
+
+std::string roleText(uint8_t role) {
+  return role == fpga::kMaster ? "master"
+                               : (role == fpga::kBackup ? "backup" : "0x" + peer::toHex(std::span(&role, 1)));
+}
+
+// Ports that carry something or are linked.
+Json outputsOf(const Bytes& registers, const Json& links, const std::optional<WallPlan>& plan) {
+  Json outputs = Json::array();
+  for (unsigned port = 0; port < peer::kPorts; ++port) {
+    const WallPort* carried = plan && port < plan->ports().size() ? &plan->ports()[port] : nullptr;
+    const std::string link = linkText(links, port);
+    if (link == "none" && (carried == nullptr || !carried->used)) continue;
+    outputs.push_back(
+        {{"port", port},
+         {"link", link},
+         {"role", roleText(registers[fpga::portRole(port)])},
+         {"cards", carried != nullptr ? Json(carried->chain.size()) : Json(0)},
+         {"duplicate_of", carried != nullptr && carried->duplicateOf ? Json(*carried->duplicateOf) : Json()},
+         {"carries", carried != nullptr ? carriesText(*carried) : "-"}});
+  }
+  return outputs;
+}
+
+// The plan that the record stands for; nothing when it stands for none.
+std::optional<WallPlan> planOf(const WallRecord& record, CardSize card) {
+  try {
+    return record.plan(card);
+  } catch (const peer::Error&) {
+    return std::nullopt;
   }
 }
 
-Json ofWall(const std::optional<Bytes>& told) {
-  if (!told) return nullptr;
-  const ORVE_MCUC::SmartScreen screen =
-      shortcut::smartScreenOf(std::span<const uint8_t>(*told).first<shortcut::kUsedSize>());
-  return {{"configured", howConfigured((*told)[shortcut::kStatusAt])},
+Json wallJson(const WallRecord& record, const SmartScreen& screen, const Seen& seen) {
+  return {{"configured", record.statusText()},
           {"rows", screen.rows},
           {"columns", screen.columns},
           {"cards_per_port", screen.cardsPerPort},
-          {"mode", screen.mode}};
+          {"mode", screen.mode},
+          {"fpga", seen.text},
+          {"in_force", seen.outcome == Outcome::Verified}};
 }
 
-// "copper 0 1 2 3, fiber1 -"
-std::string statusText(const Json& shown) {
-  std::string text;
-  for (const auto& [key, value] : shown.items()) {
-    text += (text.empty() ? "" : "\n") + key + std::string(9 - key.size(), ' ') + words(value);
-  }
+std::string column(const std::string& text, std::size_t width) {
+  return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
+}
+
+std::string outputLines(const Json& outputs) {
+  if (outputs.empty()) return "\nports    none is linked, and none carries anything";
+  std::string text = "\n\nport  link            role    carries";
+  for (const Json& output : outputs)
+    text += '\n' + column(std::to_string(output["port"].get<unsigned>()), 6) +
+            column(output["link"].get<std::string>(), 16) + column(output["role"].get<std::string>(), 8) +
+            output["carries"].get<std::string>();
   return text;
 }
 
-void status(const Options& options) {
-  peer::Peer daemon = options.connect(peer::toolServiceCode());
-  Json shown = ofFpga(askFpga(daemon));
-  shown["cards"] = ofCards(ask(daemon, reg::kReceivingCardSize, 4));
-  shown["wall"] = ofWall(ask(daemon, reg::kShortcutConfigScreen, shortcut::kRecordSize));
-  options.print({shown, statusText(shown)});
+std::string wallLines(const WallRecord& record, const std::optional<WallPlan>& plan, const Seen& seen) {
+  if (!plan) return "wall     " + record.statusText() + (record.isEmpty() ? "" : ", which is not mapped");
+  return "wall     " + sizeText({plan->rows(), plan->columns()}) + " cards, " + sizeText(plan->size()) +
+         " pixels (" + record.statusText() + ")\n" + wrapped("         " + seen.text, 9);
 }
 
 }  // namespace
 
+Result statusResult(const Options& options, peer::Peer& daemon) {
+  const auto registers = askFpga(daemon);
+  Json shown = ofFpga(registers);
+  const MeasuredCard card = cardSize(daemon);
+  const WallRecord record = readRecord(daemon);
+  const std::optional<WallPlan> plan = planOf(record, card.size);
+  const Seen seen = plan ? lookAtFpga(options, daemon, *plan) : Seen{Outcome::Differs, "not mapped"};
+  shown["cards"] = size(card.size.width, card.size.height);
+  shown["cards_measured"] = card.measured;
+  shown["wall"] = wallJson(record, record.smart(card.size), seen);
+  std::string text = "links    " + words(shown["links"]) + "\ncards    width " +
+                     std::to_string(card.size.width) + ", height " + std::to_string(card.size.height) +
+                     (card.measured ? ", measured" : ", assumed") + "\nscreen   " + words(shown["screen"]) +
+                     "\nfiber    " + words(shown["fiber"]) + '\n' + wallLines(record, plan, seen);
+  if (registers) {
+    shown["outputs"] = outputsOf(*registers, shown["links"], plan);
+    text += outputLines(shown["outputs"]);
+  }
+  return {shown, text};
+}
+
 void addStatus(Verb& root, const Options& options) {
-  root.verb("status", "Links, roles, fiber, receiving cards and wall at a glance")
+  root.verb("status", "Which ports are linked and what they carry, cards, screen and wall at a glance")
       .note(
-          "Ports count from 0. Roles: a byte a port, 00 master, 80 backup; redundancy and fiber: as the FPGA "
-          "has "
-          "them. \"not told\": the daemon does not say, or says nothing but zeros of the FPGA.")
-      .run([&options] { status(options); });
+          "Ports count from 0. Cards are measured when one has told its size, and assumed otherwise. \"not "
+          "told\": the "
+          "daemon does not say, or says nothing but zeros of the FPGA. With --json also roles and redundancy "
+          "as bytes.")
+      .run([&options] {
+        peer::Peer daemon = options.connect();
+        options.print(statusResult(options, daemon));
+      });
 }
 
 }  // namespace parlctl

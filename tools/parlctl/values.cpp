@@ -75,6 +75,14 @@ std::vector<unsigned> portList(const std::string& text) {
   return ports;
 }
 
+std::chrono::milliseconds duration(const std::string& text) {
+  double seconds = 0;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (error != std::errc{} || stop != text.data() + text.size() || !(seconds >= 0.001 && seconds <= 1e9))
+    refuse(text, "is not a number of seconds");
+  return std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000));
+}
+
 std::string hexAddress(uint32_t address) {
   std::array<char, 11> text{};
   std::snprintf(text.data(), text.size(), "0x%08X", address);

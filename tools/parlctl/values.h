@@ -1,6 +1,7 @@
 // Values as people write and read them. All of what parses throws peer::Error (Usage), naming the text.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -20,6 +21,9 @@ std::pair<uint32_t, uint32_t> product(const std::string& text, uint32_t limit);
 std::vector<unsigned> portList(const std::string& text);
 // "0x100-0x1FF", or one number.
 std::pair<uint32_t, uint32_t> range(const std::string& text, uint32_t limit = 0xFFFFFFFF);
+
+// Seconds, with or without a fraction, above 0 and up to 1e9.
+std::chrono::milliseconds duration(const std::string& text);
 
 // 0x and eight digits.
 std::string hexAddress(uint32_t address);

@@ -1,10 +1,14 @@
-// wall set, show, preview: the smart screen configuration.
+// wall: screen configurations, from the first sketch to the comparison with the FPGA.
 #include <algorithm>
-#include <fstream>
 #include <memory>
 
 #include "commands.h"
-#include "wall_daemon.h"
+#include "helptext.h"
+#include "output.h"
+#include "wall_arguments.h"
+#include "wall_report.h"
+#include "wall_state.h"
+#include "wallblocks.h"
 #include "wallpicture.h"
 
 namespace parlctl {
@@ -13,204 +17,270 @@ namespace {
 
 using peer::Error;
 using peer::Failure;
-namespace map = ORVE_MCUC;
 
-struct WallArguments {
-  std::string size;
-  std::string cards;
-  std::string ports;
-  std::string mode = "0";
-  std::string cardSize = "128x128";
-  std::string svg;
-  bool wait = false;
-  bool force = false;
-};
-
-uint8_t modeNumber(const std::string& text) {
-  const auto* name = std::find(kModeNames.begin(), kModeNames.end(), text);
-  if (name != kModeNames.end()) return static_cast<uint8_t>(name - kModeNames.begin());
-  if (text.find_first_not_of("0123456789") != std::string::npos)
-    throw Error(Failure::Usage, "'" + text + "' is no connection mode: they are 0 to 7, or names such as " +
-                                    std::string(kModeNames[0]));
-  return static_cast<uint8_t>(number(text, map::kConnectionModes - 1));
-}
-
-// Everything but the cards per port and the size of a card.
-SmartScreen screenOf(const WallArguments& arguments) {
-  const auto [rows, columns] = product(arguments.size, 0xFF);
-  SmartScreen screen{.rows = static_cast<uint16_t>(rows),
-                     .columns = static_cast<uint16_t>(columns),
-                     .cardsPerPort = 0,
-                     .mode = modeNumber(arguments.mode),
-                     .card = {}};
-  if (!arguments.cards.empty()) screen.cardsPerPort = static_cast<uint16_t>(fromOne(arguments.cards, 0xFFFF));
-  return screen;
-}
-
-// Ports from --ports; 0 without it.
-unsigned portsOf(const WallArguments& arguments) {
-  return arguments.ports.empty() ? 0 : fromOne(arguments.ports, map::kMappedPorts);
-}
-
-Json sizeJson(PixelSize size) {
-  return {size.width, size.height};
-}
-
-Json pixelJson(Pixel at) {
-  return {at.x, at.y};
-}
-
-Json screenJson(const SmartScreen& screen) {
-  return {{"rows", screen.rows},
-          {"columns", screen.columns},
-          {"cards_per_port", screen.cardsPerPort},
-          {"mode", screen.mode},
-          {"mode_name", screen.mode < kModeNames.size() ? std::string(kModeNames[screen.mode]) : ""},
-          {"card", sizeJson({screen.card.width, screen.card.height})}};
-}
-
-Json planJson(const WallPlan& plan) {
-  Json ports = Json::array();
-  for (const WallPort& port : plan.ports()) {
-    Json chain = Json::array();
-    for (const Pixel card : port.chain) chain.push_back(pixelJson(card));
-    ports.push_back({{"port", port.port},
-                     {"window", sizeJson(port.window)},
-                     {"offset", pixelJson(port.offset)},
-                     {"cards", port.chain.size()},
-                     {"duplicate_of", port.duplicateOf ? Json(*port.duplicateOf) : Json()},
-                     {"chain", std::move(chain)}});
+std::optional<peer::Peer> daemonIfThere(const Options& options) {
+  try {
+    return options.connect();
+  } catch (const Error& error) {
+    if (error.failure() != Failure::NoDaemon) throw;
+    return std::nullopt;
   }
-  Json object = screenJson(plan.screen());
-  object["size"] = sizeJson(plan.size());
-  object["ports_in_use"] = plan.used().size();
-  object["ports"] = std::move(ports);
-  return object;
 }
 
-std::string summary(const SmartScreen& screen) {
-  return "wall     " + sizeText({screen.rows, screen.columns}) + " cards, " +
-         std::to_string(screen.cardsPerPort) + " per port, mode " + modeText(screen.mode);
+peer::Peer* pointer(std::optional<peer::Peer>& daemon) {
+  return daemon ? &*daemon : nullptr;
 }
 
-void writeSvg(const WallPlan& plan, const std::string& path) {
-  if (path.empty()) return;
-  std::ofstream file(path, std::ios::binary);
-  file << wallSvg(plan) << std::flush;
-  if (!file) throw Error(Failure::Usage, "cannot write " + path);
+std::vector<std::string> notesOf(const std::string& verdict, const std::vector<Finding>& findings) {
+  std::vector<std::string> notes{verdict.substr(0, verdict.find('\n'))};
+  for (const Finding& finding : findings)
+    notes.push_back(finding.id + (finding.port ? " port " + std::to_string(*finding.port) : "") + ": " +
+                    finding.text);
+  return notes;
 }
 
 void preview(const Options& options, const WallArguments& arguments) {
-  SmartScreen screen = screenOf(arguments);
-  const auto [width, height] = product(arguments.cardSize, 0xFFFF);
-  screen.card = {static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
-  const unsigned ports = portsOf(arguments);
-  if (screen.cardsPerPort == 0)
-    screen.cardsPerPort = cardsForPorts(screen, ports == 0 ? map::kMappedPorts : ports);
-  const WallPlan plan(screen);
-  writeSvg(plan, arguments.svg);
-  options.print({planJson(plan), wallText(plan)});
+  WantedWall wanted = describedWall(arguments);
+  OutputFile svg(arguments.svg);
+  std::optional<peer::Peer> daemon = daemonIfThere(options);
+  const Surroundings around = surroundings(pointer(daemon), arguments);
+  wanted = complete(wanted, arguments, around);
+  const WallPlan plan = wanted.plan();
+  const auto findings = checkWall(plan, wallFacts(pointer(daemon), plan, around));
+  svg.write(wallSvg(plan, notesOf("A preview, not what the FPGA holds", findings)));
+  Json fields = planJson(plan);
+  fields["warnings"] = findingsJson(findings);
+  fields["around"] = around.text();
+  options.print({fields, wallText(plan) + "\n\n" + wrapped(around.text()) + findingLines(findings)});
+}
+
+void check(const Options& options, const WallArguments& arguments) {
+  const bool described = !arguments.size.empty() || !arguments.blocks.empty();
+  std::optional<WantedWall> wanted;
+  if (described) wanted = describedWall(arguments);
+  std::optional<peer::Peer> daemon = described ? daemonIfThere(options) : options.connect();
+  const Surroundings around = surroundings(pointer(daemon), arguments);
+  const WallPlan plan =
+      described ? complete(*wanted, arguments, around).plan() : readRecord(*daemon).plan(around.card.size);
+  const auto findings = checkWall(plan, wallFacts(pointer(daemon), plan, around));
+  const std::string count = findings.empty() ? "no warnings" : countText(findings.size(), "warning");
+  const bool found = !findings.empty() && arguments.strict;
+  options.print({{{"warnings", findingsJson(findings)}, {"around", around.text()}},
+                 summary(plan) + '\n' + wrapped(around.text()) + findingLines(findings) + '\n' + count,
+                 found ? Outcome::Found : Outcome::Done});
+}
+
+// A record of what is no wall: what it says, and why it is none.
+Result unmapped(const WallRecord& record, const std::string& problem, CardSize card) {
+  Json fields = screenJson(record.smart(card));
+  fields["record"] = record.statusText();
+  if (record.isEmpty() && !record.isAdvanced())
+    return {fields, "No wall is configured (record: " + record.statusText() + ")"};
+  fields["problem"] = problem;
+  return {fields, "record   " + record.statusText() + "\n" + wrapped("not mapped: " + problem),
+          Outcome::Differs};
 }
 
 void show(const Options& options, const WallArguments& arguments) {
-  peer::Peer daemon = options.connect(peer::toolServiceCode());
-  const auto [screen, inForce] = configuredScreen(daemon);
-  const std::string problem = wallProblem(screen);
-  Json object;
-  std::string text;
-  if (problem.empty() || !arguments.svg.empty()) {
-    const WallPlan plan(screen);
-    writeSvg(plan, arguments.svg);
-    object = planJson(plan);
-    text = wallText(plan);
-  } else {
-    object = screenJson(screen);
-    object["problem"] = problem;
-    text = summary(screen) + "\nnot mapped: " + problem;
-  }
-  object["in_force"] = inForce;
-  options.print({object, text + (inForce ? "" : "\nnot in force: another configuration was submitted last")});
+  OutputFile svg(arguments.svg);
+  peer::Peer daemon = options.connect();
+  const WallRecord record = readRecord(daemon);
+  const CardSize card = cardSize(daemon).size;
+  const std::string problem =
+      record.isAdvanced() ? wallProblem(record.advanced(), card) : wallProblem(record.smart(card));
+  if (!problem.empty()) return options.print(unmapped(record, problem, card));
+  const WallPlan plan = record.plan(card);
+  const Seen seen = lookAtFpga(options, daemon, plan);
+  svg.write(wallSvg(
+      plan, {"Record: " + record.statusText() + "; FPGA: " + seen.text.substr(0, seen.text.find('\n'))}));
+  Json fields = planJson(plan);
+  fields["record"] = record.statusText();
+  fields["fpga"] = seenJson(seen);
+  fields["in_force"] = seen.outcome == Outcome::Verified;
+  options.print(
+      {fields,
+       wallText(plan) + "\n\nrecord   " + record.statusText() + '\n' + wrapped("FPGA     " + seen.text, 9),
+       seen.outcome});
 }
 
-void report(const Options& options, const Verdict& verdict) {
-  const bool verified = verdict.difference.none();
-  Json object = planJson(verdict.plan);
-  object["verified"] = verified;
-  object["read_from"] = verdict.way;
-  const std::string text = (verified ? "verified (" : "mismatch (") + verdict.way + ")";
-  options.print(
-      {object,
-       summary(verdict.plan.screen()) + '\n' + text + (verified ? "" : ": " + verdict.difference.text()),
-       verified ? Outcome::Verified : Outcome::Mismatch});
+// What a submission came to, looked at until it is there or the time is over.
+struct Verdict {
+  WallPlan plan;
+  Comparison comparison;
+  Seen saved;
+};
+
+Verdict verify(const Options& options, peer::Peer& daemon, const WantedWall& wanted,
+               CalculationWitness& witness) {
+  Verdict verdict{wanted.plan(), {}, {}};
+  verdict.comparison = lookUntil(options.patience(), [&]() -> Comparison {
+    if (witness.works() && !witness.hasSeen())
+      return {Outcome::Mismatch, "mismatch: no calculation since the submission"};
+    verdict.plan = wanted.plan(cardSize(daemon).size);  // the daemon measures it on its way
+    const Seen seen = lookAtFpga(options, daemon, verdict.plan);
+    if (seen.outcome == Outcome::Unknown) return {Outcome::Unknown, seen.text};
+    if (seen.outcome == Outcome::Differs)
+      return {Outcome::Mismatch, "mismatch" + seen.text.substr(seen.text.find(':'))};
+    if (!witness.works())
+      return {Outcome::Unknown, "unknown: this calculation cannot be told from an earlier one"};
+    verdict.saved = lookAtFlash(options, verdict.plan);
+    if (verdict.saved.outcome == Outcome::Differs)
+      return {Outcome::Mismatch, "mismatch: saved copy " + verdict.saved.text};
+    return {Outcome::Verified, "verified " + seen.text};
+  });
+  return verdict;
+}
+
+// Sends a record, waits if that is wanted, and says what came of it. The one that was there is kept for undo.
+void apply(const Options& options, peer::Peer& daemon, const WantedWall& wanted, const WallRecord& before,
+           const WallArguments& arguments, const std::vector<Finding>& findings, OutputFile& svg) {
+  const std::string notKept = keepWall(options, before);
+  WallRecord after = before;
+  wanted.putInto(after);
+  std::optional<CalculationWitness> witness;
+  if (arguments.wait) witness.emplace(daemon, wanted.plan());
+  (wanted.isAdvanced() ? submitAdvanced : submitSmart)(daemon, after);
+  Verdict verdict{wanted.plan(), {Outcome::Accepted, "accepted"}, {}};
+  if (witness) verdict = verify(options, daemon, wanted, *witness);
+  const bool verified = verdict.comparison.outcome == Outcome::Verified;
+  const std::string text = verdict.comparison.text.substr(0, verdict.comparison.text.find('\n'));
+  svg.write(wallSvg(verdict.plan, notesOf(text, findings)));
+  Json fields = planJson(verdict.plan);
+  fields["warnings"] = findingsJson(findings);
+  fields["text"] = verdict.comparison.text;
+  if (witness) fields["verified"] = verified;
+  if (verified) fields["saved"] = seenJson(verdict.saved);
+  options.print({fields,
+                 summary(verdict.plan) + findingLines(findings) + '\n' + wrapped(verdict.comparison.text, 9) +
+                     (verified ? '\n' + wrapped("saved    " + verdict.saved.text, 9) : "") +
+                     (notKept.empty() ? "" : '\n' + wrapped("undo     not possible: " + notKept, 9)),
+                 verdict.comparison.outcome});
+}
+
+void sendUnmapped(const Options& options, peer::Peer& daemon, const WantedWall& wanted,
+                  const std::string& problem, const WallArguments& arguments) {
+  const bool plain =
+      !arguments.wait && arguments.svg.empty() && !arguments.plan;  // nothing is calculated here
+  if (!(arguments.force && plain))
+    throw Error(Failure::Usage, problem + (plain ? " (--force sends it all the same)" : ""));
+  WallRecord record = readRecord(daemon);
+  wanted.putInto(record);
+  (wanted.isAdvanced() ? submitAdvanced : submitSmart)(daemon, record);
+  Json fields = wanted.smart ? screenJson(*wanted.smart) : Json::object();
+  fields["problem"] = problem;
+  options.print({fields, wrapped("accepted, although " + problem), Outcome::Accepted});
 }
 
 void set(const Options& options, const WallArguments& arguments) {
-  SmartScreen screen = screenOf(arguments);
-  unsigned ports = portsOf(arguments);
-  peer::Peer daemon = options.connect(peer::toolServiceCode());
-  screen.card = cardSize(daemon);
-  if (screen.cardsPerPort == 0) {
-    if (ports == 0) ports = linkedPorts(daemon);
-    screen.cardsPerPort = cardsForPorts(screen, ports);
+  WantedWall wanted = describedWall(arguments);
+  OutputFile svg(arguments.svg);
+  peer::Peer daemon = options.connect();
+  const Surroundings around = surroundings(&daemon, arguments);
+  wanted = complete(wanted, arguments, around);
+  if (const std::string problem = wanted.problem(); !problem.empty())
+    return sendUnmapped(options, daemon, wanted, problem, arguments);
+  const WallPlan plan = wanted.plan();
+  const auto findings = checkWall(plan, wallFacts(&daemon, plan, around));
+  const WallRecord before = readRecord(daemon);
+  if (!arguments.plan) return apply(options, daemon, wanted, before, arguments, findings, svg);
+  std::optional<WallPlan> there;
+  try {
+    there = before.plan(around.card.size);
+  } catch (const Error&) {
+    // What is there is no wall that is mapped: everything changes.
   }
-  const std::string problem = wallProblem(screen);
-  const bool plain = !arguments.wait && arguments.svg.empty();  // nothing is calculated here
-  if (!problem.empty() && !(arguments.force && plain))
-    throw Error(Failure::Usage, problem + (plain ? " (--force sends it all the same)" : ""));
-  submit(daemon, screen);
-  if (!problem.empty()) {
-    Json object = screenJson(screen);
-    object["problem"] = problem;
-    options.print({object, summary(screen) + "\nsent, although " + problem, Outcome::Accepted});
-    return;
-  }
-  const WallPlan plan(screen);
-  writeSvg(plan, arguments.svg);
-  if (arguments.wait)
-    report(options, verify(options, daemon, screen));
+  const auto changes = changesBetween(there, plan);
+  svg.write(wallSvg(plan, notesOf("A plan, not what the FPGA holds", findings)));
+  options.print({{{"changes", changesJson(changes)}, {"warnings", findingsJson(findings)}},
+                 summary(plan) + findingLines(findings) + changeLines(changes) + '\n' +
+                     (changes.empty() ? "nothing changes" : "nothing was sent")});
+}
+
+void undo(const Options& options, const WallArguments& arguments) {
+  const std::optional<KeptWall> kept = keptWall(options);
+  if (!kept) throw Error(Failure::Usage, "no wall is kept of this board: nothing to go back to");
+  if (kept->record.isEmpty() && !kept->record.isAdvanced())
+    throw Error(Failure::Usage,
+                "there was no wall before the one of " + kept->time + ": nothing to go back to");
+  OutputFile svg(arguments.svg);
+  peer::Peer daemon = options.connect();
+  const Surroundings around = surroundings(&daemon, arguments);
+  WantedWall wanted{std::nullopt, std::nullopt, around.card.size};
+  if (kept->record.isAdvanced())
+    wanted.blocks = kept->record.advanced();
   else
-    options.print({planJson(plan), summary(screen) + "\naccepted", Outcome::Accepted});
+    wanted.smart = kept->record.smart(around.card.size);
+  const WallPlan plan = wanted.plan();
+  apply(options, daemon, wanted, readRecord(daemon), arguments,
+        checkWall(plan, wallFacts(&daemon, plan, around)), svg);
 }
 
-void addScreen(Verb& verb, WallArguments& arguments, const char* portsText) {
-  verb.operand("SIZE", arguments.size, "ROWSxCOLUMNS of cards, each from 1 to 255");
-  verb.option(
-      "--cards", "N", arguments.cards,
-      "Cards that one port carries, from 1 to 65535; a port takes whole rows or columns. Without it: the "
-      "fewest that feed the wall through the ports");
-  verb.option("--ports", "N", arguments.ports, portsText).excludes({"--cards"});
-  verb.option(
-      "--mode", "MODE", arguments.mode,
-      "Connection mode, 0 to 7 or CORNER-rows, CORNER-columns: where the chain of a port begins (top-left, "
-      "top-right, bottom-left, bottom-right) and what it runs along");
+void wiring(const Options& options, const WallArguments& arguments) {
+  WiringView view{.rear = arguments.rear, .port = std::nullopt};
+  if (!arguments.port.empty()) view.port = number(arguments.port, ORVE_MCUC::kMappedPorts - 1);
+  OutputFile svg(arguments.svg);
+  const bool described = !arguments.size.empty() || !arguments.blocks.empty();
+  std::optional<WantedWall> wanted;
+  if (described) wanted = describedWall(arguments);
+  std::optional<peer::Peer> daemon = described ? daemonIfThere(options) : options.connect();
+  const Surroundings around = surroundings(pointer(daemon), arguments);
+  const WallPlan plan =
+      described ? complete(*wanted, arguments, around).plan() : readRecord(*daemon).plan(around.card.size);
+  if (view.port && !plan.ports()[*view.port].used)
+    throw Error(Failure::Usage, "port " + arguments.port + " has no cards of its own in this wall");
+  svg.write(wiringSvg(plan, view));
+  options.print({planJson(plan), wiringText(plan, view)});
 }
 
-void addSvg(Verb& verb, WallArguments& arguments) {
-  verb.option("--svg", "FILE", arguments.svg, "Draw the wall into this file, too").isFile();
+void addWait(Verb& verb, WallArguments& arguments) {
+  verb.flag(
+      "--wait", arguments.wait,
+      "Wait until the daemon has calculated it, and compare what the FPGA holds with the calculation; for "
+      "--timeout, at least 5 s");
+}
+
+using Act = void (*)(const Options&, const WallArguments&);
+
+std::shared_ptr<WallArguments> addVerb(Verb& verb, const Options& options, Act act) {
+  auto arguments = std::make_shared<WallArguments>();
+  verb.run([&options, arguments, act] { act(options, *arguments); });
+  return arguments;
 }
 
 void addSet(Verb& wall, const Options& options) {
-  auto arguments = std::make_shared<WallArguments>();
   Verb& verb = wall.verb("set", "Configure the daemon for a wall");
-  addScreen(verb, *arguments, "Ports to use, 1 to 10, without --cards; as many as are linked from port 0 on");
+  const auto arguments = addVerb(verb, options, &set);
+  addScreen(verb, *arguments, true);
   addSvg(verb, *arguments);
-  verb.flag(
-      "--wait", arguments->wait,
-      "Wait until the daemon has carried it out, and compare what the FPGA holds with the calculation; waits "
-      "for --timeout, at least 5 s");
+  addWait(verb, *arguments);
+  verb.flag("--plan", arguments->plan, "Show what would change, and send nothing").excludes({"--wait"});
   verb.flag("--force", arguments->force, "Send what the daemon will not map, too");
   verb.example("wall set 4x6 --cards 12 --mode top-left-rows --wait");
-  verb.run([&options, arguments] { set(options, *arguments); });
+  verb.example("wall set --blocks wall.txt --plan");
 }
 
 void addPreview(Verb& wall, const Options& options) {
-  auto arguments = std::make_shared<WallArguments>();
-  Verb& verb = wall.verb("preview", "What a wall would be, without a daemon");
-  addScreen(verb, *arguments, "Ports to use, 1 to 10, without --cards; all ten");
-  verb.option("--card-size", "WxH", arguments->cardSize, "WIDTHxHEIGHT of a card in pixels");
+  Verb& verb =
+      wall.verb("preview", "What a wall would be; links and card size are the daemon's when there is one");
+  const auto arguments = addVerb(verb, options, &preview);
+  addScreen(verb, *arguments, true);
+  verb.option("--card-size", "WxH", arguments->cardSize,
+              "WIDTHxHEIGHT of a card in pixels, whatever the cards say");
   addSvg(verb, *arguments);
   verb.example("wall preview 4x6 --cards 12 --mode bottom-right-columns --svg wall.svg");
-  verb.run([&options, arguments] { preview(options, *arguments); });
+}
+
+void addCheck(Verb& wall, const Options& options) {
+  Verb& verb =
+      wall.verb("check", "Name what makes a wall dark: the wall that is there, or the one described");
+  const auto arguments = addVerb(verb, options, &check);
+  addScreen(verb, *arguments, false);
+  verb.flag("--strict", arguments->strict, "End with status 1 when there is a warning");
+  std::string rules = "Rules:";
+  for (const WallRule& rule : kWallRules)
+    rules += "\n  " + std::string(rule.id) + "  " + std::string(rule.title);
+  verb.note(rules);
+  verb.example("wall check 4x6 --cards 12 --strict");
 }
 
 }  // namespace
@@ -218,12 +288,25 @@ void addPreview(Verb& wall, const Options& options) {
 void addWall(Verb& root, const Options& options) {
   Verb& wall = root.verb("wall", "Configure a wall of receiving cards and look at it");
   addSet(wall, options);
+  Verb& shown =
+      wall.verb("show", "The wall that the daemon is configured for, compared with what the FPGA holds");
+  addSvg(shown, *addVerb(shown, options, &show));
+  addCheck(wall, options);
   addPreview(wall, options);
 
-  auto arguments = std::make_shared<WallArguments>();
-  Verb& verb = wall.verb("show", "The wall that the daemon is configured for");
-  addSvg(verb, *arguments);
-  verb.run([&options, arguments] { show(options, *arguments); });
+  Verb& back =
+      wall.verb("undo", "Go back to the wall that was there before the last 'wall set' from this account");
+  const auto undone = addVerb(back, options, &undo);
+  addSvg(back, *undone);
+  addWait(back, *undone);
+
+  Verb& cables = wall.verb("wiring", "Cables to print: of the wall that is there, or of the one described");
+  const auto arguments = addVerb(cables, options, &wiring);
+  addScreen(cables, *arguments, false);
+  cables.flag("--rear", arguments->rear, "As somebody behind the wall sees it");
+  cables.option("--port", "N", arguments->port, "This port alone");
+  addSvg(cables, *arguments);
+  cables.example("wall wiring --rear --svg wiring.svg");
 }
 
 }  // namespace parlctl

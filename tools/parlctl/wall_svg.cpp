@@ -37,81 +37,87 @@ constexpr std::array<const char*, ORVE_MCUC::kMappedPorts> kPortColours{
 // Where cards lie on the sheet, and how large they are drawn.
 class Layout {
  public:
-  explicit Layout(const WallPlan& plan);
+  Layout(const WallPlan& plan, std::size_t notes);
 
-  Point corner(Pixel card) const {
-    return {kLeft + card.x * wallWidth() / size_.width, top_ + card.y * wallHeight() / size_.height};
-  }
+  Point corner(Pixel at) const { return {kLeft + across(at.x), top_ + down(at.y)}; }
   Point centre(Pixel card) const {
     const Point at = corner(card);
     return {at.x + cardWidth_ / 2, at.y + cardHeight_ / 2};
   }
-  Point cornerOf(const CardBlock& block) const {
-    return {kLeft + block.column * cardWidth_, top_ + block.row * cardHeight_};
-  }
+  // Pixels of the wall on the sheet.
+  double across(uint32_t pixels) const { return pixels * cardWidth_ / card_.width; }
+  double down(uint32_t pixels) const { return pixels * cardHeight_ / card_.height; }
   double cardWidth() const { return cardWidth_; }
   double cardHeight() const { return cardHeight_; }
   double smallSide() const { return std::min(cardWidth_, cardHeight_); }
-  double wallWidth() const { return screen_.columns * cardWidth_; }
-  double wallHeight() const { return screen_.rows * cardHeight_; }
+  double wallWidth() const { return across(size_.width); }
+  double wallHeight() const { return down(size_.height); }
+  double listTop() const { return listTop_; }
   double sheetWidth() const { return std::max(kNarrowest, kLeft + wallWidth() + kRight); }
   double sheetHeight() const { return top_ + wallHeight() + kBottom; }
-  bool toScale() const {
-    return std::abs(cardWidth_ / cardHeight_ * screen_.card.height / screen_.card.width - 1) < 0.05;
-  }
+  bool toScale() const { return std::abs(cardWidth_ / cardHeight_ * card_.height / card_.width - 1) < 0.05; }
   // A label has the upper part of its card, in column modes only the half beside the cable.
-  double labelSize() const { return std::clamp(cardWidth_ / (alongRows() ? 5 : 6.5), 9.0, 14.0); }
-  bool labelled() const {
-    return cardWidth_ >= (alongRows() ? 40 : 56) && cardHeight_ / 2 >= labelSize() + 8;
-  }
+  double labelSize() const { return std::clamp(cardWidth_ / (alongRows_ ? 5 : 6.5), 9.0, 14.0); }
+  bool labelled() const { return cardWidth_ >= (alongRows_ ? 40 : 56) && cardHeight_ / 2 >= labelSize() + 8; }
 
  private:
-  bool alongRows() const { return ORVE_MCUC::runsAlongRows(screen_.mode); }
-
-  SmartScreen screen_;
+  CardSize card_;
   PixelSize size_;
+  bool alongRows_;
+  double listTop_;
   double top_;
   double cardWidth_;
   double cardHeight_;
 };
 
-Layout::Layout(const WallPlan& plan)
-    : screen_(plan.screen()),
+Layout::Layout(const WallPlan& plan, std::size_t notes)
+    : card_(plan.card()),
       size_(plan.size()),
-      top_(kListTop + kLineHeight * static_cast<double>(plan.used().size()) + kAxisRoom) {
-  const CardSize card = screen_.card;
+      alongRows_(std::ranges::all_of(
+          plan.used(), [](const WallPort& port) { return ORVE_MCUC::runsAlongRows(port.cable.mode); })),
+      listTop_(kListTop + kLineHeight * static_cast<double>(notes)),
+      top_(listTop_ + kLineHeight * static_cast<double>(plan.used().size()) + kAxisRoom) {
   const double fitting = std::min({kWallWidth / size_.width, kWallHeight / size_.height,
-                                   kLargestCard / std::max(card.width, card.height)});
+                                   kLargestCard / std::max(card_.width, card_.height)});
   const double seen = std::min({kWallWidth / size_.width, kTallWall / size_.height,
-                                kSmallestCard / std::min(card.width, card.height)});
+                                kSmallestCard / std::min(card_.width, card_.height)});
   const double factor = std::max(fitting, seen);
   // A side that is still a few points only is stretched as far as there is room.
-  cardWidth_ = std::max(card.width * factor, std::min(kSmallestCard, kWallWidth / screen_.columns));
-  cardHeight_ = std::max(card.height * factor, std::min(kSmallestCard, kTallWall / screen_.rows));
+  cardWidth_ = std::max(card_.width * factor, std::min(kSmallestCard, kWallWidth / plan.columns()));
+  cardHeight_ = std::max(card_.height * factor, std::min(kSmallestCard, kTallWall / plan.rows()));
 }
 
-void drawHeading(SvgSheet& sheet, const WallPlan& plan, const Layout& layout) {
-  const SmartScreen& screen = plan.screen();
+std::string chainsText(const WallPlan& plan) {
+  const std::string cards = "cards of " + sizeText({plan.card().width, plan.card().height}) + " pixels, ";
+  const std::string ports = countText(plan.used().size(), "port") + " in use";
+  if (!plan.smart()) return "A block for each port, " + cards + ports;
+  return "Mode " + modeText(plan.smart()->mode) + ", " + cards +
+         countText(plan.smart()->cardsPerPort, "card") + " per port, " + ports;
+}
+
+void drawHeading(SvgSheet& sheet, const WallPlan& plan, const Layout& layout,
+                 const std::vector<std::string>& notes) {
   sheet.text({24, 38},
-             "Wall of " + sizeText({screen.rows, screen.columns}) +
+             "Wall of " + sizeText({plan.rows(), plan.columns()}) +
                  " cards, front view: " + sizeText(plan.size()) + " pixels",
              {.size = 22, .weight = "bold"});
-  sheet.text({24, 62}, "Mode " + modeText(screen.mode) + ", cards of " +
-                           sizeText({screen.card.width, screen.card.height}) + " pixels, " +
-                           countText(screen.cardsPerPort, "card") + " per port, " +
-                           countText(plan.used().size(), "port") + " in use" +
-                           (layout.toScale() ? "" : "; not drawn to scale"));
+  sheet.text({24, 62}, chainsText(plan) + (layout.toScale() ? "" : "; not drawn to scale"));
   sheet.dot({31, 83}, 6, kFirst);
   sheet.text({44, 88}, "first card of a port");
   sheet.square({216, 83}, 6, kLast);
   sheet.text({229, 88}, "last card");
   if (layout.labelled()) sheet.text({320, 88}, "PORT:CARD, cards counted along the cable from 0");
+  double y = kListTop - 4;
+  for (const std::string& note : notes) {
+    sheet.text({24, y}, note, {.size = 13, .weight = "bold"});
+    y += kLineHeight;
+  }
 }
 
-void drawListOfPorts(SvgSheet& sheet, const WallPlan& plan) {
-  double y = kListTop;
+void drawListOfPorts(SvgSheet& sheet, const WallPlan& plan, const Layout& layout) {
+  double y = layout.listTop();
   for (const WallPort& port : plan.used()) {
-    sheet.box({24, y - 12}, 14, 14, kPortColours[port.port], 1, 1);
+    sheet.box({24, y - 12}, 14, 14, portColour(port.port), 1, 1);
     sheet.text({46, y}, "port " + std::to_string(port.port), {.weight = "bold"});
     sheet.text({112, y}, countText(port.chain.size(), "card"));
     sheet.text({210, y}, "window " + sizeText(port.window));
@@ -139,14 +145,14 @@ std::set<uint32_t> ticks(uint32_t end, const std::set<uint32_t>& ports, uint32_t
 }
 
 void drawAxes(SvgSheet& sheet, const WallPlan& plan, const Layout& layout) {
-  const CardSize card = plan.screen().card;
+  const CardSize card = plan.card();
   const PixelSize size = plan.size();
   std::set<uint32_t> x;
   std::set<uint32_t> y;
   for (const WallPort& port : plan.used()) {
-    const CardBlock block = plan.blockOf(port);
-    x.insert(block.column * card.width);
-    y.insert(block.row * card.height);
+    const PixelBox box = plan.boxOf(port);
+    x.insert(box.at.x);
+    y.insert(box.at.y);
   }
   // A wall narrower than a number has the second one to the right of it.
   const bool narrow = layout.wallWidth() < kNumberWidth;
@@ -167,20 +173,19 @@ void drawAxes(SvgSheet& sheet, const WallPlan& plan, const Layout& layout) {
   sheet.lines(marks, "black", 1);
 }
 
-void drawGrid(SvgSheet& sheet, const WallPlan& plan, const Layout& layout) {
+void drawGrid(SvgSheet& sheet, const WallPlan& plan, const Layout& layout, const PixelBox& box) {
   if (layout.smallSide() < 5) return;
-  const SmartScreen& screen = plan.screen();
   std::string lines;
-  for (uint32_t column = 1; column < screen.columns; ++column)
-    lines += lineDown(layout.corner({column * screen.card.width, 0}), layout.wallHeight());
-  for (uint32_t row = 1; row < screen.rows; ++row)
-    lines += lineRight(layout.corner({0, row * screen.card.height}), layout.wallWidth());
+  for (uint32_t x = box.at.x + plan.card().width; x < box.right(); x += plan.card().width)
+    lines += lineDown(layout.corner({x, box.at.y}), layout.down(box.size.height));
+  for (uint32_t y = box.at.y + plan.card().height; y < box.bottom(); y += plan.card().height)
+    lines += lineRight(layout.corner({box.at.x, y}), layout.across(box.size.width));
   sheet.lines(lines, "white", 0.8);
 }
 
-void drawBlock(SvgSheet& sheet, const Layout& layout, unsigned port, const CardBlock& block) {
-  sheet.box(layout.cornerOf(block), block.columns * layout.cardWidth(), block.rows * layout.cardHeight(),
-            kPortColours[port], 0.6, 2);
+void drawBlock(SvgSheet& sheet, const Layout& layout, unsigned port, const PixelBox& box) {
+  sheet.box(layout.corner(box.at), layout.across(box.size.width), layout.down(box.size.height),
+            portColour(port), 0.6, 2);
 }
 
 void drawChain(SvgSheet& sheet, const Layout& layout, const WallPort& port) {
@@ -214,12 +219,12 @@ void drawLabels(SvgSheet& sheet, const Layout& layout, const WallPort& port) {
 }
 
 // In the middle of the port's cards, where they are too small for labels of their own.
-void drawPortName(SvgSheet& sheet, const Layout& layout, unsigned port, const CardBlock& block) {
-  const double width = block.columns * layout.cardWidth();
-  const double height = block.rows * layout.cardHeight();
+void drawPortName(SvgSheet& sheet, const Layout& layout, unsigned port, const PixelBox& box) {
+  const double width = layout.across(box.size.width);
+  const double height = layout.down(box.size.height);
   const bool narrow = width < 64;
   const double size = std::clamp(std::min(narrow ? width : width / 5, height / 2), 10.0, 24.0);
-  const Point at = layout.cornerOf(block);
+  const Point at = layout.corner(box.at);
   sheet.beginHalo(size / 4);
   sheet.text({at.x + width / 2, at.y + height / 2 + size * 0.36},
              (narrow ? "" : "port ") + std::to_string(port),
@@ -229,20 +234,27 @@ void drawPortName(SvgSheet& sheet, const Layout& layout, unsigned port, const Ca
 
 }  // namespace
 
-std::string wallSvg(const WallPlan& plan) {
-  const Layout layout(plan);
+const char* portColour(unsigned port) {
+  return kPortColours[port % kPortColours.size()];
+}
+
+std::string wallSvg(const WallPlan& plan, const std::vector<std::string>& notes) {
+  const Layout layout(plan, notes.size());
   SvgSheet sheet(layout.sheetWidth(), layout.sheetHeight());
-  drawHeading(sheet, plan, layout);
-  drawListOfPorts(sheet, plan);
+  const auto used = plan.used();
+  drawHeading(sheet, plan, layout, notes);
+  drawListOfPorts(sheet, plan, layout);
   drawAxes(sheet, plan, layout);
-  for (const WallPort& port : plan.used()) drawBlock(sheet, layout, port.port, plan.blockOf(port));
-  drawGrid(sheet, plan, layout);
-  for (const WallPort& port : plan.used()) {
+  for (const WallPort& port : used) {
+    drawBlock(sheet, layout, port.port, plan.boxOf(port));
+    drawGrid(sheet, plan, layout, plan.boxOf(port));
+  }
+  for (const WallPort& port : used) {
     drawChain(sheet, layout, port);
     if (layout.labelled())
       drawLabels(sheet, layout, port);
     else
-      drawPortName(sheet, layout, port.port, plan.blockOf(port));
+      drawPortName(sheet, layout, port.port, plan.boxOf(port));
   }
   return sheet.finish();
 }

@@ -10,28 +10,30 @@ namespace {
 
 constexpr uint32_t kMostColumns = 24;  // of cards with a label
 constexpr uint32_t kMostRows = 64;
-constexpr std::size_t kWideLine = 100;  // characters up to which cards stand apart
-constexpr std::size_t kAxis = 7;        // characters of the pixel axis at the left
+constexpr std::size_t kWideLine = 80;  // characters of a line
+constexpr std::size_t kAxis = 7;       // of them, those of the pixel axis at the left
 
 enum class Step : char { None = ' ', Right = '>', Left = '<', Down = 'v', Up = '^' };
 
 // One card: its place behind its port, and where the cable goes on from it.
 struct Cell {
+  bool covered = false;
   unsigned port = 0;
   std::size_t place = 0;
   Step next = Step::None;
 
-  std::string label() const { return std::to_string(port) + ':' + std::to_string(place); }
+  std::string label() const { return covered ? std::to_string(port) + ':' + std::to_string(place) : "."; }
 };
 
 class Grid {
  public:
-  explicit Grid(const WallPlan& plan) : columns_(plan.screen().columns), cells_(plan.screen().cards()) {
+  explicit Grid(const WallPlan& plan)
+      : columns_(plan.columns()), cells_(std::size_t{plan.rows()} * plan.columns()) {
     for (const WallPort& port : plan.used()) {
       for (std::size_t i = 0; i < port.chain.size(); ++i) {
         const Pixel card = port.chain[i];
         cells_[index(plan.rowOf(card), plan.columnOf(card))] = {
-            port.port, i, i + 1 < port.chain.size() ? step(card, port.chain[i + 1]) : Step::None};
+            true, port.port, i, i + 1 < port.chain.size() ? step(card, port.chain[i + 1]) : Step::None};
       }
     }
   }
@@ -75,8 +77,8 @@ char between(const Cell& cell, const Cell& behind, Step forward, Step back) {
 
 std::string rowOfCards(const WallPlan& plan, const Grid& grid, uint32_t row, std::size_t width,
                        std::size_t gap) {
-  const uint32_t columns = plan.screen().columns;
-  std::string line = rightAligned(std::to_string(row * plan.screen().card.height), kAxis - 2) + "  ";
+  const uint32_t columns = plan.columns();
+  std::string line = rightAligned(std::to_string(row * plan.card().height), kAxis - 2) + "  ";
   for (uint32_t column = 0; column < columns; ++column) {
     line += padded(grid.at(row, column).label(), width);
     if (column + 1 == columns) break;
@@ -90,10 +92,10 @@ std::string rowOfCards(const WallPlan& plan, const Grid& grid, uint32_t row, std
 // The arrows between a row and the one below; nothing when no cable passes there.
 std::string rowOfArrows(const WallPlan& plan, const Grid& grid, uint32_t row, std::size_t width,
                         std::size_t gap) {
-  if (row + 1 == plan.screen().rows) return {};
+  if (row + 1 == plan.rows()) return {};
   std::string line(kAxis, ' ');
   bool any = false;
-  for (uint32_t column = 0; column < plan.screen().columns; ++column) {
+  for (uint32_t column = 0; column < plan.columns(); ++column) {
     const char arrow = between(grid.at(row, column), grid.at(row + 1, column), Step::Down, Step::Up);
     any = any || arrow != ' ';
     line += padded(std::string(1, ' ') + arrow, width + gap);
@@ -101,36 +103,57 @@ std::string rowOfArrows(const WallPlan& plan, const Grid& grid, uint32_t row, st
   return any ? trimmed(line) : std::string();
 }
 
-std::string detailed(const WallPlan& plan, const Grid& grid) {
-  const SmartScreen& screen = plan.screen();
+struct CellSize {
+  std::size_t width;
+  std::size_t gap;
+};
+
+// As wide as the columns allow; nothing when labels do not fit.
+std::optional<CellSize> cellSize(const WallPlan& plan, const Grid& grid) {
   const std::size_t width =
-      std::max(grid.labelWidth(), std::to_string(plan.size().width - screen.card.width).size());
-  const std::size_t gap = kAxis + screen.columns * (width + 3) <= kWideLine ? 3 : 1;
+      std::max(grid.labelWidth(), std::to_string(plan.size().width - plan.card().width).size());
+  if (plan.columns() > kMostColumns || plan.rows() > kMostRows) return std::nullopt;
+  for (const std::size_t gap : {3U, 1U})
+    if (kAxis + plan.columns() * (width + gap) <= kWideLine + gap) return CellSize{width, gap};
+  return std::nullopt;
+}
+
+std::string detailed(const WallPlan& plan, const Grid& grid, CellSize cell) {
   std::string axis(kAxis, ' ');
-  for (uint32_t column = 0; column < screen.columns; ++column)
-    axis += padded(std::to_string(column * screen.card.width), width + gap);
+  for (uint32_t column = 0; column < plan.columns(); ++column)
+    axis += padded(std::to_string(column * plan.card().width), cell.width + cell.gap);
   std::string text =
       "Front view: PORT:CARD, cards counted along the cable; pixels at the edges\n\n" + trimmed(axis);
-  for (uint32_t row = 0; row < screen.rows; ++row)
-    text += rowOfCards(plan, grid, row, width, gap) + rowOfArrows(plan, grid, row, width, gap);
+  for (uint32_t row = 0; row < plan.rows(); ++row)
+    text += rowOfCards(plan, grid, row, cell.width, cell.gap) +
+            rowOfArrows(plan, grid, row, cell.width, cell.gap);
   return text;
 }
 
 char compactCell(const Cell& cell) {
+  if (!cell.covered) return '.';
   if (cell.place == 0) return static_cast<char>('0' + cell.port);
   return cell.next == Step::None ? '#' : static_cast<char>(cell.next);
 }
 
 std::string compact(const WallPlan& plan, const Grid& grid) {
-  const SmartScreen& screen = plan.screen();
   std::string text =
-      "Front view: a character a card; a port's number where its cable begins, # where it ends\n\n";
-  for (uint32_t row = 0; row < screen.rows; ++row) {
-    std::string line = rightAligned(std::to_string(row * screen.card.height), kAxis - 2) + "  ";
-    for (uint32_t column = 0; column < screen.columns; ++column) line += compactCell(grid.at(row, column));
+      "Front view: a character a card; a port's number where its cable begins,\n# where it ends\n\n";
+  for (uint32_t row = 0; row < plan.rows(); ++row) {
+    std::string line = rightAligned(std::to_string(row * plan.card().height), kAxis - 2) + "  ";
+    for (uint32_t column = 0; column < plan.columns(); ++column) line += compactCell(grid.at(row, column));
     text += trimmed(line);
   }
   return text;
+}
+
+std::string picture(const WallPlan& plan) {
+  if (!plan.onGrid()) return "The blocks lie on no common grid of cards: --svg draws them\n";
+  if (kAxis + plan.columns() > kWideLine)
+    return "The wall is too wide to be drawn with characters: --svg draws it\n";
+  const Grid grid(plan);
+  const auto cell = cellSize(plan, grid);
+  return cell ? detailed(plan, grid, *cell) : compact(plan, grid);
 }
 
 using Row = std::array<std::string, 7>;
@@ -143,8 +166,7 @@ std::string tableLine(const Row& row) {
 }
 
 std::string portTable(const WallPlan& plan) {
-  std::string text =
-      tableLine({"port", "window", "offset", "cards", "first card", "last card", "repeated by ports"});
+  std::string text = tableLine({"port", "window", "offset", "cards", "first card", "last card", "copies"});
   for (const WallPort& port : plan.used())
     text +=
         tableLine({std::to_string(port.port), sizeText(port.window), pairText(port.offset),
@@ -154,20 +176,21 @@ std::string portTable(const WallPlan& plan) {
 }
 
 std::string heading(const WallPlan& plan) {
-  const SmartScreen& screen = plan.screen();
-  return "wall     " + sizeText({screen.rows, screen.columns}) + " cards of " +
-         sizeText({screen.card.width, screen.card.height}) + ", " + sizeText(plan.size()) + " pixels\n" +
-         "chains   mode " + modeText(screen.mode) + ", " + countText(screen.cardsPerPort, "card") +
-         " per port, " + countText(plan.used().size(), "port") + " in use\n";
+  const std::size_t ports = plan.used().size();
+  std::string text = "wall     " + sizeText({plan.rows(), plan.columns()}) + " cards of " +
+                     sizeText({plan.card().width, plan.card().height}) + ", " + sizeText(plan.size()) +
+                     " pixels\n";
+  if (!plan.smart())
+    return text + "chains   a block for each port, " + countText(ports, "port") + " in use\n";
+  return text + "chains   mode " + modeText(plan.smart()->mode) + ", " +
+         countText(plan.smart()->cardsPerPort, "card") + " per port, " + countText(ports, "port") +
+         " in use\n";
 }
 
 }  // namespace
 
 std::string wallText(const WallPlan& plan) {
-  const Grid grid(plan);
-  const bool large = plan.screen().columns > kMostColumns || plan.screen().rows > kMostRows;
-  std::string text =
-      heading(plan) + '\n' + (large ? compact(plan, grid) : detailed(plan, grid)) + '\n' + portTable(plan);
+  std::string text = heading(plan) + '\n' + picture(plan) + '\n' + portTable(plan);
   text.pop_back();  // the printer ends the line
   return text;
 }

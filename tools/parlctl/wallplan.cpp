@@ -1,6 +1,7 @@
 #include "wallplan.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "peer/error.h"
 #include "values.h"
@@ -61,6 +62,22 @@ std::vector<Pixel> absolute(const map::CardChain& chain, Pixel offset) {
   return cards;
 }
 
+uint32_t roundedUpToEven(uint32_t value) {
+  return (value + 1) & ~1U;
+}
+
+// A port that an advanced configuration does not speak of counts as one card at the upper left: it is not in
+// use, if another port has that corner.
+bool isFiller(const AdvancedScreen& blocks, unsigned number) {
+  const auto atCorner = [](const map::AdvancedPort& port) { return port.x == 0 && port.y == 0; };
+  const map::AdvancedPort& port = blocks[number];
+  if (port.cards() != 1 || !atCorner(port) || port.mode != 0) return false;
+  for (unsigned other = 0; other < blocks.size(); ++other)
+    if (other != number && atCorner(blocks[other]) && (blocks[other].cards() > 1 || other < number))
+      return true;
+  return false;
+}
+
 }  // namespace
 
 std::string wallProblem(const SmartScreen& screen) {
@@ -68,39 +85,91 @@ std::string wallProblem(const SmartScreen& screen) {
   return refused.empty() ? limit(screen) : refused;
 }
 
-WallPlan::WallPlan(const SmartScreen& screen) : screen_(screen) {
+std::string wallProblem(const AdvancedScreen& blocks, CardSize card) {
+  for (unsigned port = 0; port < blocks.size(); ++port) {
+    const map::AdvancedPort& block = blocks[port];
+    const std::string name = "port " + std::to_string(port) + ": ";
+    if (block.mode >= map::kConnectionModes)
+      return name + "there is no connection mode " + std::to_string(block.mode) + ": they go from 0 to 7";
+    if (block.cards() > map::kMostCardsOfPort)
+      return name + countText(block.cards(), "card") + ", and a port carries at most " +
+             std::to_string(map::kMostCardsOfPort);
+  }
+  if (const auto verdict = map::checkAdvanced(blocks); !verdict.valid)
+    return "the blocks have " + countText(verdict.total, "card") + " together, and there can be " +
+           std::to_string(map::kMostCards);
+  const auto [width, height] = map::screenExtent(blocks, card);
+  if (std::max(width, height) > kMostPixels)
+    return "the wall has " + sizeText({width, height}) + " pixels, and neither side can have more than " +
+           std::to_string(kMostPixels);
+  return {};
+}
+
+WallPlan::WallPlan(const SmartScreen& screen) : smart_(screen), card_(screen.card) {
   if (const std::string problem = wallProblem(screen); !problem.empty())
     throw peer::Error(peer::Failure::Usage, problem);
-  split_ = map::splitOf(screen);
+  size_ = {uint32_t{screen.columns} * screen.card.width, uint32_t{screen.rows} * screen.card.height};
+  screenField_ = {roundedUpToEven(size_.width), size_.height};
+  const map::PortSplit split = map::splitOf(screen);
   for (unsigned number = 0; number < map::kMappedPorts; ++number) {
-    const uint32_t place = map::placeOf(split_, number);
-    const auto [x, y] = map::windowOffset(screen, split_, number);
-    WallPort& port = ports_.emplace_back(WallPort{.port = number,
-                                                  .window = {split_.PortWidth, split_.PortHeight},
-                                                  .offset = {x, y},
-                                                  .duplicateOf = {},
-                                                  .duplicates = {},
-                                                  .chain = {}});
-    port.chain = absolute(map::chainAt(screen, split_, place), port.offset);
-    if (place == number) continue;
-    port.duplicateOf = place;
-    ports_[place].duplicates.push_back(number);
+    const uint32_t place = map::placeOf(split, number);
+    const auto [x, y] = map::windowOffset(screen, split, number);
+    WallPort port{.port = number, .used = place == number};
+    port.window = {split.PortWidth, split.PortHeight};
+    port.offset = {x, y};
+    port.cable = map::chainAt(screen, split, place);
+    port.chain = absolute(port.cable, port.offset);
+    if (!port.used) {
+      port.duplicateOf = place;
+      ports_[place].duplicates.push_back(number);
+    }
+    ports_.push_back(std::move(port));
   }
 }
 
-PixelSize WallPlan::size() const {
-  return {uint32_t{screen_.columns} * screen_.card.width, uint32_t{screen_.rows} * screen_.card.height};
+WallPlan::WallPlan(const AdvancedScreen& blocks, CardSize card) : card_(card) {
+  if (const std::string problem = wallProblem(blocks, card); !problem.empty())
+    throw peer::Error(peer::Failure::Usage, problem);
+  const auto [width, height] = map::screenExtent(blocks, card);
+  const auto largest = map::largestBlock(blocks, card);
+  size_ = {width, height};
+  screenField_ = {roundedUpToEven(largest.width), largest.height};
+  for (unsigned number = 0; number < blocks.size(); ++number) {
+    const map::AdvancedPort& block = blocks[number];
+    const auto extent = map::blockOf(block, card);
+    WallPort port{.port = number, .used = !isFiller(blocks, number)};
+    port.window = {extent.width, extent.height};
+    port.offset = {block.x, block.y};
+    port.cable = block.chain(card);
+    port.chain = absolute(port.cable, port.offset);
+    ports_.push_back(std::move(port));
+  }
 }
 
-CardBlock WallPlan::blockOf(const WallPort& port) const {
+std::vector<WallPort> WallPlan::used() const {
+  std::vector<WallPort> used;
+  std::ranges::copy_if(ports_, std::back_inserter(used), &WallPort::used);
+  return used;
+}
+
+bool WallPlan::onGrid() const {
+  return std::ranges::all_of(ports_, [this](const WallPort& port) {
+    return !port.used || (port.offset.x % card_.width == 0 && port.offset.y % card_.height == 0);
+  });
+}
+
+PixelBox WallPlan::boxOf(const WallPort& port) const {
   Pixel first = port.chain.front();
   Pixel last = first;
   for (const Pixel card : port.chain) {
     first = {std::min(first.x, card.x), std::min(first.y, card.y)};
     last = {std::max(last.x, card.x), std::max(last.y, card.y)};
   }
-  return {rowOf(first), columnOf(first), rowOf(last) - rowOf(first) + 1,
-          columnOf(last) - columnOf(first) + 1};
+  return {first, {last.x - first.x + card_.width, last.y - first.y + card_.height}};
+}
+
+bool overlap(const PixelBox& a, const PixelBox& b) {
+  return a.at.x < b.right() && b.at.x < a.right() && a.at.y < b.bottom() && b.at.y < a.bottom();
 }
 
 uint16_t cardsForPorts(SmartScreen screen, unsigned ports) {
@@ -119,9 +188,7 @@ std::string sizeText(PixelSize size) {
 }
 
 std::string listText(std::span<const unsigned> numbers) {
-  std::string text;
-  for (const unsigned value : numbers) text += (text.empty() ? "" : ", ") + std::to_string(value);
-  return text;
+  return rangesText({numbers.begin(), numbers.end()});
 }
 
 std::string modeText(uint8_t mode) {

@@ -10,10 +10,11 @@
 #include <string_view>
 #include <vector>
 
-#include "calc/mapping.h"
+#include "calc/advmapping.h"
 
 namespace parlctl {
 
+using ORVE_MCUC::AdvancedScreen;
 using ORVE_MCUC::CardSize;
 using ORVE_MCUC::SmartScreen;
 
@@ -35,47 +36,66 @@ struct PixelSize {
   bool operator==(const PixelSize&) const = default;
 };
 
-// The rows and columns of cards that a chain covers.
-struct CardBlock {
-  uint32_t row = 0;
-  uint32_t column = 0;
-  uint32_t rows = 0;
-  uint32_t columns = 0;
+// A rectangle of pixels.
+struct PixelBox {
+  Pixel at;
+  PixelSize size;
+  uint32_t right() const { return at.x + size.width; }
+  uint32_t bottom() const { return at.y + size.height; }
 };
+bool overlap(const PixelBox& a, const PixelBox& b);
 
 struct WallPort {
   unsigned port = 0;
-  PixelSize window;  // the last port in use keeps the whole window for the cards that are left
-  Pixel offset;
-  std::optional<unsigned> duplicateOf;
-  std::vector<unsigned> duplicates;  // the ports that repeat this one
-  std::vector<Pixel> chain;          // upper left pixels of the cards, in the order of the cable
+  bool used = false;  // it has cards of its own
+  PixelSize
+      window{};  // of a smart wall, the last port in use keeps the whole window for the cards that are left
+  Pixel offset{};
+  ORVE_MCUC::CardChain cable{};  // as the port's table holds it
+  std::optional<unsigned> duplicateOf{};
+  std::vector<unsigned> duplicates{};  // the ports that repeat this one
+  std::vector<Pixel> chain{};          // upper left pixels of the cards, in the order of the cable
 };
 
+// A wall of either kind of configuration. Smart: equal parts of one rectangle. Advanced: a block for each
+// port.
 class WallPlan {
  public:
   // Throws peer::Error (Usage) with the reason when there is no such wall; see wallProblem.
   explicit WallPlan(const SmartScreen& screen);
+  WallPlan(const AdvancedScreen& blocks, CardSize card);
 
-  const SmartScreen& screen() const { return screen_; }
-  const ORVE_MCUC::PortSplit& split() const { return split_; }
-  PixelSize size() const;
+  // Of a smart wall, what it was made of.
+  const std::optional<SmartScreen>& smart() const { return smart_; }
+  CardSize card() const { return card_; }
+  // What is put out, and what the screen registers hold beside it.
+  PixelSize size() const { return size_; }
+  PixelSize screenField() const { return screenField_; }
   // All ten ports, and those of them that have cards of their own.
   std::span<const WallPort> ports() const { return ports_; }
-  std::span<const WallPort> used() const { return ports().first(split_.UsedPortNum); }
+  std::vector<WallPort> used() const;
 
-  uint32_t rowOf(Pixel card) const { return card.y / screen_.card.height; }
-  uint32_t columnOf(Pixel card) const { return card.x / screen_.card.width; }
-  CardBlock blockOf(const WallPort& port) const;
+  // Cards of the grid that the whole wall covers; onGrid: every card lies on it.
+  uint32_t rows() const { return (size_.height + card_.height - 1U) / card_.height; }
+  uint32_t columns() const { return (size_.width + card_.width - 1U) / card_.width; }
+  bool onGrid() const;
+  uint32_t rowOf(Pixel card) const { return card.y / card_.height; }
+  uint32_t columnOf(Pixel card) const { return card.x / card_.width; }
+  // The pixels that the port's cards cover.
+  PixelBox boxOf(const WallPort& port) const;
 
  private:
-  SmartScreen screen_;
-  ORVE_MCUC::PortSplit split_;
+  std::optional<SmartScreen> smart_;
+  CardSize card_;
+  PixelSize size_;
+  PixelSize screenField_;
   std::vector<WallPort> ports_;
 };
 
 // Why the daemon would not map a screen: which rule it breaks, with the numbers. Empty: it is mapped.
 std::string wallProblem(const SmartScreen& screen);
+
+std::string wallProblem(const AdvancedScreen& blocks, CardSize card);
 
 // The cards of the fewest whole lines per port that feed the wall through so many ports. Rows and columns
 // must not be zero, ports 1..10.
@@ -84,7 +104,7 @@ uint16_t cardsForPorts(SmartScreen screen, unsigned ports);
 // "a, b": a pair of numbers as texts show them; "a x b": a size.
 std::string pairText(Pixel at);
 std::string sizeText(PixelSize size);
-// "2, 4, 6".
+// "2, 4, 6-9".
 std::string listText(std::span<const unsigned> numbers);
 // "4 top-left-rows"; the number alone when the mode does not exist.
 std::string modeText(uint8_t mode);

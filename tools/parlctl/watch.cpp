@@ -1,25 +1,20 @@
 // watch: the daemon's pushes, as they come.
 #include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <ctime>
 #include <memory>
 
 #include "commands.h"
 #include "registernames.h"
+#include "stop.h"
 
 namespace parlctl {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-volatile std::sig_atomic_t stopped = 0;
-
 struct WatchArguments {
   std::string identity = "lsd";
-  uint32_t count = 0;    // 0: no limit
-  uint32_t seconds = 0;  // 0: no limit
+  uint32_t count = 0;   // 0: no limit
+  std::string seconds;  // empty: no limit
 };
 
 void show(const Options& options, const peer::Frame& push) {
@@ -31,18 +26,13 @@ void show(const Options& options, const peer::Frame& push) {
                      (name.empty() ? "" : "  " + name)});
 }
 
-void stopOnSignal(int /*signal*/) {
-  stopped = 1;
-}
-
 void watch(const Options& options, const WatchArguments& arguments) {
   // Short waits: a signal between the test and the wait is seen a moment later.
   constexpr peer::milliseconds kWait{100};
   peer::Peer daemon = options.connect(*peer::serviceCode(arguments.identity));
-  const auto end = arguments.seconds > 0 ? Clock::now() + std::chrono::seconds(arguments.seconds)
-                                         : Clock::time_point::max();
+  const Stop stop(arguments.seconds);
   uint32_t seen = 0;
-  while (stopped == 0 && Clock::now() < end) {
+  while (!stop.wanted()) {
     const auto push = daemon.nextPush(kWait);
     if (!push) continue;
     show(options, *push);
@@ -58,13 +48,9 @@ void addWatch(Verb& root, const Options& options) {
   verb.option("--as", "PEER", arguments->identity, "The peer to be: each gets pushes of its own");
   verb.oneOf({"lsd", "vsp", "videod"});
   verb.option("--count", "N", arguments->count, 1, 0xFFFFFFFF, "End after so many pushes");
-  verb.option("--for", "S", arguments->seconds, 1, 0xFFFFFFFF, "End after so many seconds");
+  verb.option("--for", "S", arguments->seconds, "End after so many seconds");
   verb.example("watch --as vsp --count 1");
-  verb.run([&options, arguments] {
-    std::signal(SIGINT, stopOnSignal);
-    std::signal(SIGTERM, stopOnSignal);
-    watch(options, *arguments);
-  });
+  verb.run([&options, arguments] { watch(options, *arguments); });
 }
 
 }  // namespace parlctl

@@ -1,9 +1,11 @@
 #include "peer/board.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <span>
 
@@ -20,6 +22,9 @@ constexpr uint64_t kFpgaSize = 0x10000000;
 constexpr uint64_t kFlashSize = 0x02000000;
 constexpr uint64_t kClockOffset = 8;
 constexpr uint64_t kFaultOffset = 16;
+constexpr uint64_t kAfterOffset = 84;
+constexpr uint64_t kRangeOffset = 148;
+constexpr uint64_t kPowerCutOffset = 188;
 constexpr uint64_t kSensorOffset = 256;
 
 // Where a link shows: the registers of port 0, 1 × ports, 2 × ports, ... with so many ports in each.
@@ -119,6 +124,30 @@ void Board::put(const char* file, uint64_t offset, const Bytes& bytes) const {
   File(directory_ / file, O_RDWR).write(offset, bytes);
 }
 
+uint32_t Board::word(uint64_t offset) const {
+  return static_cast<uint32_t>(fromLittleEndian(get(kControl, offset, 4)));
+}
+
+void Board::setWord(uint64_t offset, uint32_t value) const {
+  put(kControl, offset, littleEndian(value, 4));
+}
+
+bool Board::isTaken() const {
+  const int lock = open((directory_ / "run/lock").c_str(), O_RDWR | O_CLOEXEC);
+  if (lock < 0) return false;
+  const bool taken = flock(lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(lock);
+  return taken;
+}
+
+void Board::switchOff() const {
+  if (isTaken())
+    throw Error(Failure::Usage, "a daemon has the board " + directory_.string() + ": end it first");
+  std::error_code error;
+  std::filesystem::remove(directory_ / kFpga, error);
+  if (error) throw Error(Failure::Board, (directory_ / kFpga).string() + ": " + error.message());
+}
+
 Bytes Board::fpga(uint32_t address, std::size_t length) const {
   within(address, length, kFpgaSize, "FPGA bus");
   return get(kFpga, address, length);
@@ -158,17 +187,53 @@ void Board::setLink(unsigned port, Medium medium, bool up) const {
 
 uint32_t Board::fault(unsigned index) const {
   atMost(index, kFaultNames.size(), "fault counter");
-  return static_cast<uint32_t>(fromLittleEndian(get(kControl, kFaultOffset + uint64_t{4} * index, 4)));
+  return word(kFaultOffset + uint64_t{4} * index);
 }
 
 void Board::setFault(unsigned index, uint32_t count) const {
   atMost(index, kFaultNames.size(), "fault counter");
-  put(kControl, kFaultOffset + uint64_t{4} * index, littleEndian(count, 4));
+  setWord(kFaultOffset + uint64_t{4} * index, count);
+}
+
+FaultPlan Board::faultPlan(unsigned index) const {
+  FaultPlan plan{.count = fault(index)};
+  plan.after = word(kAfterOffset + uint64_t{4} * index);
+  if (index >= kFaultRanges) return plan;
+  plan.first = word(kRangeOffset + uint64_t{8} * index);
+  plan.last = word(kRangeOffset + uint64_t{8} * index + 4);
+  return plan;
+}
+
+// The counter comes last, and zero before: nothing of the plan holds until all of it does.
+void Board::setFaultPlan(unsigned index, const FaultPlan& plan) const {
+  setFault(index, 0);
+  setWord(kAfterOffset + uint64_t{4} * index, plan.after);
+  if (index < kFaultRanges) {
+    setWord(kRangeOffset + uint64_t{8} * index, plan.first);
+    setWord(kRangeOffset + uint64_t{8} * index + 4, plan.last);
+  }
+  setFault(index, plan.count);
+}
+
+PowerCut Board::powerCut() const {
+  return {word(kPowerCutOffset), word(kPowerCutOffset + 4), word(kPowerCutOffset + 8)};
+}
+
+void Board::setPowerCut(const PowerCut& cut) const {
+  setWord(kPowerCutOffset, 0);
+  setWord(kPowerCutOffset + 4, cut.done);
+  setWord(kPowerCutOffset + 8, cut.sectors);
+  setWord(kPowerCutOffset, cut.atWrite);
+}
+
+uint32_t Board::sensor(unsigned index) const {
+  atMost(index, kSensors, "sensor");
+  return word(kSensorOffset + uint64_t{4} * index);
 }
 
 void Board::setSensor(unsigned index, uint32_t lux) const {
   atMost(index, kSensors, "sensor");
-  put(kControl, kSensorOffset + uint64_t{4} * index, littleEndian(lux, 4));
+  setWord(kSensorOffset + uint64_t{4} * index, lux);
 }
 
 int64_t Board::clockOffset() const {

@@ -45,7 +45,8 @@ int ReadFromBrightnessInfo(IMD_proto3rd& request) {
     replyWith(request, bytes);
     return kDone;
   }
-  return replyFromFlash(request, flash::ofBrightness(address), "ReadFromBrightnessInfo") == 0 ? kDone : kFailed;
+  return replyFromFlash(request, flash::ofBrightness(address), "ReadFromBrightnessInfo") == 0 ? kDone
+                                                                                              : kFailed;
 }
 
 int WriteToBrightnessInfo(IMD_proto3rd& request) {

@@ -49,12 +49,16 @@ int checkData(IMD_proto3rd& request, const WorkKey& key) {
 }
 
 // Without its thread the queue keeps nothing, and the requester is told.
-int queueItem(IMD_proto3rd& request, std::unique_ptr<MCUProcessDataBlock> block, LogSection& section) {
+int queueItem(IMD_proto3rd& request, std::unique_ptr<MCUProcessDataBlock> block) {
   const int refused = queueWork(std::move(block));
-  if (refused == kDone) return kDone;
-  section.abandon();
-  request.proto.m_ucAck = kAckRefused;
+  if (refused != kDone) request.proto.m_ucAck = kAckRefused;
   return refused;
+}
+
+// A section whose work did not succeed has no finish line.
+int finish(LogSection& section, int result) {
+  if (result != kDone) section.abandon();
+  return result;
 }
 
 }  // namespace
@@ -147,32 +151,29 @@ int queueWrite(IMD_proto3rd& request, const WorkKey& key,
   const ThirdProtoMCUCMsg& proto = request.proto;
   PARLEND_TRACE(kInfo) << " Register: " << CTrace::hex << proto.m_uiRegisterUnitAddress
                        << " len: " << proto.m_usValidDataLength;
-  const int result = checkData(request, key);
+  if (const int refused = checkData(request, key)) return finish(section, refused);
   std::span<uint8_t> payload;
-  auto block =
-      result == kDone ? makeItem(request, key, kPenetrateHeadLength + proto.m_data.size(), payload) : nullptr;
-  if (!block) {
-    section.abandon();
-    return result == kDone ? kRefused : result;
-  }
+  auto block = makeItem(request, key, kPenetrateHeadLength + proto.m_data.size(), payload);
+  if (!block) return finish(section, kRefused);
   ByteWriter writer(payload);
   writer.le32(proto.m_uiRegisterUnitAddress);
   writer.le16(proto.m_usValidDataLength);
   writer.bytes(proto.m_data);
   if (beforeQueueing != nullptr) beforeQueueing(request);
-  return queueItem(request, std::move(block), section);
+  return finish(section, queueItem(request, std::move(block)));
+}
+
+int queueBytes(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload) {
+  std::span<uint8_t> room;
+  auto block = makeItem(request, key, payload.size(), room);
+  if (!block) return kRefused;
+  std::copy(payload.begin(), payload.end(), room.begin());
+  return queueItem(request, std::move(block));
 }
 
 int queuePayload(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload) {
   LogSection section(queueing(key));
-  std::span<uint8_t> room;
-  auto block = makeItem(request, key, payload.size(), room);
-  if (!block) {
-    section.abandon();
-    return kRefused;
-  }
-  std::copy(payload.begin(), payload.end(), room.begin());
-  return queueItem(request, std::move(block), section);
+  return finish(section, queueBytes(request, key, payload));
 }
 
 }  // namespace ORVE_MCUC

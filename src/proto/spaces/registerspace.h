@@ -103,6 +103,8 @@ int queueWrite(IMD_proto3rd& request, const WorkKey& key,
                void (*beforeQueueing)(const IMD_proto3rd& request) = nullptr);
 // Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
 int queuePayload(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
+// The same without lines of its own, for a space that logs around more than the queueing.
+int queueBytes(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
 
 template <enum_Process_Key_Table key>
 int queueWrite(IMD_proto3rd& request) {

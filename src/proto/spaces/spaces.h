@@ -11,6 +11,7 @@ const RegisterSpace& spaceAt(At<reg::kPluginCardInfo>);
 const RegisterSpace& spaceAt(At<reg::kCommand>);
 const RegisterSpace& spaceAt(At<reg::kFeature>);
 const RegisterSpace& spaceAt(At<reg::kScreenInfoEcho>);
+const RegisterSpace& spaceAt(At<reg::kHCInteraction>);
 const RegisterSpace& spaceAt(At<reg::kBackupInfo>);
 const RegisterSpace& spaceAt(At<reg::kIntelligentBrightness>);
 const RegisterSpace& spaceAt(At<reg::kCabinetRotation>);

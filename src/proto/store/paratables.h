@@ -42,17 +42,6 @@ inline constinit RelaxedValue<uint32_t>
 inline constinit RelaxedValue<uint32_t> read_CardSize_flag;
 inline constinit std::array<RelaxedByte, 7> Time_to_vsp;
 
-// Colour settings, with what they are until a peer sets them.
-inline constinit RelaxedValue<uint16_t> fScreenPeakLight{1000};  // cd/m2
-inline constinit RelaxedValue<uint16_t> fambientLight{30};       // cd/m2
-inline constinit RelaxedByte pMinLum{15};
-inline constinit RelaxedByte pdelta{140};
-inline constinit RelaxedByte HLGCalss{4};
-inline constinit RelaxedValue<uint16_t> Saturation{50};
-inline constinit RelaxedValue<uint16_t> Contrast{50};
-inline constinit RelaxedValue<uint16_t> Hue{0};
-inline constinit RelaxedByte HDRType{0};
-
 // Offsets of the fields in ParaTable. The role lives in the store's member of that name; its slot here stays
 // unused.
 namespace para {

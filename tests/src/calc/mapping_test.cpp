@@ -208,5 +208,15 @@ TEST(AdvancedMapping, MeasuresExtentAndLargestBlock) {
   EXPECT_EQ(positionOf(screen[1].chain({128, 128}), 0, 0), (CardPosition{256, 0}));
 }
 
+TEST(AdvancedMapping, AnEdgeBeyond16BitsCountsAsWhatIsLeftOfIt) {
+  AdvancedScreen screen{};
+  screen[0] = {0, 1, 1, 65500, 0};
+  screen[1] = {0, 1, 1, 0, 65408};
+  screen[9] = {0, 2, 1, 10, 65500};
+  const PixelExtent extent = screenExtent(screen, {97, 128});
+  EXPECT_EQ(extent.width, 107U) << "65597 is 61";
+  EXPECT_EQ(extent.height, 220U) << "65536 is 0, and 65756 is 220";
+}
+
 }  // namespace
 }  // namespace ORVE_MCUC

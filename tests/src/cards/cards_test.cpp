@@ -3,10 +3,12 @@
 
 #include "../../platform/board_fixture.h"
 #include "driverutil.h"
+#include "mcuctrace.h"
 #include "mcucutil.h"
 #include "proto/cards/cardtasks.h"
 #include "proto/store/data_common.h"
 #include "proto/tshl_ctl.h"
+#include "testdaemon.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -14,6 +16,7 @@ namespace {
 using simboard::Fault;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Bytes = TestBoard::Bytes;
 
 class CardsTest : public BoardTest {
  protected:
@@ -176,6 +179,54 @@ TEST_F(CardTaskTest, RequestsWithoutBytesOrWithAnotherCodeTouchNothing) {
   }
   EXPECT_THAT(cardCalls(), IsEmpty());
   EXPECT_THAT(journal(), testing::Not(testing::Contains(testing::StartsWith("flash-write"))));
+}
+
+TEST_F(CardTaskTest, AReadThatNoReplyHasRoomForAsksNoCard) {
+  for (const Kind& kind : kKinds) {
+    for (const uint16_t length : {uint16_t{65517}, uint16_t{65535}}) {
+      IMD_proto3rd read = request(kCodeRead, 0x01000000, length);
+      EXPECT_EQ(perform(kind.type, read), 4);
+      EXPECT_EQ(read.proto.m_ucAck, 4);
+      EXPECT_THAT(read.proto.m_data, IsEmpty());
+    }
+  }
+  EXPECT_THAT(cardCalls(), IsEmpty());
+  IMD_proto3rd longest = request(kCodeRead, 0x01000000, 65516);
+  EXPECT_EQ(perform(2, longest), 0);
+  EXPECT_EQ(longest.proto.m_data.size(), 65516U);
+}
+
+TEST(LauncherTest, FlashKeepsWhatHasRoomAndCardAndLsdGetAll) {
+  TestDaemon daemon("copper_ports = 0\n");
+  daemon.connect();
+  Bytes all(4000);
+  for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<uint8_t>(1 + i % 255);
+  const struct {
+    uint32_t address;
+    uint32_t flash;
+    uint32_t copy;
+  } kept[] = {{0x02000001, 0x2407, 0xF557}, {0x02000002, 0x2408, 0xF558}};
+  for (const auto& [address, flash, copy] : kept) {
+    daemon.board.setFlash(0x2000, Bytes(0x2000, 0xEE));
+    daemon.board.setFlash(0xF000, Bytes(0x2000, 0xEE));
+    daemon.pushes();
+    daemon.trace();
+    setTraceLevel(0);
+    EXPECT_EQ(daemon.ask({.deviceType = 4, .code = 1, .address = address, .length = 4000, .data = all}).ack,
+              0);
+    setTraceLevel(4);
+    EXPECT_THAT(daemon.trace("===").size(), 1U);
+    Bytes first(all.begin(), all.begin() + (0x3000 - static_cast<int>(flash)));
+    first.push_back(0xEE);
+    EXPECT_EQ(daemon.board.flash(flash, first.size()), first);
+    EXPECT_EQ(daemon.board.flash(copy, all.size()), all);
+    EXPECT_EQ(daemon.board.flash(copy + 4000, 1), Bytes{0xEE});
+    EXPECT_EQ(daemon.board.card(4, 0, 0, address, all.size()), all);
+    const auto pushes = daemon.pushes();
+    ASSERT_EQ(pushes.size(), 1U);
+    EXPECT_EQ(pushes[0].address, address + 0x2000);
+    EXPECT_EQ(pushes[0].data, all);
+  }
 }
 
 class PortLinkTest : public CardsTest {

@@ -103,6 +103,49 @@ TEST_F(MonitorTest, TheImageMirrorsPushedGroupsButNotTheStatusesBehindIt) {
   for (std::size_t at = 0x1F0; at < 0x200; ++at) EXPECT_EQ(image[at], 0xEE) << at;
 }
 
+TEST_F(MonitorTest, WhatWasConfiguredStaysInTheImageWhateverTheFpgaShows) {
+  store().SendParameterReg.fill(0xEE);
+  lsdKnowsAll();
+  change({{0x18, {1, 1, 1, 1}}, {0x98, {2, 2, 2, 2}}, {0x100, {3, 3, 3, 3}}, {0x1DA, {4}}, {0x1E0, {5, 6}}});
+  EXPECT_THAT(tick(), ElementsAre("18 01010101", "98 02020202", "100 03030303", "1da 04", "1e0 05", "1e1 06",
+                                  "1da 04"));
+  for (const std::size_t at : {0x18, 0x1B, 0x98, 0x9B, 0x100, 0x103, 0x1DA, 0x1E0, 0x1E1})
+    EXPECT_EQ(store().SendParameterReg[at], 0xEE) << at;
+}
+
+TEST_F(MonitorTest, AGroupThatCannotBeReadOnceMoreIsPushedAsTheCheckReadIt) {
+  const struct {
+    std::vector<Change> changes;
+    uint32_t first, last;  // what cannot be read a second time
+    Pushes pushes;
+  } cases[] = {
+      {{{0x1E, {7}}}, 0x1E, 0x1E, {"1e 07", "9e 00", "120 0000"}},
+      {{{0x9E, {8}}}, 0x9E, 0x9E, {"1e 07", "9e 08", "120 0000"}},
+      {{{0x121, {9}}}, 0x121, 0x121, {"1e 07", "9e 08", "120 0009"}},
+      {{{0x1F, {1}}}, 0x1F, 0x1F, {"1f 01", "9f 00", "126 0000"}},
+      {{{0x9F, {2}}}, 0x9F, 0x9F, {"1f 01", "9f 02", "126 0000"}},
+      {{{0x126, {3}}}, 0x126, 0x126, {"1f 01", "9f 02", "126 0300"}},
+      {{{0x1D7, {0x51}}}, 0x1D7, 0x1D7, {"1d7 51"}},
+  };
+  lsdKnowsAll();
+  for (const auto& [changes, first, last, pushes] : cases) {
+    store().LinkStateChanged = 0;
+    change(changes);
+    daemon.board.fault(Fault::FpgaRead, {3, 1, first, last});
+    EXPECT_EQ(tick(), pushes);
+    for (uint32_t at = first; at <= last; ++at)
+      EXPECT_EQ(store().SendParameterReg[at], daemon.board.fpga(at, 1)[0]) << at;
+    EXPECT_EQ(tick(), Pushes{});
+    daemon.board.clearFaults();
+  }
+  // What not even the check could read is not made up: the image keeps it.
+  store().LinkStateChanged = 0;
+  store().SendParameterReg[0x9E] = 0x33;
+  change({{0x1E, {1}}});
+  daemon.board.fault(Fault::FpgaRead, {TestBoard::kEveryCall, 0, 0x9E, 0x9E});
+  EXPECT_THAT(tick(), ElementsAre("1e 01", "9e 33", "120 0009"));
+}
+
 TEST_F(MonitorTest, ALinkThatComesBackBetweenTwoTicksIsNoChange) {
   lsdKnowsAll();
   change({{0x1F, {1}}});

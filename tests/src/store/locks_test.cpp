@@ -6,12 +6,11 @@
 #include "process/tprocess_ctl.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
+#include "proto/store/smarttable.h"
 #include "store_fixture.h"
 
 namespace ORVE_MCUC {
 namespace {
-
-using testing::IsEmpty;
 
 struct Operation {
   const char* name;
@@ -20,8 +19,6 @@ struct Operation {
 
 class LocksTest : public StoreFixture {
  protected:
-  void SetUp() override { board.start(); }
-
   static SmartScreen wall(uint16_t columns) { return {1, columns, 1, 0, {}}; }
   void storeRecord(const SmartScreen& screen) const {
     Bytes record(shortcut::kUsedSize);
@@ -56,37 +53,26 @@ class LocksTest : public StoreFixture {
 
 TEST_F(LocksTest, CalculationsSavesAndRestoresWaitForOneAnotherBeforeTheyTouchAnything) {
   for (const Operation& each : configurations()) {
-    forgetJournal();
+    const auto before = board.journal();
     std::vector<std::string> early;
-    EXPECT_TRUE(waitsFor(store().m_mutex, each.run, [&] { early = journal(); })) << each.name;
-    EXPECT_THAT(early, IsEmpty()) << each.name;
+    EXPECT_TRUE(waitsFor(store().m_mutex, each.run, [&] { early = board.journal(); })) << each.name;
+    EXPECT_EQ(early, before) << each.name;
   }
 }
 
 TEST_F(LocksTest, WhatTheTickTellsWaitsForNoConfiguration) {
-  board.setFpga(0x1F, {0x0F});
-  board.setFpga(0x1F2, {0x01});
-  const auto watch = [] {
-    store().SendRedundStatustoLSD();
-    Tprocess_ctl& monitor = *Tprocess_ctl::getInstance();
-    monitor.SendRedundtoLSD();
-    monitor.SendNetLinktoLSD();
-    monitor.SendFiberLinktoLSD();
-    monitor.SendFiberBelowLinkStatustoLSD();
-    monitor.SendFiberRedundtoLSD();
-    monitor.SendFiberToNetStatustoLSD();
-    store().GetRecvCardSize_EnvNew();
-  };
-  EXPECT_FALSE(waitsFor(store().m_mutex, watch, [] {}));
-  EXPECT_THAT(pushes(), testing::Contains("1f 0f"));
+  daemon.connect();
+  EXPECT_FALSE(waitsFor(
+      store().m_mutex, [this] { daemon.tick(5); }, [] {}));
+  EXPECT_EQ(store().GigaPhyLinkSta, 0x000F);
+  EXPECT_THAT(daemon.pushes(), testing::SizeIs(testing::Ge(4U)));
 }
 
 // One thread configures registers while another reads them back: whatever was configured is what stays.
 TEST_F(LocksTest, NothingComesBetweenAnImageAndItsBusWrite) {
   const std::vector<std::pair<const char*, std::function<int(const Bytes&)>>> kWrites{
-      {"through", [](const Bytes& value) {
-         return writeThrough(store(), store().SendParameterReg, 0x18, 0x18, value);
-       }},
+      {"through",
+       [](const Bytes& value) { return writeThrough(store(), store().SendParameterReg, 0x18, 0x18, value); }},
       {"draft", [](const Bytes& value) {
          FeatureDraft draft;
          draft.put(0x18, value[0]);
@@ -108,22 +94,24 @@ TEST_F(LocksTest, NothingComesBetweenAnImageAndItsBusWrite) {
   }
 }
 
-TEST_F(LocksTest, AnImageIsNotHeldOverFlashShellCardsOrSends) {
-  const auto held = [] {
-    if (store().imageLock.TryLock() != 0) return true;
-    store().imageLock.UnLock();
-    return false;
-  };
-  // The power goes at each flash write in turn, on the thread that writes: who comes then finds the lock free.
-  simboard::onOutage([&](simboard::Outage) { EXPECT_FALSE(held()); });
-  for (uint32_t write = 1; write < 20; ++write) {
-    board.cutPower({write});
-    store().FpgaOnlineFlag = 1;
-    Tprocess::CalculateParaOfSenderHandler();
-    board.cutPower({});
-    board.powerOn();
+TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
+  int writes = 0;
+  for (const Operation& each : configurations()) {
+    uint32_t n = 1;
+    do {
+      daemon.restart();
+      // At each flash write in turn somebody looks, on the thread that writes.
+      simboard::onOutage([&](simboard::Outage) {
+        ++writes;
+        EXPECT_EQ(store().imageLock.TryLock(), 0) << each.name << ", write " << n;
+        store().imageLock.UnLock();
+      });
+      board.cutPower({n++});
+      each.run();
+    } while (!board.hasPower());
   }
   simboard::onOutage([](simboard::Outage) {});
+  EXPECT_GT(writes, 40);
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
@@ -141,7 +129,9 @@ TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {
     Bytes block(shortcut::kPortSize);
     block[shortcut::kPortRowsAt] = 2;
     block[shortcut::kPortColumnsAt] = 3;
-    board.setFlash(flash::kShortcutConfig + shortcut::kPortsAt + shortcut::kPortSize * port, block);
+    board.setFlash(
+        flash::kShortcutConfig + static_cast<uint32_t>(shortcut::kPortsAt + shortcut::kPortSize * port),
+        block);
   }
   std::atomic<bool> done{false};
   std::thread peer([&] {

@@ -11,8 +11,10 @@
 namespace ORVE_MCUC {
 namespace {
 
+using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
+using testing::IsEmpty;
 
 struct Area {
   const char* name;
@@ -30,13 +32,13 @@ constexpr Area kAreas[] = {kFeature, kGlobal, kTable0, kTable9, kNumber, kScreen
 class RestoreTest : public StoreFixture {
  protected:
   static constexpr uint8_t kPattern = 0x20;  // also an output mode that is left alone
-  void SetUp() override {
-    board.start("copper_ports = 0-3\ncard_width = 97\ncard_height = 81\n");
+  RestoreTest() : StoreFixture("card_width = 97\ncard_height = 81\n") {
     for (const Area& area : kAreas) board.setFlash(area.first, Bytes(area.length, kPattern));
   }
   void failReads(const Area& area) const {
     board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, area.first, area.first + area.length - 1});
   }
+  static CardSize measured() { return store().ReceiveCardSize; }
   Bytes stored(const Area& area) const { return board.flash(area.first, area.length); }
   // Other values in memory than in flash, as a peer or an empty start leaves them.
   static void changeImages() {
@@ -51,13 +53,12 @@ class RestoreTest : public StoreFixture {
 TEST_F(RestoreTest, WhatCannotBeLoadedIsLeftAloneInFlashAndTheRestIsSaved) {
   for (const Area& lost : kAreas) {
     SCOPED_TRACE(lost.name);
-    Data_Global::deleteInstance();
     for (const Area& area : kAreas) board.setFlash(area.first, Bytes(area.length, kPattern));
     failReads(lost);
-    store().RestoreFPGA();
+    daemon.restart();
     changeImages();
-    const std::string errors = errorsOf([] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); });
-    EXPECT_THAT(errors, HasSubstr("not saved"));
+    const auto errors = errorsOf([] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); });
+    EXPECT_THAT(errors, Contains(HasSubstr("not saved")));
     for (const Area& area : kAreas) {
       const uint8_t expected = area.first == lost.first ? kPattern : 0x77;
       EXPECT_EQ(stored(area), Bytes(area.length, expected)) << area.name;
@@ -68,7 +69,7 @@ TEST_F(RestoreTest, WhatCannotBeLoadedIsLeftAloneInFlashAndTheRestIsSaved) {
 
 TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImage) {
   board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
-  store().RestoreFPGA();
+  daemon.restart();
   board.clearFaults();
   ByteImage<1024> table;
   table.putLe16(2, 1);
@@ -83,7 +84,7 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
 }
 
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {
-  store().RestoreFPGA();
+  daemon.restart();
   EXPECT_EQ(ParaTable[0], kPattern);
   ParaTable[0] = 1;
   store().RestoreFPGA();
@@ -115,11 +116,11 @@ TEST_F(RestoreTest, TheHardwaresOwnRegistersAreThoseOfTodayOnceTheFpgaIsThere) {
   EXPECT_EQ(store().SendParameterReg[0x1F2], kPattern) << "a setting of the image lies there";
 }
 
-TEST_F(RestoreTest, AReloadedPortTableKeepsWhatWasPutInMeanwhile) {
-  store().RestoreFPGA();
+TEST_F(RestoreTest, EveryPortTableGoesBackToTheFpga) {
   store().FpgaOnlineFlag = 1;
   store().RestoreFPGA();
-  for (const uint32_t port : {0U, 9U}) EXPECT_EQ(board.fpga(portTableOnFpga(port) + 0xFFF, 1), Bytes{kPattern});
+  for (const uint32_t port : {0U, 9U})
+    EXPECT_EQ(board.fpga(portTableOnFpga(port) + 0xFFF, 1), Bytes{kPattern});
 }
 
 TEST_F(RestoreTest, TheFirstBootAfterAResetTakesStoredSizesAndZerosAsTheyAre) {
@@ -128,19 +129,18 @@ TEST_F(RestoreTest, TheFirstBootAfterAResetTakesStoredSizesAndZerosAsTheyAre) {
     bool readable;
     CardSize card;
   } cases[] = {
-      {{0, 1, 0, 0, 64, 0, 0, 0}, true, {256, 64}},     {{0, 0, 0, 0, 64, 0, 0, 0}, true, {0, 64}},
-      {{64, 0, 0, 0, 0, 0, 0, 0}, true, {64, 0}},       {{0, 0, 1, 0, 64, 0, 0, 0}, true, {128, 128}},
-      {{64, 0, 0, 0, 0, 0, 1, 0}, true, {128, 128}},    {{0, 1, 0, 0, 64, 0, 0, 0}, false, {128, 128}},
+      {{0, 1, 0, 0, 64, 0, 0, 0}, true, {256, 64}},        {{0, 0, 0, 0, 64, 0, 0, 0}, true, {0, 64}},
+      {{64, 0, 0, 0, 0, 0, 0, 0}, true, {64, 0}},          {{0, 0, 1, 0, 64, 0, 0, 0}, true, {128, 128}},
+      {{64, 0, 0, 0, 0, 0, 1, 0}, true, {128, 128}},       {{0, 1, 0, 0, 64, 0, 0, 0}, false, {128, 128}},
       {{0xFF, 0xFF, 0, 0, 1, 0, 0, 0}, true, {0xFFFF, 1}},
   };
   for (const auto& [size, readable, card] : cases) {
-    Data_Global::deleteInstance();
     board.clearFaults();
-    ASSERT_EQ(sysconf_openenv(), 0);
     ASSERT_EQ(sysconf_setenv("firstboot", "1"), 0);
     board.setFlash(flash::kScreenSize, size);
-    if (!readable) board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, flash::kScreenSize, flash::kScreenSize + 7});
-    store().RestoreFPGA();
+    if (!readable)
+      board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, flash::kScreenSize, flash::kScreenSize + 7});
+    daemon.restart();
     EXPECT_FALSE(store().FpgaParaLoadFinish) << "without an FPGA nothing was written to it";
     EXPECT_EQ(board.flash(flash::kScreenSize, 8), size);
     EXPECT_EQ(store().SendParameterReg.le16(fpga::kOutputWidth), card.width);
@@ -148,36 +148,13 @@ TEST_F(RestoreTest, TheFirstBootAfterAResetTakesStoredSizesAndZerosAsTheyAre) {
     store().FpgaOnlineFlag = 1;
     store().RestoreFPGA();
     EXPECT_TRUE(store().FpgaParaLoadFinish);
-    EXPECT_EQ(store().ReceiveCardSize.load().width, card.width);
+    EXPECT_EQ(card.width, measured().width);
     EXPECT_EQ(board.flash(flash::kNumberTable + 0x109, 1), Bytes{kPattern}) << "not calculated, not lost";
   }
 }
 
-TEST_F(RestoreTest, LinksThatNoTickHasSeenAreReadWhenASizeIsNeeded) {
-  const struct {
-    std::string conf;
-    int result;
-  } boards[] = {{"copper_ports = 2\n", 0}, {"copper_ports =\nfiber1_ports = 1\n", 0},
-                {"copper_ports =\nfiber2_ports = 9\n", 0}, {"copper_ports =\n", -1}};
-  for (const auto& [conf, result] : boards) {
-    Data_Global::deleteInstance();
-    board.start("card_width = 97\ncard_height = 81\n" + conf);
-    board.powerOn();
-    store().ReceiveCardSize = CardSize{1, 1};
-    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), result) << conf;
-    EXPECT_EQ(store().ReceiveCardSize.load().width, result == 0 ? 97 : 128) << conf;
-    // What the monitor has seen holds, whatever the hardware shows now.
-    store().GigaPhyLinkSta = 0;
-    store().Fiber1BelowLinkStatus_buff.fill(0);
-    store().Fiber2BelowLinkStatus_buff.fill(0);
-    store().netLinksSeen = true;
-    store().fiberLinksSeen = true;
-    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), -1) << conf;
-  }
-}
-
 TEST_F(RestoreTest, FailuresOfSavesAndPagesAreErrors) {
-  store().RestoreFPGA();
+  daemon.restart();
   const struct {
     Area area;
     const char* line;
@@ -185,26 +162,21 @@ TEST_F(RestoreTest, FailuresOfSavesAndPagesAreErrors) {
                {kGlobal, "=== Save Global para to flash failed! ret = -1"},
                {kTable9, "=== Save position para to flash failed! ret = -1"},
                {kNumber, "=== Save number para to flash failed! ret = -1"},
-               {{"hardware", flash::kBasicHardwareCopy, 256}, "=== Save  basic hardware para to flash failed! ret = -1"}};
+               {{"hardware", flash::kBasicHardwareCopy, 256},
+                "=== Save  basic hardware para to flash failed! ret = -1"}};
   for (const auto& [area, line] : saves) {
     board.fault(Fault::FlashWrite, {3, 0, area.first, area.first + area.length - 1});
-    const std::string errors = errorsOf([] {
+    const auto errors = errorsOf([] {
       store().SaveParaToFlash(0);
       store().SaveParaToFlash(1);
     });
-    EXPECT_THAT(errors, HasSubstr(line));
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+    EXPECT_THAT(errors, ElementsAre(HasSubstr(line)));
   }
   board.fault(Fault::FlashWrite, {3, 0, flash::kSoftwareTable + 256, flash::kSoftwareTable + 511});
   const Bytes data(600, 1);
-  const std::string errors = errorsOf([&] { store().CopyConstDataToFlash(flash::kSoftwareTable, data); });
-  EXPECT_THAT(errors, HasSubstr("the real addr = 0x00c30100 result = -1"));
-  EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
-  EXPECT_EQ(board.flash(flash::kSoftwareTable + 512, 89), [] {
-    Bytes bytes(88, 1);
-    bytes.push_back(0);
-    return bytes;
-  }());
+  EXPECT_THAT(errorsOf([&] { store().CopyConstDataToFlash(flash::kSoftwareTable, data); }),
+              ElementsAre(HasSubstr("the real addr = 0x00c30100 result = -1")));
+  EXPECT_EQ(board.flash(flash::kSoftwareTable + 512, 88), Bytes(88, 1)) << "the pages behind it are written";
 }
 
 TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGiven) {
@@ -216,33 +188,75 @@ TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGi
     std::function<int(const char*)> call;
     const char* line;
   } accesses[] = {
-      {Fault::FpgaRead, [&](const char* text) { return readFpga(0x24, bytes, {"Caller", text}); },
+      {Fault::FpgaRead,
+       [&](const char* text) {
+         return readFpga(0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not read from FPGA 0x00000024. ret = -1"},
-      {Fault::FpgaWrite, [&](const char* text) { return writeFpga(0x24, bytes, {"Caller", text}); },
+      {Fault::FpgaWrite,
+       [&](const char* text) {
+         return writeFpga(0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not written to FPGA 0x00000024. ret = -1"},
-      {Fault::FlashRead, [&](const char* text) { return readFlash(0x24, bytes, {"Caller", text}); },
+      {Fault::FlashRead,
+       [&](const char* text) {
+         return readFlash(0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not read from flash 0x00000024. ret = -1"},
-      {Fault::FlashWrite, [&](const char* text) { return writeFlash(0x24, bytes, {"Caller", text}); },
+      {Fault::FlashWrite,
+       [&](const char* text) {
+         return writeFlash(0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not written to flash 0x00000024. ret = -1"},
-      {Fault::CardRead, [&](const char* text) { return readCard(card, 0x24, bytes, {"Caller", text}); },
+      {Fault::CardRead,
+       [&](const char* text) {
+         return readCard(card, 0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not read from card register 0x00000024. ret = -1"},
-      {Fault::CardWrite, [&](const char* text) { return writeCard(card, 0x24, bytes, {"Caller", text}); },
+      {Fault::CardWrite,
+       [&](const char* text) {
+         return writeCard(card, 0x24, bytes, {"Caller", text});
+       },
        "2 bytes were not written to card register 0x00000024. ret = -1"},
   };
   for (const auto& [kind, call, line] : accesses) {
-    EXPECT_EQ(errorsOf([&] { EXPECT_EQ(call(nullptr), 0); }), "") << line;
+    EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(nullptr), 0); }), IsEmpty()) << line;
     for (const auto& [text, whole] : {std::pair<const char*, std::string>{nullptr, line},
-                                      {"it failed.", "it failed.\n"},
-                                      {"it failed. ret = ", "it failed. ret = -1\n"}}) {
+                                      {"it failed.", "it failed."},
+                                      {"ret = ", "ret = -1"}}) {
       board.fault(kind, {TestBoard::kEveryCall});
-      const std::string errors = errorsOf([&] { EXPECT_NE(call(text), 0); });
-      EXPECT_THAT(errors, HasSubstr("=== Caller ===" + whole));
+      EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(text), -1); }), Contains("Error === Caller ===" + whole));
       board.clearFaults();
     }
   }
   Bytes tooMuch(0x10000);
   EXPECT_EQ(readCard(card, 0x24, tooMuch), -1);
   EXPECT_EQ(writeCard(card, 0x24, tooMuch), -1);
+}
+
+TEST(UnseenLinksTest, LinksThatNoTickHasSeenAreReadWhenASizeIsNeeded) {
+  const auto store = []() -> Data_Global& { return *Data_Global::getInstance(); };
+  const auto measured = [&]() -> CardSize { return store().ReceiveCardSize; };
+  const struct {
+    std::string conf;
+    int result;
+  } boards[] = {{"copper_ports = 2\n", 0},
+                {"copper_ports =\nfiber1_ports = 1\n", 0},
+                {"copper_ports =\nfiber2_ports = 9\n", 0},
+                {"copper_ports =\n", -1}};
+  for (const auto& [conf, result] : boards) {
+    TestDaemon other("fpga_autoload = no\ncard_width = 97\ncard_height = 81\n" + conf);
+    store().ReceiveCardSize = CardSize{1, 1};
+    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), result) << conf;
+    EXPECT_EQ(measured().width, result == 0 ? 97 : 128) << conf;
+    // What the monitor has seen holds, whatever the hardware shows now.
+    store().GigaPhyLinkSta = 0;
+    store().Fiber1BelowLinkStatus_buff.fill(0);
+    store().Fiber2BelowLinkStatus_buff.fill(0);
+    store().netLinksSeen = true;
+    store().fiberLinksSeen = true;
+    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), -1) << conf;
+  }
 }
 
 }  // namespace

@@ -1,68 +1,42 @@
-// A board and a fresh store in the test's own process, without threads: what the store sends is kept.
+// The store of a daemon without threads, whose FPGA is not loaded yet.
 #pragma once
 
 #include <gmock/gmock.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <condition_variable>
+#include <atomic>
 #include <fstream>
-#include <future>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "mcuctrace.h"
-#include "mcucutil.h"
-#include "outgoing.h"
 #include "proto/store/data_common.h"
-#include "testboard.h"
+#include "testdaemon.h"
 
 namespace ORVE_MCUC {
 
-class StoreFixture : public testing::Test, private Outgoing {
+class StoreFixture : public testing::Test {
  protected:
   using Bytes = TestBoard::Bytes;
   using Fault = TestBoard::Fault;
 
-  StoreFixture() {
-    setOutgoing(this);
-    board.takeTime();
-  }
-  ~StoreFixture() override {
-    setOutgoing(nullptr);
-    Data_Global::deleteInstance();
-    Data_Preset::deleteInstance();
-  }
+  explicit StoreFixture(const std::string& conf = "") : daemon("fpga_autoload = no\n" + conf) {}
 
   static Data_Global& store() { return *Data_Global::getInstance(); }
 
-  // "1f 0f": register and data of each push since the last time, feature registers by their FPGA address.
-  std::vector<std::string> pushes() { return std::exchange(sent_, {}); }
-
-  // The journal from here on.
-  void forgetJournal() { seen_ = board.journal().size(); }
-  std::vector<std::string> journal() const {
-    auto lines = board.journal();
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(std::min(seen_, lines.size())));
-    return lines;
-  }
-
   // The Error and Warning lines that something writes.
   template <class Action>
-  static std::string errorsOf(Action action) {
-    CTrace::instance();
-    testing::internal::CaptureStdout();
+  std::vector<std::string> errorsOf(Action action) {
+    daemon.trace();
     setTraceLevel(0);
     action();
     setTraceLevel(4);
-    return testing::internal::GetCapturedStdout();
+    return daemon.trace();
   }
 
-  // Runs something on a thread of its own while this one holds a lock, and what `meanwhile` does once the other
-  // waits for it. Whether the other had to wait.
+  // Runs something on a thread of its own while this one holds a lock, and what comes meanwhile once the
+  // other waits for it. Whether it had to wait.
   template <class Mutex, class Action, class Meanwhile>
   static bool waitsFor(Mutex& mutex, Action action, Meanwhile meanwhile) {
     std::atomic<pid_t> id{0};
@@ -73,7 +47,7 @@ class StoreFixture : public testing::Test, private Outgoing {
       action();
       done = true;
     });
-    while (!done && !isBlocked(id)) std::this_thread::yield();
+    while (!done && !sleeps(id)) std::this_thread::yield();
     const bool waited = !done;
     meanwhile();
     mutex.UnLock();
@@ -81,32 +55,19 @@ class StoreFixture : public testing::Test, private Outgoing {
     return waited;
   }
 
-  TestBoard board;
+  TestDaemon daemon;
+  TestBoard& board = daemon.board;
 
  private:
-  // In a futex: nothing else that the store does sleeps, with the board's time in the test's hands.
-  static bool isBlocked(pid_t thread) {
+  // Nothing else that the store does sleeps: pauses do not wait here.
+  static bool sleeps(pid_t thread) {
     if (thread == 0) return false;
-    std::ifstream stream("/proc/self/task/" + std::to_string(thread) + "/syscall");
-    std::string number;
-    stream >> number;
-    return number == std::to_string(SYS_futex);
+    std::ifstream stream("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string stat;
+    std::getline(stream, stat);
+    const std::size_t name = stat.rfind(") ");
+    return name != stat.npos && stat[name + 2] == 'S';
   }
-  int send(IMD_proto3rd message) override {
-    const uint32_t address = message.proto.m_uiRegisterUnitAddress;
-    char text[16];
-    std::snprintf(text, sizeof text, "%x ", address >= 0x02000000 && address < 0x02000200 ? address & 0x1FF : address);
-    sent_.emplace_back(text);
-    for (const uint8_t byte : message.proto.m_data) {
-      std::snprintf(text, sizeof text, "%02x", byte);
-      sent_.back() += text;
-    }
-    return 0;
-  }
-  int queue(std::unique_ptr<MCUProcessDataBlock>) override { return 0; }
-
-  std::vector<std::string> sent_;
-  std::size_t seen_ = 0;
 };
 
 }  // namespace ORVE_MCUC

@@ -1,14 +1,16 @@
 // Requests to the cards behind the ports, as the cards and the screen daemon see them.
 #include <algorithm>
 
-#include "system_test.h"
+#include "daemontest.h"
+#include "mcuctrace.h"
 
-using peer::Bytes;
 using peer::Frame;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
+
+using Bytes = peer::Bytes;
 
 enum Type : uint8_t { kReceiving = 1, kMulti, kDistribution, kLauncher };
 
@@ -26,45 +28,42 @@ Frame writeOf(Type type, uint32_t address, const Bytes& data, uint8_t port = 1, 
 }
 
 // Without the FPGA's load notice nothing but the requests touches the cards.
-class CardsTest : public SystemTest {
+class CardRoadTest : public DaemonTest {
  protected:
-  void SetUp() override {
-    daemon.prepare("board.conf", "fpga_autoload = no\n");
-    start("-debug");
+  explicit CardRoadTest(const std::string& conf = "fpga_autoload = no\n") : DaemonTest(conf) {
+    ORVE_MCUC::setTraceLevel(3);
   }
+  void askAsLsd(const Frame& frame) { daemon.exchange(peer::encode(frame), {}, peer::kLsd); }
   // What was written to cards, without stamps.
   std::vector<std::string> writes() const {
     std::vector<std::string> calls;
-    for (const std::string& line : daemon.board().journal()) {
-      const std::string call = line.substr(line.find(' ') + 1);
+    for (const std::string& call : daemon.board.journal())
       if (call.starts_with("card-write")) calls.push_back(call);
-    }
     return calls;
   }
 };
 
-// The ports' links are known from the first look at them on, a moment after the FPGA is there.
-class CardReadsTest : public CardsTest {
+class CardReadsTest : public CardRoadTest {
  protected:
-  void SetUp() override {
-    daemon.prepare("board.conf", "copper_ports = 0-3\nfiber1_ports = 5\nfiber_module = 0xA0\n");
-    start("-debug");
-    ASSERT_TRUE(eventually([&] { return ask(readOf(kReceiving, 0x02000017, 4)).ack == 0; }));
+  CardReadsTest() : CardRoadTest("copper_ports = 0-3\nfiber1_ports = 5\nfiber_module = 0xA0\n") {
+    daemon.tick();
   }
 };
 
-// The next of the pushes that name one of the addresses.
-std::optional<Frame> pushOf(peer::Peer& peer, const std::vector<uint32_t>& addresses) {
-  while (auto push = peer.nextPush(kPatience))
-    if (std::find(addresses.begin(), addresses.end(), push->address) != addresses.end()) return push;
-  return {};
+// What LSD is told of these addresses, the others left out.
+std::vector<Frame> pushesOf(TestDaemon& daemon, const std::vector<uint32_t>& addresses) {
+  std::vector<Frame> pushes = daemon.pushes();
+  std::erase_if(pushes, [&](const Frame& push) {
+    return std::find(addresses.begin(), addresses.end(), push.address) == addresses.end();
+  });
+  return pushes;
 }
 
 std::string hexOf(const Bytes& bytes, std::size_t shown) {
   return peer::toHex(Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(shown)));
 }
 
-TEST_F(CardsTest, AWriteReachesTheCardsInChunksBeforeItsReply) {
+TEST_F(CardRoadTest, AWriteReachesTheCardsInChunksBeforeItsReply) {
   const Bytes data = counting(300);
   const Bytes second(data.begin() + 256, data.end());
   EXPECT_THAT(ask(writeOf(kMulti, 0x0100FF80, data, 0xFF, 0xFFFF)), CarriesNothing());
@@ -74,45 +73,44 @@ TEST_F(CardsTest, AWriteReachesTheCardsInChunksBeforeItsReply) {
   EXPECT_THAT(writes().back(), HasSubstr("card-write 1 1 2 0x07000200 88 "));
 }
 
-TEST_F(CardsTest, AWriteIsAcknowledgedEvenWhenNoCardTakesIt) {
-  fail("card-write", peer::kAlways);
+TEST_F(CardRoadTest, AWriteIsAcknowledgedEvenWhenNoCardTakesIt) {
+  daemon.board.failNext(Fault::CardWrite, TestBoard::kEveryCall);
   for (const Type type : {kReceiving, kMulti, kDistribution, kLauncher})
     EXPECT_THAT(ask(writeOf(type, 0x01000000, {1})), CarriesNothing());
   EXPECT_EQ(writes().size(), 4U);
 }
 
-TEST_F(CardsTest, LsdLearnsWhatOthersWriteToTheRegistersItMirrors) {
-  peer::Peer lsd = daemon.connect(peer::kLsd);
+TEST_F(CardRoadTest, LsdLearnsWhatOthersWriteToTheRegistersItMirrors) {
+  daemon.connect();
   const std::vector<uint32_t> mirrored{0x02000001, 0x01000088};
-  lsd.exchange(writeOf(kReceiving, 0x02000001, {0x11}));
-  EXPECT_EQ(daemon.board().flash(0xD15000, 1), Bytes{0x11});
-  lsd.exchange(writeOf(kReceiving, 0x01000088, {0x12}));
+  askAsLsd(writeOf(kReceiving, 0x02000001, {0x11}));
+  EXPECT_EQ(flash(0xD15000, 1), Bytes{0x11});
+  askAsLsd(writeOf(kReceiving, 0x01000088, {0x12}));
   ask(writeOf(kReceiving, 0x01000088, {0x13, 0x14}));
+  EXPECT_THAT(pushesOf(daemon, mirrored), testing::IsEmpty());
   ask(writeOf(kReceiving, 0x02000001 - 512, Bytes(514, 0x15)));
-  auto push = pushOf(lsd, mirrored);
-  ASSERT_TRUE(push);
-  EXPECT_EQ(push->address, 0x02000001U);
-  EXPECT_EQ(push->data, Bytes{0x15});
-  EXPECT_EQ(daemon.board().flash(0xD15000, 1), Bytes{0x11}) << "only a write of that one byte is stored";
+  EXPECT_EQ(flash(0xD15000, 1), Bytes{0x11}) << "only a write of that one byte is stored";
   ask(writeOf(kReceiving, 0x01000088, {0x16}));
-  push = pushOf(lsd, mirrored);
-  ASSERT_TRUE(push);
-  EXPECT_EQ(push->address, 0x01000088U);
-  EXPECT_EQ(push->data, Bytes{0x16});
+  const auto pushes = pushesOf(daemon, mirrored);
+  ASSERT_EQ(pushes.size(), 2U);
+  EXPECT_EQ(pushes[0].address, 0x02000001U);
+  EXPECT_EQ(pushes[0].data, Bytes{0x15});
+  EXPECT_EQ(pushes[1].address, 0x01000088U);
+  EXPECT_EQ(pushes[1].data, Bytes{0x16});
 }
 
-TEST_F(CardsTest, A3DLauncherIsToldAndItsParametersGoToLsdAndTwiceIntoTheFlash) {
-  peer::Peer lsd = daemon.connect(peer::kLsd);
-  lsd.exchange(writeOf(kLauncher, 0x02000001, {0x21}));
-  EXPECT_EQ(daemon.board().flash(0x2407, 1), Bytes{0x21});
-  EXPECT_EQ(daemon.board().flash(0xF557, 1), Bytes{0x21});
+TEST_F(CardRoadTest, A3DLauncherIsToldAndItsParametersGoToLsdAndTwiceIntoTheFlash) {
+  daemon.connect();
+  askAsLsd(writeOf(kLauncher, 0x02000001, {0x21}));
+  EXPECT_EQ(flash(0x2407, 1), Bytes{0x21});
+  EXPECT_EQ(flash(0xF557, 1), Bytes{0x21});
   ask(writeOf(kLauncher, 0x02000002, {1, 2, 3}));
-  EXPECT_EQ(daemon.board().flash(0x2408, 3), (Bytes{1, 2, 3}));
-  EXPECT_EQ(daemon.board().flash(0xF558, 3), (Bytes{1, 2, 3}));
-  const auto push = pushOf(lsd, {0x02002001, 0x02002002});
-  ASSERT_TRUE(push);
-  EXPECT_EQ(push->address, 0x02002002U) << "what LSD wrote itself is not sent back";
-  EXPECT_EQ(push->data, (Bytes{1, 2, 3}));
+  EXPECT_EQ(flash(0x2408, 3), (Bytes{1, 2, 3}));
+  EXPECT_EQ(flash(0xF558, 3), (Bytes{1, 2, 3}));
+  const auto pushes = pushesOf(daemon, {0x02002001, 0x02002002});
+  ASSERT_EQ(pushes.size(), 1U) << "what LSD wrote itself is not sent back";
+  EXPECT_EQ(pushes[0].address, 0x02002002U);
+  EXPECT_EQ(pushes[0].data, (Bytes{1, 2, 3}));
   EXPECT_THAT(writes(),
               ElementsAre("card-write 4 1 2 0x02000001 1 21", "card-write 4 1 2 0x02000002 3 010203"));
 }
@@ -125,10 +123,11 @@ TEST_F(CardReadsTest, APortWithoutALinkIsRefusedAndAllCardsAtOnceReadAsZeros) {
   }
   EXPECT_THAT(ask(readOf(kDistribution, 0x02000017, 4, 5)), IsRefused())
       << "over fiber, which does not count";
-  EXPECT_THAT(daemon.trace(), HasSubstr("((PortAddr>=4)&&(PortAddr<=7)) no linked , return 0"));
+  EXPECT_THAT(daemon.trace(),
+              testing::Contains(HasSubstr("((PortAddr>=4)&&(PortAddr<=7)) no linked , return 0")));
 }
 
-TEST_F(CardsTest, OtherCodesAreAnsweredAndDoNothing) {
+TEST_F(CardRoadTest, OtherCodesAreAnsweredAndDoNothing) {
   for (const Type type : {kReceiving, kMulti, kDistribution, kLauncher}) {
     Frame frame = readOf(type, 0x02000001, 4);
     frame.code = 2;
@@ -136,7 +135,8 @@ TEST_F(CardsTest, OtherCodesAreAnsweredAndDoNothing) {
   }
   EXPECT_THAT(writes(), testing::IsEmpty());
   EXPECT_THAT(daemon.trace(),
-              HasSubstr("=============================Do nothing !!! =============================="));
+              testing::Contains(
+                  HasSubstr("=============================Do nothing !!! ==============================")));
 }
 
 TEST_F(CardReadsTest, ReadsShowWhatTheCardsHoldOverCopperAndFiber) {
@@ -147,7 +147,7 @@ TEST_F(CardReadsTest, ReadsShowWhatTheCardsHoldOverCopperAndFiber) {
     ask(writeOf(type, 0x03000000, data, 0xFF, 0xFFFF));
     EXPECT_THAT(ask(readOf(type, 0x03000000, 1200, 2, 7)), Carries(data));
   }
-  daemon.board().setFpga(0x1D7, {0});
+  daemon.board.setFpga(0x1D7, {0});
   EXPECT_THAT(ask(readOf(kDistribution, 0x03000000, 1200, 5, 0)), Carries(data));
 }
 
@@ -162,7 +162,7 @@ TEST_F(CardReadsTest, ACardThatDoesNotAnswerIsACodeAndNeverData) {
     EXPECT_EQ(reply.ack, ack);
     EXPECT_EQ(reply.data, Bytes{});
   }
-  fail("card-read", 1);
+  daemon.board.failNext(Fault::CardRead, 1);
   EXPECT_EQ(ask(readOf(kReceiving, 0x02000017, 600)).ack, 1);
   EXPECT_EQ(ask(readOf(kReceiving, 0x02000017, 600)).data.size(), 600U);
 }

@@ -3,11 +3,10 @@
 
 #include "calc/advmapping.h"
 #include "calc/mapping.h"
-#include "system_test.h"
+#include "daemontest.h"
 
 using namespace ORVE_MCUC;
-using peer::Bytes;
-
+using Bytes = peer::Bytes;
 namespace {
 
 constexpr uint32_t kConfig = 0x02810000;
@@ -78,15 +77,11 @@ struct ExpectedWall {
   }
 };
 
-class ScreenTest : public SystemTest {
+class WallRoadTest : public DaemonTest {
  protected:
   static constexpr CardSize kCard{96, 80};
 
-  void SetUp() override {
-    daemon.prepare("board.conf", "card_width = 96\ncard_height = 80\ncopper_ports = 0-3\n");
-    start();
-    ASSERT_TRUE(eventually([&] { return journaled("fpga-write 0x000001de") == 1; })) << "not restored";
-  }
+  WallRoadTest() : DaemonTest("card_width = 96\ncard_height = 80\ncopper_ports = 0-3\n") { daemon.tick(); }
   peer::Frame submit(const SmartScreen& wall) {
     Bytes fields(9);
     fields[0] = wall.mode;
@@ -106,38 +101,37 @@ class ScreenTest : public SystemTest {
   }
   // The last thing that a mapping does is to bring everything to the flash and to note how it came about.
   testing::AssertionResult mapped(std::size_t times, uint8_t status) {
-    const auto synced = [&] { return journaled("shell sync") >= times; };
-    const auto noted = [&] { return read(kConfig, 1).data == Bytes{status}; };
-    if (eventually(synced) && eventually(noted)) return testing::AssertionSuccess();
+    daemon.settle();
+    if (journaled("shell sync") == times && read(kConfig, 1).data == Bytes{status})
+      return testing::AssertionSuccess();
     return testing::AssertionFailure() << "no mapping: " << journaled("shell sync") << " saves";
   }
   void expectBoard(const ExpectedWall& wall) {
-    const peer::Board& board = daemon.board();
     for (unsigned port = 0; port < kMappedPorts; ++port) {
       SCOPED_TRACE(testing::Message() << "port " << port);
       const uint32_t at = 0x1000 * port;
-      ASSERT_EQ(board.fpga(0x600000 + at, kPortTableSize), wall.tables[port]);
-      ASSERT_EQ(board.flash(0xA3C000 + at, kPortTableSize), wall.tables[port]);
+      ASSERT_EQ(fpga(0x600000 + at, kPortTableSize), wall.tables[port]);
+      ASSERT_EQ(flash(0xA3C000 + at, kPortTableSize), wall.tables[port]);
       Bytes count(2);
       put16(count, 0, wall.counts[port]);
-      EXPECT_EQ(board.fpga(countAt(port), 2), count);
-      EXPECT_EQ(board.flash(0xA5C000 + (port < 8 ? 0x80 * (port / 4) : 0x200) + 0x20 * (port % 4), 2), count);
+      EXPECT_EQ(fpga(countAt(port), 2), count);
+      EXPECT_EQ(flash(0xA5C000 + (port < 8 ? 0x80 * (port / 4) : 0x200) + 0x20 * (port % 4), 2), count);
       const std::size_t record = portRecord(port);
       const Bytes window(wall.feature.begin() + static_cast<int>(record),
                          wall.feature.begin() + static_cast<int>(record + 8));
-      EXPECT_EQ(board.fpga(static_cast<uint32_t>(record), 8), window);
-      EXPECT_EQ(board.flash(kFlashFeature + static_cast<uint32_t>(record), 8), window);
+      EXPECT_EQ(fpga(static_cast<uint32_t>(record), 8), window);
+      EXPECT_EQ(flash(kFlashFeature + static_cast<uint32_t>(record), 8), window);
     }
     for (const auto& [at, length] :
          {std::pair{0x18U, 4U}, {0x24U, 4U}, {0x2CU, 2U}, {0x98U, 4U}, {0x100U, 8U}}) {
       const Bytes part(wall.feature.begin() + at, wall.feature.begin() + at + length);
-      EXPECT_EQ(board.fpga(at, length), part) << at;
-      EXPECT_EQ(board.flash(kFlashFeature + at, length), part) << at;
+      EXPECT_EQ(fpga(at, length), part) << at;
+      EXPECT_EQ(flash(kFlashFeature + at, length), part) << at;
     }
   }
 };
 
-TEST_F(ScreenTest, RandomWallsReachFpgaAndFlash) {
+TEST_F(WallRoadTest, RandomWallsReachFpgaAndFlash) {
   std::mt19937 random(20261124);
   const auto upTo = [&](uint32_t most) { return static_cast<uint16_t>(1 + random() % most); };
   ExpectedWall expected;
@@ -153,7 +147,7 @@ TEST_F(ScreenTest, RandomWallsReachFpgaAndFlash) {
     ASSERT_THAT(submit(wall), CarriesNothing());
     ASSERT_TRUE(mapped(saves += 2, 0xA8));
     expectBoard(expected);
-    const Bytes stored = daemon.board().flash(0xC20040, 15);
+    const Bytes stored = flash(0xC20040, 15);
     EXPECT_EQ(stored,
               (Bytes{1, 0x55, 0, 0, 0, 0, 96, 0, 80, 0, static_cast<uint8_t>(wall.rows),
                      static_cast<uint8_t>(wall.columns), wall.mode, static_cast<uint8_t>(wall.cardsPerPort),
@@ -162,12 +156,12 @@ TEST_F(ScreenTest, RandomWallsReachFpgaAndFlash) {
     Bytes output(4);
     put16(output, 0, wall.columns * 96U);
     put16(output, 2, wall.rows * 80U);
-    EXPECT_EQ(daemon.board().fpga(0x1EC, 4), output);
+    EXPECT_EQ(fpga(0x1EC, 4), output);
   }
-  EXPECT_EQ(daemon.board().flash(0xD17000, 1), Bytes{10}) << "one change of the output size each";
+  EXPECT_EQ(flash(0xD17000, 1), Bytes{10}) << "one change of the output size each";
 }
 
-TEST_F(ScreenTest, ABurstIsCalculatedOnceWithItsLastRecordAndSurvivesAPowerCut) {
+TEST_F(WallRoadTest, ABurstIsCalculatedOnceWithItsLastRecordAndSurvivesAPowerCut) {
   for (const uint16_t rows : {uint16_t{2}, uint16_t{3}, uint16_t{4}})
     EXPECT_THAT(submit({rows, 6, 6, 4, kCard}), CarriesNothing());
   ASSERT_TRUE(mapped(4, 0xA8));
@@ -176,19 +170,18 @@ TEST_F(ScreenTest, ABurstIsCalculatedOnceWithItsLastRecordAndSurvivesAPowerCut) 
   expectBoard(expected);
   EXPECT_EQ(journaled("fpga-write 0x00600000 1024"), 2U) << "the restore's and one calculation's";
 
-  daemon.kill();
+  // The FPGA loses the wall, but not its power.
   for (const uint32_t page : {0x600000U, 0x603000U, 0x500000U, 0x501000U, 0x502000U})
-    daemon.board().setFpga(page, zeros(0x1000));
-  daemon.board().setFpga(0x20, zeros(0x60));
-  start();
-  ASSERT_TRUE(eventually([&] { return journaled("fpga-write 0x000001de") == 1; }));
+    daemon.board.setFpga(page, zeros(0x1000));
+  daemon.board.setFpga(0x20, zeros(0x60));
+  daemon.restart();
   expectBoard(expected);
-  EXPECT_EQ(daemon.board().fpga(0x23, 1), Bytes{0x20});
-  EXPECT_EQ(daemon.board().flash(0xD17000, 1), Bytes{0});
+  EXPECT_EQ(fpga(0x23, 1), Bytes{0x20});
+  EXPECT_EQ(flash(0xD17000, 1), Bytes{0});
   EXPECT_EQ(read(kConfig, 1).data, Bytes{0xA8});
 }
 
-TEST_F(ScreenTest, AdvancedPortsAreMappedWhenSubmitted) {
+TEST_F(WallRoadTest, AdvancedPortsAreMappedWhenSubmitted) {
   std::mt19937 random(7);
   const auto upTo = [&](uint32_t most) { return static_cast<uint16_t>(1 + random() % most); };
   ExpectedWall expected;
@@ -207,11 +200,11 @@ TEST_F(ScreenTest, AdvancedPortsAreMappedWhenSubmitted) {
     Bytes output(4);
     put16(output, 0, extent.width);
     put16(output, 2, extent.height);
-    EXPECT_EQ(daemon.board().flash(kFlashFeature + 0x1EC, 4), output);
+    EXPECT_EQ(flash(kFlashFeature + 0x1EC, 4), output);
   }
 }
 
-TEST_F(ScreenTest, RefusedConfigurationsChangeNoTable) {
+TEST_F(WallRoadTest, RefusedConfigurationsChangeNoTable) {
   ExpectedWall expected;
   expected.smart({2, 2, 2, 0, kCard});
   ASSERT_THAT(submit({2, 2, 2, 0, kCard}), CarriesNothing());
@@ -224,43 +217,44 @@ TEST_F(ScreenTest, RefusedConfigurationsChangeNoTable) {
     const std::size_t saves = journaled("shell sync");
     EXPECT_THAT(submit(wall), CarriesNothing());
     ASSERT_TRUE(mapped(saves + 2, 0xA8));
-    EXPECT_EQ(daemon.board().fpga(0x600000, kPortTableSize), expected.tables[0]);
+    EXPECT_EQ(fpga(0x600000, kPortTableSize), expected.tables[0]);
   }
   submitPort(4, {0, 23, 23, 0, 0});
   EXPECT_THAT(write(kConfig + 0x100, {0xB9}), CarriesNothing());
-  ASSERT_TRUE(eventually([&] { return read(kConfig, 1).data == Bytes{0xB8}; }));
-  EXPECT_EQ(daemon.board().fpga(0x604000, kPortTableSize), expected.tables[0]);
-  EXPECT_EQ(daemon.board().flash(kFlashRecord + 0x100, 1), Bytes{0}) << "the command is stored nowhere";
+  daemon.settle();
+  EXPECT_EQ(read(kConfig, 1).data, Bytes{0xB8});
+  EXPECT_EQ(fpga(0x604000, kPortTableSize), expected.tables[0]);
+  EXPECT_EQ(flash(kFlashRecord + 0x100, 1), Bytes{0}) << "the command is stored nowhere";
 }
 
-TEST_F(ScreenTest, MoreThanTenPortsStopBehindTheCardCounts) {
+TEST_F(WallRoadTest, MoreThanTenPortsStopBehindTheCardCounts) {
   ASSERT_THAT(submit({16, 1, 1, 0, kCard}), CarriesNothing());
-  ASSERT_TRUE(eventually([&] { return daemon.board().fpga(countAt(9), 1) == Bytes{1}; }));
-  ASSERT_TRUE(eventually([&] { return journaled("flash-write 0x00b99000 1 a8") == 2; })) << "not over";
-  EXPECT_EQ(daemon.board().fpga(0x600000, kPortTableSize), zeros(kPortTableSize));
-  EXPECT_EQ(daemon.board().flash(0xA3C000, kPortTableSize), zeros(kPortTableSize));
+  daemon.settle();
+  EXPECT_EQ(fpga(countAt(9), 1), Bytes{1});
+  EXPECT_EQ(journaled("flash-write 0x00b99000 1 a8"), 2U) << "not over";
+  EXPECT_EQ(fpga(0x600000, kPortTableSize), zeros(kPortTableSize));
+  EXPECT_EQ(flash(0xA3C000, kPortTableSize), zeros(kPortTableSize));
   EXPECT_EQ(read(kConfig, 1).data, Bytes{0xA8});
 }
 
-TEST_F(ScreenTest, BytesThatStartNothingAreOnlyStored) {
+TEST_F(WallRoadTest, BytesThatStartNothingAreOnlyStored) {
   const Bytes record = counting(0x30);
   ASSERT_THAT(write(kConfig + 0x20, record), CarriesNothing());
   EXPECT_THAT(read(kConfig + 0x20, 0x30), Carries(record));
   // Ports beyond the tenth.
   ASSERT_THAT(write(kConfig + 0x50 + 0x40 * 15 + 6, {200}), CarriesNothing());
-  EXPECT_EQ(daemon.board().flash(kFlashRecord + 0x416, 1), Bytes{200});
-  fail("flash-write", 3);
+  EXPECT_EQ(flash(kFlashRecord + 0x416, 1), Bytes{200});
+  daemon.board.failNext(Fault::FlashWrite, 3);
   EXPECT_THAT(write(kConfig + 0x30, {1, 2}), IsRefused());
   EXPECT_THAT(read(kConfig + 0x30, 2), Carries(Bytes(record.begin() + 0x10, record.begin() + 0x12)));
-  fail("flash-read", peer::kAlways);
+  daemon.board.failNext(Fault::FlashRead, TestBoard::kEveryCall);
   EXPECT_THAT(read(kConfig + 0x30, 2), CarriesNothing());
 }
 
-TEST_F(ScreenTest, ARecordIsReadBackAsItWasWrittenAndByVspAsItWasSetForIt) {
+TEST_F(WallRoadTest, ARecordIsReadBackAsItWasWrittenAndByVspAsItWasSetForIt) {
   ASSERT_THAT(write(kConfig + 0x16, {4, 6, 12, 0}), CarriesNothing());
-  EXPECT_EQ(daemon.board().flash(kFlashRecord + 0x10, 16),
-            (Bytes{0, 0, 0, 0, 0, 0, 4, 6, 12, 0, 0, 0, 0, 0, 0, 0}));
-  daemon.board().setFlash(0xC20030, {3, 7, 8, 9});
+  EXPECT_EQ(flash(kFlashRecord + 0x10, 16), (Bytes{0, 0, 0, 0, 0, 0, 4, 6, 12, 0, 0, 0, 0, 0, 0, 0}));
+  daemon.board.setFlash(0xC20030, {3, 7, 8, 9});
   const Bytes forVsp = read(kConfig, 38).data;
   ASSERT_EQ(forVsp.size(), 38U);
   EXPECT_EQ(forVsp[0x11], 3);

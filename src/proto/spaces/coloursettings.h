@@ -1,0 +1,22 @@
+// What a person has set on the controller, with what it is until then. Written by the receive thread only;
+// any thread reads. The values that the colours are calculated from are those of the parameter table, where
+// the handlers put them.
+#pragma once
+
+#include "mcucdatablock.h"
+
+namespace ORVE_MCUC {
+
+inline constinit RelaxedByte HDRType{0};                         // kHdr10, or anything else for HLG
+inline constinit RelaxedValue<uint16_t> fScreenPeakLight{1000};  // cd/m2
+inline constinit RelaxedValue<uint16_t> fambientLight{30};       // cd/m2
+inline constinit RelaxedByte pMinLum{15};
+inline constinit RelaxedByte pdelta{140};
+inline constinit RelaxedByte HLGCalss{4};
+inline constinit RelaxedValue<uint16_t> Saturation{50};
+inline constinit RelaxedValue<uint16_t> Contrast{50};
+inline constinit RelaxedValue<uint16_t> Hue{0};  // degrees
+
+inline constexpr uint8_t kHdr10 = 0x58;
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,135 @@
+// The report thread: its registers at start, and the table test while it is asked for.
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <thread>
+
+#include "mcuctrace.h"
+#include "proto/store/data_common.h"
+#include "stub/fpgareportthread.h"
+#include "testdaemon.h"
+
+namespace {
+
+using namespace ORVE_MCUC;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::SizeIs;
+using Bytes = peer::Bytes;
+
+class ReportThreadTest : public testing::Test {
+ protected:
+  ReportThreadTest() { daemon.board.clearFaults(); }
+  // Journal lines of writes to an address that begins so, from a line on.
+  std::vector<std::string> writesTo(const std::string& address, std::size_t from = 0) const {
+    std::vector<std::string> found;
+    const auto lines = daemon.board.journal();
+    for (std::size_t i = from; i < lines.size(); ++i)
+      if (lines[i].starts_with("fpga-write " + address)) found.push_back(lines[i]);
+    return found;
+  }
+  template <class Condition>
+  static bool becomes(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + 10s;
+    while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
+    return condition();
+  }
+
+  TestDaemon daemon;
+  FpgaReportThread report;
+};
+
+TEST_F(ReportThreadTest, TheParameterBytesThenTheEnableByteWhateverFails) {
+  const std::size_t before = daemon.board.journal().size();
+  report.FPGAReport_init();
+  EXPECT_THAT(writesTo("0x0010007", before),
+              ElementsAre("fpga-write 0x00100071 4 04009001", "fpga-write 0x00100070 1 00"));
+  setTraceLevel(0);
+  daemon.board.failNext(TestBoard::Fault::FpgaWrite, 3);
+  daemon.board.setFpga(0x100070, {9});
+  report.FPGAReport_init();
+  EXPECT_EQ(daemon.board.fpga(0x100070, 1), Bytes{0});
+  EXPECT_THAT(daemon.trace("reprot"), ElementsAre("Error === Write reprot para Reg failed! ret = -1"));
+}
+
+TEST_F(ReportThreadTest, ATestWritesEachBlockWithBothPatternsAndReadsItBack) {
+  const std::size_t before = daemon.board.journal().size();
+  setTraceLevel(3);
+  testfpgareadwrite();
+  std::vector<std::string> expected;
+  for (const auto& [address, largest] : {std::pair{"0x00600000", 1024}, {"0x00500000", 256}}) {
+    for (int size = 16; size <= largest; size *= 2) {
+      for (const char* pattern : {"aa", "55"}) {
+        std::string line = "fpga-write " + std::string(address) + " " + std::to_string(size) + " ";
+        for (int i = 0; i < std::min(size, 64); ++i) line += pattern;
+        expected.push_back(line + (size > 64 ? "+" + std::to_string(size - 64) : ""));
+      }
+    }
+  }
+  auto written = writesTo("0x00600000", before);
+  const auto numbers = writesTo("0x00500000", before);
+  written.insert(written.end(), numbers.begin(), numbers.end());
+  EXPECT_THAT(written, ElementsAreArray(expected));
+  EXPECT_THAT(daemon.trace("Data error"), IsEmpty());
+}
+
+TEST_F(ReportThreadTest, WhatFailsOrDiffersIsLogged) {
+  setTraceLevel(3);
+  daemon.board.failNext(TestBoard::Fault::FpgaWrite, 3);
+  testfpgareadwrite();
+  EXPECT_THAT(
+      daemon.trace("WriteToPosNetPort"),
+      ElementsAre("Error === WriteToPosNetPort ===Write FPGA Position 16 Word Info failed! ret = -1"));
+  daemon.board.fault(TestBoard::Fault::FpgaRead, {.calls = 3, .first = 0x500000, .last = 0x5FFFFF});
+  testfpgareadwrite();
+  EXPECT_THAT(daemon.trace("=== ReadFrom"),
+              ElementsAre("Error === ReadFromNumberFunCardPort ===Read FPGA NumberFunCardPort 16Word Info "
+                          "failed! ret = -1"));
+  // Between writing a block and reading it back, somebody else changes a byte of it.
+  daemon.board.takeTime(100us);
+  std::thread test(&testfpgareadwrite);
+  for (int block = 0; block < 24; ++block) {
+    ASSERT_TRUE(daemon.board.awaitHeld(1));
+    if (block == 0) daemon.board.setFpga(0x600005, {0x42});
+    daemon.board.advance(100us);
+  }
+  test.join();
+  EXPECT_THAT(
+      daemon.trace("Data error"),
+      ElementsAre("Info Read_Write FPGA 0x03000000 16 Word , Data error  reg = 5 sendData 170 recvData 66"));
+}
+
+TEST_F(ReportThreadTest, TheThreadTestsWhileItIsAskedToAndSleepsOtherwise) {
+  setTraceLevel(3);
+  auto& flag = Data_Global::getInstance()->RWFPGATestflag;
+  std::thread body([this] { report.ActiveReport(); });
+  const auto tests = [this] { return writesTo("0x00500000 256 5555").size(); };
+  for (const uint8_t other : {uint8_t{2}, uint8_t{0}}) {
+    flag = other;
+    EXPECT_EQ(tests(), 0U);
+  }
+  flag = 1;
+  EXPECT_TRUE(becomes([&] { return tests() >= 100; }));
+  flag = 0;
+  EXPECT_TRUE(becomes([&] {
+    const auto now = tests();
+    std::this_thread::sleep_for(5ms);
+    return tests() == now;
+  }));
+  EXPECT_THAT(daemon.trace("Read_Write FPGA test : 100"), SizeIs(1));
+  report.Release();
+  body.join();
+  EXPECT_THAT(daemon.trace("exit."), ElementsAre("Info FpgaThread  exit.", "Info ActiveReport thread exit."));
+}
+
+TEST_F(ReportThreadTest, ReleasedBeforeItBeginsItOnlyProgramsTheRegisters) {
+  const std::size_t before = daemon.board.journal().size();
+  Data_Global::getInstance()->RWFPGATestflag = 1;
+  report.Release();
+  report.ActiveReport();
+  EXPECT_THAT(writesTo("0x", before), SizeIs(2));
+}
+
+}  // namespace

@@ -1,0 +1,103 @@
+// parlctl input and parlctl cabfile against a running daemon.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "daemon_process.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+class ParlctlInputsTest : public testing::Test {
+ protected:
+  Outcome run(const std::string& arguments) const {
+    const std::string line =
+        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
+    FILE* pipe = popen(line.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> piece{};
+    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
+      output.append(piece.data(), got);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+  }
+  std::string file(const std::string& name, const std::string& content) const {
+    const auto path = daemon.board().directory() / name;
+    std::ofstream(path, std::ios::binary) << content;
+    return path.string();
+  }
+  std::string stored(int number) const {
+    return contents(daemon.board().directory() /
+                    ("usr/orve/etc/lsd/cabCfg/RvCfgFile_" + std::to_string(number) + ".rcfgx"));
+  }
+  DaemonProcess daemon;
+};
+
+TEST_F(ParlctlInputsTest, FilesAreCompiledStoredListedFetchedAndPlayed) {
+  daemon.start();
+  const std::string text = file("a.txt", "0x02000001 = 55\npause 5\n0x03000000 = 01 02 03\n");
+  const std::string compiled = daemon.board().directory() / "a.rcfgx";
+  EXPECT_EQ(run("cabfile compile " + text + " --output " + compiled).status, 0);
+  const std::string large = file("b.rcfgx", std::string(32, '\0') + std::string(5000, 'x'));
+
+  const Outcome put = run("cabfile put " + compiled + " " + large);
+  EXPECT_EQ(put.status, 0) << put.output;
+  EXPECT_THAT(put.output, HasSubstr("verified: the copy in flash of 2 files"));
+  EXPECT_TRUE(eventually([&] { return stored(1).size() == 5032; }));
+  EXPECT_EQ(stored(0), contents(compiled));
+
+  const json listed = json::parse(run("--json cabfile list").output);
+  EXPECT_EQ(listed["files"][0]["name"], "a.rcfgx");
+  EXPECT_EQ(listed["files"][0]["items"], 2);
+  EXPECT_EQ(listed["files"][0]["milliseconds"], 35);
+  EXPECT_EQ(run("cabfile get 0 --text").output, contents(text));
+
+  const Outcome played = run("cabfile play 0");
+  EXPECT_EQ(played.status, 0) << played.output;
+  EXPECT_EQ(run("card read 0x02000001 --port 1 --card 3 --json").status, 0);
+  EXPECT_THAT(run("card read 0x03000000:3 --port 1 --card 3").output, HasSubstr("010203"));
+}
+
+TEST_F(ParlctlInputsTest, FilesThatMakeNoSenseAreNotSent) {
+  daemon.start();
+  const std::string cut = file("cut", std::string("\1\0", 2) + std::string(30, '\0'));
+  EXPECT_EQ(run("cabfile put " + cut).status, 2);
+  EXPECT_EQ(stored(0), "");
+  EXPECT_EQ(run("cabfile put --force " + cut).status, 0);
+  EXPECT_EQ(run("cabfile get 0").status, 5);
+  EXPECT_EQ(run("cabfile get 1").status, 2);
+  EXPECT_EQ(run("cabfile play 32").status, 2);
+  EXPECT_EQ(run("cabfile put /nowhere").status, 2);
+  EXPECT_EQ(run("cabfile compile " + file("bad", "pause 1")).status, 2);
+  EXPECT_EQ(run("cabfile decompile " + cut).status, 2);
+  daemon.kill();
+  EXPECT_EQ(run("cabfile list").status, 3);
+}
+
+TEST_F(ParlctlInputsTest, AnInputIsDecoded) {
+  daemon.start();
+  const std::string raw = daemon.board().directory() / "raw";
+  const Outcome shown = run("input edid show --raw " + raw);
+  EXPECT_EQ(shown.status, 0) << shown.output;
+  EXPECT_THAT(shown.output, HasSubstr("1920 x 1080 at 60.00 Hz, clock 148.50 MHz"));
+  EXPECT_EQ(contents(raw).size(), 256U);
+  const json listed = json::parse(run("--json input list").output);
+  EXPECT_EQ(listed["inputs"][0]["edid"]["height"], 1080);
+  EXPECT_EQ(run("input edid show D").status, 2);
+  EXPECT_EQ(run("input edid set A").status, 2);
+  EXPECT_EQ(run("input edid set A 4095x4095@60").status, 2);
+  EXPECT_EQ(run("input edid set A --file " + file("short", "x")).status, 2);
+}
+
+}  // namespace

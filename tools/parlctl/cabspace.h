@@ -1,0 +1,25 @@
+// The daemon's space of configuration files, as a peer reaches it: chunks of at most 2048 bytes, and what was
+// written is read back from its copy in flash. All of it throws peer::Error as the peer does.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cabfileset.h"
+#include "peer/peer.h"
+
+namespace parlctl {
+
+using Tell = std::function<void(std::size_t)>;  // bytes done so far
+
+std::vector<CabPlace> readCabHeader(peer::Peer& daemon);
+std::string readCabIndex(peer::Peer& daemon);
+void writeCabBytes(peer::Peer& daemon, uint32_t start, std::span<const uint8_t> bytes, const Tell& tell);
+peer::Bytes readCabBytes(peer::Peer& daemon, uint32_t start, std::size_t size, const Tell& tell);
+// The file of a place up to its last item: as much as its items need, at most the place. Nothing where no
+// whole file lies.
+std::optional<peer::Bytes> readCabFile(peer::Peer& daemon, const CabPlace& place);
+
+}  // namespace parlctl

@@ -18,8 +18,8 @@ constexpr std::array kMeasures{
     Measure{"trace-line", &bench::measureTraceLine}, Measure{"work-queue", &bench::measureWorkQueue},
     Measure{"spawn", &bench::measureSpawn},          Measure{"footprint", &bench::measureFootprint},
     Measure{"mapping", &bench::measureMapping},      Measure{"checksum", &bench::measureChecksum},
-    Measure{"flood", &bench::measureFlood},
-    Measure{"inputs", &bench::measureInputs}};
+    Measure{"flood", &bench::measureFlood},          Measure{"inputs", &bench::measureInputs},
+    Measure{"brightness", &bench::measureBrightness}};
 
 struct Options {
   bool json = false;

@@ -21,7 +21,7 @@ constexpr uint8_t kMostTimeout = 0x77;
 bool BrightnessControl::readMirror(std::size_t offset, std::span<uint8_t> bytes) const {
   const std::lock_guard guard(lock_);
   const auto& mirror = schedule_.ProgrammableTimeTableArray;
-  if (!fits(mirror.size(), offset, bytes.size())) return false;
+  if (!loaded_ || !fits(mirror.size(), offset, bytes.size())) return false;
   std::copy_n(mirror.begin() + static_cast<std::ptrdiff_t>(offset), bytes.size(), bytes.begin());
   return true;
 }

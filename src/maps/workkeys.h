@@ -105,7 +105,7 @@ constexpr bool workKeysAreComplete() {
   }
   return allDiffer(kWorkKeys, &WorkKey::key) && allDiffer(kWorkKeys, &WorkKey::handler);
 }
-static_assert(workKeysAreComplete() && kWorkKeys.size() == 28);
+static_assert(workKeysAreComplete());
 
 // PenetrateInfo as it lies in a work item: register address u32, length u16, then the written bytes.
 inline constexpr int kPenetrateHeadLength = 6;

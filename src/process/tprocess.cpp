@@ -8,6 +8,7 @@
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {
@@ -78,11 +79,12 @@ void logKeyLine(const WorkKey& key, const PenetrateInfo& info) {
 
 int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
   return handlePenetrate<DoScreenInfoEchoKey>(lenth, data, [](const PenetrateInfo& info) {
-    auto& image = Data_Global::getInstance()->ScreenParaReg;
+    Data_Global& store = *Data_Global::getInstance();
+    CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+    loadWhatIsMissing(store);
     const std::size_t at = info.Register & 0xFF;
-    for (std::size_t i = 0; i < info.data.size() && at + i < kWritableScreenPara; ++i) {
-      image[at + i] = info.data[i];
-    }
+    const std::size_t room = at < kWritableScreenPara ? kWritableScreenPara - at : 0;
+    putBytes(store, store.ScreenParaReg, at, info.data.first(std::min(room, info.data.size())));
     logScreenPara(0);
     logScreenPara(1);
   });

@@ -64,7 +64,7 @@ TEST_F(DriverUtilTest, AnFpgaThatSaysItIsDownIsLeftAloneAndAnUnreadableStatusIsN
   failNext(Fault::FpgaRead, 3);
   EXPECT_EQ(driver.ReadFPGABusOneWord(0x18, &byte), -1);
   EXPECT_EQ(driver.ReadFPGABusOneWord(0x18, &byte), 0);
-  std::ofstream(file("sys/class/fpga/fpga_conf")) << "0\n";
+  std::ofstream(file("sys/class/fpga/fpga_conf")) << " \t0\n";
   failNext(Fault::FpgaRead, 3);
   EXPECT_EQ(driver.ReadFPGABusOneWord(0x18, &byte), -1);
   const auto before = journal().size();

@@ -330,7 +330,7 @@ TEST_F(RunningParlctlTest, AWallIsPlannedReplacedAndTakenBack) {
   const std::string blocks = (daemon.board().directory() / "blocks").string();
   const Outcome set = run(patient + "wall set --wait --blocks " + blocks);
   EXPECT_EQ(set.status, 0) << set.output;
-  EXPECT_THAT(set.output, HasSubstr("saved    saved ("));
+  EXPECT_THAT(set.output, HasSubstr("saved    in the flash ("));
   EXPECT_THAT(run("wall show").output, HasSubstr("record   advanced configuration\nFPGA     in the FPGA ("));
   EXPECT_EQ(run("wall check --strict").status, 1) << "ports 2 and 3 have no block";
   const Outcome undone = run(patient + "wall undo --wait");
@@ -443,7 +443,7 @@ TEST_F(ParlctlTest, RequestsAreCapturedAndReplayed) {
   EXPECT_TRUE(eventually([&] {
     return run("capture -o " + file + " --since 1h").output.find("3 requests in") != std::string::npos;
   }));
-  EXPECT_THAT(run("log show --decode").output, HasSubstr("write 0x02300000:2  backup info  ok  0102"));
+  EXPECT_THAT(run("log show --decode").output, HasSubstr("write 0x02300000:2  ok  0102"));
   EXPECT_EQ(run("replay " + file + " --compare").status, 0);
   daemon.board().setFault(peer::faultIndex("flash-read").value(), peer::kAlways);
   const Outcome differing = run("replay " + file + " --compare");

@@ -117,11 +117,11 @@ TEST(TraceRequestTest, ARequestIsFoldedIntoOneLine) {
   ASSERT_TRUE(read);
   EXPECT_TRUE(read->whole());
   EXPECT_EQ(decoded(*read).text,
-            "00:00:00.000  lsd  read 0x02300010:5  backup info + 0x10  ok  5 bytes  3000 us");
+            "00:00:00.000  lsd  read 0x02300010:5  ok  5 bytes  3000 us  backup info + 0x10");
   const auto write = folded(traced("55 AA 00 01 00 00 00 00 00 00 01 00 00 00 30 02 12 00 01 02 03", 38));
   ASSERT_TRUE(write);
   EXPECT_FALSE(write->whole());
-  EXPECT_THAT(decoded(*write).text, HasSubstr("write 0x02300000:18  backup info  ok  010203 +15  3000 us"));
+  EXPECT_THAT(decoded(*write).text, HasSubstr("write 0x02300000:18  ok  010203 +15  3000 us  backup info"));
   auto silent = traced("55 AA", 2);
   silent.erase(silent.begin() + 3, silent.begin() + 5);
   silent.insert(silent.begin() + 3, {1, "===  f === wrong"});

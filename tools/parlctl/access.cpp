@@ -27,10 +27,9 @@ std::string heading(const Frame& frame, std::size_t count) {
 
 std::string dumpLine(uint32_t address, std::span<const uint8_t> bytes) {
   constexpr std::size_t kColumns = 16;
-  std::string line = "  " + hexAddress(address) + " ";
+  std::string line = "  " + hexAddress(address) + "  ";
   std::string text;
   for (std::size_t i = 0; i < kColumns; ++i) {
-    if (i % 8 == 0) line += ' ';
     line += i < bytes.size() ? peer::toHex(bytes.subspan(i, 1)) + ' ' : "   ";
     if (i < bytes.size()) text += std::isprint(bytes[i]) != 0 ? static_cast<char>(bytes[i]) : '.';
   }

@@ -7,6 +7,7 @@
 
 #include "board_conf.h"
 #include "commands.h"
+#include "helptext.h"
 
 namespace parlctl {
 
@@ -122,7 +123,7 @@ std::string boardText(const Json& shown) {
   std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
                      (shown["daemon"].get<bool>() ? "answers" : "does not answer");
   if (shown["powered"].get<bool>())
-    text += "\nlinks    " + words(shown["links"]) + "\nfaults   " +
+    text += "\n" + wrapped("links    " + words(shown["links"]), 9) + "\nfaults   " +
             (shown["fault_plans"].empty() ? "none" : words(shown["fault_plans"])) +
             "\npower    cut: " + shown["power_cut"].get<std::string>() + "\nclock    " +
             shown["clock_offset"].dump() + " s from this machine's";
@@ -160,7 +161,7 @@ void link(const Options& options, const BoardArguments& arguments) {
   const peer::Board board = poweredBoard(options);
   for (const unsigned port : ports) board.setLink(port, medium, arguments.state == "on");
   const Json links = hardware(board)["links"];
-  options.print({{{"links", links}}, "links    " + words(links)});
+  options.print({{{"links", links}}, wrapped("links    " + words(links), 9)});
 }
 
 void fault(const Options& options, const BoardArguments& arguments) {
@@ -175,7 +176,7 @@ void fault(const Options& options, const BoardArguments& arguments) {
   const peer::Board board = poweredBoard(options);
   board.setFaultPlan(*index, plan);
   options.print({{{"faults", faultsOf(board, false)}, {"fault_plans", faultsOf(board, true)}},
-                 "faults   " + faultWords(board)});
+                 wrapped("faults   " + faultWords(board), 9)});
 }
 
 void power(const Options& options, const BoardArguments& arguments) {

@@ -20,6 +20,9 @@ class Findings {
   void add(const char* rule, const std::string& where, const std::string& text) {
     list_.push_back({rule, where, text});
   }
+  void warnIf(bool found, const char* rule, const std::string& where, const std::string& text) {
+    if (found) list_.push_back({rule, where, text, true});
+  }
   void addIf(bool found, const char* rule, const std::string& where, const std::string& text) {
     if (found) add(rule, where, text);
   }
@@ -87,9 +90,9 @@ void checkSlots(const BrightnessPlan& plan, Findings& findings) {
         "enabled is " + std::to_string(slot.enabled) + ": it is found as a slot in force, but not applied");
     findings.addIf((slot.weekdays & kEveryDay) == 0, "weekdays", where, "is valid on no day");
     const uint8_t started = asAtTheStart(slot.weekdays & kEveryDay);
-    findings.addIf(started != (slot.weekdays & kEveryDay), "weekdays", where,
-                   "valid on " + weekdaysText(slot.weekdays) + " while the plan runs, but on " +
-                       weekdaysText(started) + " when it is started in the slot");
+    findings.warnIf(started != (slot.weekdays & kEveryDay), "weekdays", where,
+                    "valid on " + weekdaysText(slot.weekdays) + " while the plan runs, but on " +
+                        weekdaysText(started) + " when it is started in the slot");
   }
 }
 
@@ -110,9 +113,9 @@ void checkMap(const BrightnessPlan& plan, Findings& findings) {
 }
 
 void checkMixed(const BrightnessPlan& plan, Findings& findings) {
-  findings.addIf(!plan.global, "switch", "header", "automatic is off: the plan never runs");
-  findings.addIf(plan.global && !plan.control, "switch", "header",
-                 "on is off: the plan waits for the control switch");
+  findings.warnIf(!plan.global, "switch", "header", "automatic is off: the plan never runs");
+  findings.warnIf(plan.global && !plan.control, "switch", "header",
+                  "on is off: the plan waits for the control switch");
   checkSlots(plan, findings);
   checkMap(plan, findings);
   if (plan.fallback.enabled) checkPercent(plan.fallback.percent, "fallback", findings);
@@ -134,8 +137,8 @@ void checkAutomatic(const BrightnessPlan& plan, Findings& findings) {
   findings.addIf(table.steps < 1 || table.steps > record::kMostLuxPoints, "steps", "table",
                  std::to_string(table.steps) + " steps: a table has 1 to 32, otherwise nothing is sent");
   findings.addIf(table.maxLux <= table.minLux, "map", "table", "the highest lux is not above the lowest");
-  findings.addIf(table.maxBrightness < table.minBrightness, "map", "table",
-                 "the brightness falls with the light");
+  findings.warnIf(table.maxBrightness < table.minBrightness, "map", "table",
+                  "the brightness falls with the light");
   findings.addIf(table.steps > 0 && table.maxLux > table.minLux && table.gridLux() == 0, "map", "table",
                  "there are more steps than lux between the ends");
 }

@@ -14,6 +14,7 @@ struct PlanFinding {
   std::string rule;   // "order", "percent", "weekdays", ...: one word for programs
   std::string where;  // "slot 3", "lux map", "header"
   std::string text;
+  bool warning = false;  // the plan does what it says, but perhaps not what was meant
 };
 
 // Of a plan, and of the bytes of a file beyond what its plan says.

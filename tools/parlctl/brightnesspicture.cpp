@@ -206,7 +206,7 @@ std::string BrightnessPicture::hoursText(int day) const {
   constexpr int kBar = 50;
   std::string text;
   for (int hour = 0; hour < 24; ++hour) {
-    const int second = day * kDay + hour * kHour + kHour / 2;
+    const int second = day * kDay + hour * kHour + kHour / 2 + kMinute;
     const auto span =
         std::find_if(spans_.begin(), spans_.end(), [&](const SlotSpan& s) { return second < s.to; });
     const bool light = span != spans_.end() && span->kind == SlotKind::Ambient && !lit_;

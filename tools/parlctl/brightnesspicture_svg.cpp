@@ -33,7 +33,7 @@ double percent(unsigned brightness) {
 
 std::string hourText(double hours) {
   char text[16];
-  std::snprintf(text, sizeof text, "%02d:00", static_cast<int>(hours) % 24);
+  std::snprintf(text, sizeof text, "%02d:00", static_cast<int>(hours));
   return text;
 }
 

@@ -32,7 +32,7 @@ std::string captureHead() {
 }
 
 std::string captureLine(const TracedRequest& request) {
-  return Json{{"time", stampText(request.milliseconds)},
+  return Json{{"time", isoText(request.milliseconds)},
               {"task", request.task},
               {"frame", peer::toHex(request.frame)},
               {"frame_length", request.frameLength},

@@ -39,7 +39,7 @@ class Printer {
         if (const auto request = folder_.take(line); request && request->milliseconds >= since_)
           options_.print(decoded(*request));
       } else if (line.milliseconds >= since_ && line.level <= level_) {
-        options_.print({{{"time", stampText(line.milliseconds)},
+        options_.print({{{"time", isoText(line.milliseconds)},
                          {"level", kTraceLevels[static_cast<std::size_t>(line.level)]},
                          {"source", line.source},
                          {"message", line.message}},
@@ -57,7 +57,8 @@ class Printer {
 };
 
 TraceReader readerOf(const Options& options, const LogArguments& arguments) {
-  return TraceReader(arguments.directory.empty() ? options.board().directory() / "log" : arguments.directory);
+  if (!arguments.directory.empty()) return TraceReader(arguments.directory);
+  return TraceReader(options.board().directory() / "log");
 }
 
 void show(const Options& options, const LogArguments& arguments) {

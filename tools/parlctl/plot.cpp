@@ -119,7 +119,7 @@ void Plot::drawCurves(SvgSheet& sheet) const {
   sheet.beginHalo(4);
   for (const auto& [at, words] : marks_) {
     const bool left = xOf(at.x) > kRight - 90;
-    sheet.text({xOf(at.x) + (left ? -8 : 8), yOf(at.y) - 9}, words,
+    sheet.text({xOf(at.x) + (left ? -8 : 8), yOf(at.y) + 18}, words,
                {.size = 12.5, .anchor = left ? "end" : "start"});
   }
   sheet.endHalo();

@@ -24,11 +24,11 @@ std::string difference(const TracedRequest& before, const TracedRequest& now) {
   return {};
 }
 
-TracedRequest ask(peer::Peer& daemon, const TracedRequest& before) {
+TracedRequest ask(peer::Peer& daemon, const TracedRequest& before, const peer::Frame& request) {
   using Clock = std::chrono::steady_clock;
   TracedRequest now = before;
   const auto begin = Clock::now();
-  const peer::Frame reply = daemon.exchange(peer::decode(before.frame));
+  const peer::Frame reply = daemon.exchange(request);
   now.microseconds = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin).count();
   now.task = daemon.taskId();
   now.ack = reply.ack;
@@ -45,17 +45,13 @@ void replay(const Options& options, const ReplayArguments& arguments) {
   for (const TracedRequest& before : requests) {
     // A frame that was damaged when it was captured would be repaired on its way: it is left out, like a cut
     // one.
-    bool sound = before.whole();
-    try {
-      if (sound) peer::decode(before.frame);
-    } catch (const peer::Error&) {
-      sound = false;
-    }
+    const auto frame = requestFrame(before);
+    const bool sound = before.whole() && frame && peer::encode(*frame) == before.frame;
     if (!sound) {
       ++left;
       continue;
     }
-    const TracedRequest now = ask(daemon, before);
+    const TracedRequest now = ask(daemon, before, *frame);
     ++sent;
     const std::string unlike = arguments.compare ? difference(before, now) : "";
     Result result = decoded(now);

@@ -170,7 +170,7 @@ Result statusResult(const Options& options, peer::Peer& daemon) {
   shown["cards"] = size(card.size.width, card.size.height);
   shown["cards_measured"] = card.measured;
   shown["wall"] = wallJson(record, record.smart(card.size), seen);
-  std::string text = "links    " + words(shown["links"]) + "\ncards    width " +
+  std::string text = wrapped("links    " + words(shown["links"]), 9) + "\ncards    width " +
                      std::to_string(card.size.width) + ", height " + std::to_string(card.size.height) +
                      (card.measured ? ", measured" : ", assumed") + "\nscreen   " + words(shown["screen"]) +
                      "\nfiber    " + words(shown["fiber"]) + '\n' + wallLines(record, plan, seen);

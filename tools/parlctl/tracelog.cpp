@@ -152,6 +152,17 @@ std::string stampText(int64_t milliseconds) {
   return text.data();
 }
 
+std::string isoText(int64_t milliseconds) {
+  auto seconds = static_cast<std::time_t>(milliseconds / 1000);
+  std::tm civil{};
+  gmtime_r(&seconds, &civil);
+  civil.tm_isdst = -1;
+  std::string text = timeText(std::mktime(&civil));
+  std::array<char, 8> fraction{};
+  std::snprintf(fraction.data(), fraction.size(), ".%03d", static_cast<int>(milliseconds % 1000));
+  return text.insert(text.size() - 6, fraction.data());
+}
+
 int64_t localNow(int64_t clockOffset) {
   const auto seconds = static_cast<std::time_t>(std::time(nullptr) + clockOffset);
   std::tm local{};

@@ -51,6 +51,8 @@ bool parseTraceLine(std::string_view text, TraceLine& line);
 
 // "01/02/2024 10:20:30.456", as the files have it.
 std::string stampText(int64_t milliseconds);
+// "2024-01-02T10:20:30.456+01:00", with this machine's zone, which the files do not tell.
+std::string isoText(int64_t milliseconds);
 // A moment of the past: "90s", "10m", "2h", "1d" before now, "10:20", "10:20:30" of today, or
 // "2024-01-02T10:20:30", in the terms of TraceLine. Throws peer::Error (Usage).
 int64_t momentOf(const std::string& text, int64_t now);

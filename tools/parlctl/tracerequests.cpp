@@ -60,6 +60,29 @@ std::optional<TracedRequest> RequestFolder::take(const TraceLine& line) {
   return std::exchange(open_, std::nullopt);
 }
 
+std::optional<peer::Frame> requestFrame(const TracedRequest& request) {
+  constexpr std::size_t kFields = peer::kFrameOverhead - 2;
+  if (request.frame.size() < kFields) return std::nullopt;
+  const auto at = [&](std::size_t i) { return static_cast<uint32_t>(request.frame[i]); };
+  peer::Frame frame;
+  frame.tag = {request.frame[0], request.frame[1]};
+  frame.ack = request.frame[2];
+  frame.label = request.frame[3];
+  frame.source = request.frame[4];
+  frame.destination = request.frame[5];
+  frame.reserved = request.frame[11];
+  frame.deviceType = request.frame[6];
+  frame.port = request.frame[7];
+  frame.board = static_cast<uint16_t>(at(8) | at(9) << 8);
+  frame.code = request.frame[10];
+  frame.address = at(12) | at(13) << 8 | at(14) << 16 | at(15) << 24;
+  frame.length = static_cast<uint16_t>(at(16) | at(17) << 8);
+  const std::size_t end = request.whole() ? request.frame.size() - 2 : request.frame.size();
+  if (end > kFields)
+    frame.data.assign(request.frame.begin() + kFields, request.frame.begin() + static_cast<long>(end));
+  return frame;
+}
+
 std::string taskName(uint32_t task) {
   constexpr uint32_t kServiceMask = 0x00FFFFFF;
   for (const char* name : {"lsd", "vsp", "videod"})

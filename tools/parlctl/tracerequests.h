@@ -30,6 +30,10 @@ class RequestFolder {
   std::optional<TracedRequest> open_;
 };
 
+// The fields of the frame and the data that are there; nothing when it is shorter than its fields. A read
+// carries no data, whatever its length says.
+std::optional<peer::Frame> requestFrame(const TracedRequest& request);
+
 // "lsd", "vsp", "videod", "parlctl 6A0" or the identifier.
 std::string taskName(uint32_t task);
 

@@ -54,10 +54,10 @@ std::optional<CardSize> askCard(peer::Peer& daemon, unsigned port) {
   return size;
 }
 
-Seen compared(const WallPlan& plan, const ReadBack& way, const char* where) {
-  const Difference difference = firstDifference(plan, way);
+Seen compared(const WallPlan& plan, const ReadBack& way, Scope scope, const char* where) {
+  const Difference difference = firstDifference(plan, way, scope);
   if (difference.none())
-    return {Outcome::Verified, std::string(where) + " (" + kCompared + ", from " + way.name + ")"};
+    return {Outcome::Verified, std::string(where) + " (" + scope.text() + "; from " + way.name + ")"};
   return {Outcome::Differs, "differs: " + difference.text() + " (from " + way.name + ")"};
 }
 
@@ -171,7 +171,7 @@ std::vector<unsigned> linkedPorts(peer::Peer& daemon) {
 Seen lookAtFpga(const Options& options, peer::Peer& daemon, const WallPlan& plan) {
   const std::vector<ReadBack> ways = waysToRead(options, daemon);
   try {
-    return compared(plan, openWay(ways), "in the FPGA");
+    return compared(plan, openWay(ways), scopeInFpga(plan), "in the FPGA");
   } catch (const peer::Error& error) {
     if (error.failure() == peer::Failure::TimeOut) throw;
     return {Outcome::Unknown, std::string("unknown: ") + error.what()};
@@ -180,10 +180,10 @@ Seen lookAtFpga(const Options& options, peer::Peer& daemon, const WallPlan& plan
 
 Seen lookAtFlash(const Options& options, const WallPlan& plan) {
   if (!options.besideBoard()) return {Outcome::Unknown, "not to be seen from here"};
-  const ReadBack flash{"the board's flash", [board = options.board()](uint32_t address, std::size_t length) {
+  const ReadBack flash{"the board files", [board = options.board()](uint32_t address, std::size_t length) {
                          return board.flash(savedAt(address), length);
                        }};
-  return compared(plan, flash, "saved");
+  return compared(plan, flash, {}, "in the flash");
 }
 
 CalculationWitness::CalculationWitness(peer::Peer& daemon, const WallPlan& plan)

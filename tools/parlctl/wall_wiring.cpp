@@ -123,16 +123,23 @@ void drawController(SvgSheet& sheet, const WallPlan& plan, const WiringLayout& l
   }
 }
 
-// From the socket down to its own height, across, and into the first card.
+// From the socket down to a height of its own, across, down in a lane of its own, and into the first card.
 void drawCable(SvgSheet& sheet, const WiringLayout& layout, const WallPort& port) {
   const Point from = layout.socket(port.port);
   const Point to = layout.centre(port.chain.front());
   const double height = from.y + 16 + 5.5 * port.port;
-  const std::array<Point, 4> corners{from, Point{from.x, height}, Point{to.x, height}, to};
-  sheet.dashes(lineThrough(corners), "black", 3, "8 3");
+  const double lane = to.x + layout.cardWidth() * 0.08 * (port.port - (ORVE_MCUC::kMappedPorts - 1) / 2.0);
+  const std::array<Point, 5> corners{from, Point{from.x, height}, Point{lane, height}, Point{lane, to.y}, to};
+  sheet.dashes(lineThrough(corners), "black", 2.5, "8 3");
+}
+
+// The number on the first card, where it does not hide under its mark.
+void drawCableName(SvgSheet& sheet, const WiringLayout& layout, const WallPort& port) {
+  const Point to = layout.centre(port.chain.front());
+  const double size = std::clamp(layout.smallSide() * 0.2, 10.0, 13.0);
   sheet.beginHalo(4);
-  sheet.text({to.x + 5, layout.top() - 8}, "cable " + std::to_string(port.port),
-             {.size = 12, .weight = "bold"});
+  sheet.text({to.x, to.y + std::clamp(layout.smallSide() * 0.16, 3.5, 12.0) + size + 1},
+             "cable " + std::to_string(port.port), {.size = size, .anchor = "middle", .weight = "bold"});
   sheet.endHalo();
 }
 
@@ -205,6 +212,7 @@ std::string wiringSvg(const WallPlan& plan, const WiringView& view) {
   for (const WallPort& port : ports) drawBlock(sheet, plan, layout, port);
   for (const WallPort& port : ports) drawCable(sheet, layout, port);
   for (const WallPort& port : ports) drawRun(sheet, layout, port);
+  for (const WallPort& port : ports) drawCableName(sheet, layout, port);
   drawController(sheet, plan, layout);
   sheet.text({kSheetWidth / 2, layout.bottom() + 30}, view.rear ? "REAR" : "FRONT",
              {.size = 20, .anchor = "middle", .weight = "bold"});

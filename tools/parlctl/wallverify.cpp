@@ -132,13 +132,15 @@ const ReadBack& openWay(const std::vector<ReadBack>& ways) {
   throw peer::Error(peer::Failure::NoDaemon, "the FPGA cannot be read back:" + reasons);
 }
 
-Difference firstDifference(const WallPlan& plan, const ReadBack& way) {
+Difference firstDifference(const WallPlan& plan, const ReadBack& way, Scope scope) {
   const peer::Bytes screen = readScreen(way);
-  const auto sizes = {
-      sizeDifference("output size (0x1EC)", plan.size(), sizeIn(screen, fpga::kOutputWidth)),
-      sizeDifference("screen size (0x24)", plan.screenField(), sizeIn(screen, fpga::kScreenWidth))};
-  for (const Difference& difference : sizes)
-    if (!difference.none()) return difference;
+  const Difference output =
+      sizeDifference("output size (0x1EC)", plan.size(), sizeIn(screen, fpga::kOutputWidth));
+  if (scope.outputSize && !output.none()) return output;
+  if (Difference size =
+          sizeDifference("screen size (0x24)", plan.screenField(), sizeIn(screen, fpga::kScreenWidth));
+      !size.none())
+    return size;
   for (const WallPort& port : plan.ports())
     if (Difference difference = windowDifference(port, screen); !difference.none()) return difference;
   for (const WallPort& port : plan.ports())

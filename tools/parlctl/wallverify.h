@@ -23,8 +23,18 @@ struct ReadBack {
 // when there is none.
 const ReadBack& openWay(const std::vector<ReadBack>& ways);
 
-// What is compared, in words.
-inline constexpr const char* kCompared = "screen size, windows, card counts and tables";
+// Which registers are compared. An advanced configuration stores the output size (0x1EC) and saves it, and
+// the FPGA gets it with the next start.
+struct Scope {
+  bool outputSize = true;
+  const char* text() const {
+    return outputSize ? "output and screen size, windows, card counts, tables"
+                      : "screen size, windows, card counts, tables";
+  }
+};
+inline Scope scopeInFpga(const WallPlan& plan) {
+  return {plan.smart().has_value()};
+}
 
 // Where the FPGA differs from the plan; nowhere: `expected` is empty.
 struct Difference {
@@ -38,7 +48,7 @@ struct Difference {
 
 // The first difference: sizes, then windows and counts of the ports before their tables, in the order of the
 // ports.
-Difference firstDifference(const WallPlan& plan, const ReadBack& way);
+Difference firstDifference(const WallPlan& plan, const ReadBack& way, Scope scope = {});
 
 // The last entry of the last port's table that a calculation of the plan writes: an FPGA bus address.
 uint32_t lastEntryAddress(const WallPlan& plan);

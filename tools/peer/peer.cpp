@@ -89,6 +89,8 @@ void Peer::connectTo(const std::string& socketPath) {
   const auto deadline = Clock::now() + timeout_;
   while (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     if (errno == EINTR) continue;
+    if (errno == EACCES || errno == EPERM)
+      failWithErrno(Failure::NoDaemon, "only the daemon's own user and root may connect to " + socketPath);
     if (errno != EAGAIN) failWithErrno(Failure::NoDaemon, "no daemon at " + socketPath);
     if (left(deadline) == milliseconds::zero())
       throw Error(Failure::TimeOut, "the daemon at " + socketPath + " does not take the connection");
@@ -104,8 +106,9 @@ void Peer::introduce(uint32_t serviceCode) {
   std::array<uint8_t, 4> id{};
   const ssize_t got = recv(socket_, id.data(), id.size(), 0);
   if (got != static_cast<ssize_t>(id.size()))
-    throw Error(Failure::NoDaemon, "the message service refuses service code " + hexAddress(serviceCode) +
-                                       ": another connection holds it, or it is full");
+    throw Error(Failure::NoDaemon,
+                "the message service refuses service code " + hexAddress(serviceCode) +
+                    ": another connection holds it, the service is full, or this\nuser may not connect");
   for (unsigned i = 4; i-- > 0;) taskId_ = taskId_ << 8 | id[i];
 }
 

@@ -14,7 +14,7 @@ namespace {
 constexpr SectionWords kWriting{
     .begin = "============================ Begin Write IntellBright ===========================",
     .finish = "============================ Finish Write IntellBright =========================="};
-constexpr FailureWords kPacketWords{" ", "write bytes to fpga failed. driverRet = "};
+constexpr FailureWords kPacketWords{"", "write bytes to fpga failed. driverRet = "};
 constexpr int kPortPauseMs = 5;
 
 // A brightness, the number of entries, then the entries.

@@ -17,11 +17,14 @@ int ReadScreenPatternGenInfo(IMD_proto3rd& request) {
   }
   std::array<uint8_t, pattern::kImageSize> bytes{};
   const auto read = std::span(bytes).first(length);
-  if (readFpga(fpga::kScreenPatternGen + offset, read,
-               {"ReadScreenPatternGenInfo", "Read ScreenPatternGenInfo failed! ret = "}) != 0) {
+  Data_Global& global = *Data_Global::getInstance();
+  const int ret =
+      readThrough(global, global.HardwareScreenGenReg, offset, fpga::kScreenPatternGen + offset, read);
+  if (ret != 0) {
+    PARLEND_TRACE(kError) << "=== ReadScreenPatternGenInfo ===Read ScreenPatternGenInfo failed! ret = "
+                          << ret;
     return kFailed;
   }
-  if (!Data_Global::getInstance()->HardwareScreenGenReg.copyFrom(read, offset)) return kBeyondImage;
   replyWith(request, read);
   return kDone;
 }

@@ -74,6 +74,7 @@ class PollTest : public testing::Test {
 TEST_F(PollTest, AStoredPlanRunsFromTheFirstTickAndLsdIsTold) {
   const BrightnessFile plan = mixedPlan({{12, 0, 20}, {23, 0, 80}});
   daemon.board.setFlash(kStored, {plan.begin(), plan.end()});
+  EXPECT_EQ(daemon.read(kSpace, 1).data, Bytes{brightness::kMixed}) << "before the mirror is loaded";
   daemon.connect();
   daemon.tick();
   EXPECT_EQ(brightness(), 204);

@@ -3,8 +3,6 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "process/tprocess.h"
-#include "process/tprocess_ctl.h"
-#include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/smarttable.h"
 #include "store_fixture.h"
@@ -68,29 +66,44 @@ TEST_F(LocksTest, WhatTheTickTellsWaitsForNoConfiguration) {
   EXPECT_THAT(daemon.pushes(), testing::SizeIs(testing::Ge(4U)));
 }
 
-// One thread configures registers while another reads them back: whatever was configured is what stays.
-TEST_F(LocksTest, NothingComesBetweenAnImageAndItsBusWrite) {
-  const std::vector<std::pair<const char*, std::function<int(const Bytes&)>>> kWrites{
-      {"through",
-       [](const Bytes& value) { return writeThrough(store(), store().SendParameterReg, 0x18, 0x18, value); }},
-      {"draft", [](const Bytes& value) {
-         FeatureDraft draft;
-         draft.put(0x18, value[0]);
-         return putFeature(store(), draft, 0x18, 1, "test");
-       }}};
-  for (const auto& [name, write] : kWrites) {
-    std::atomic<bool> done{false};
-    std::thread reader([&] {
-      std::array<uint8_t, 1> byte{};
-      while (!done) readThrough(store(), store().SendParameterReg, 0x18, 0x18, byte);
-    });
-    for (unsigned i = 0; i < 2000; ++i) {
-      const auto value = static_cast<uint8_t>(i);
-      ASSERT_EQ(write({value}), 0);
-      ASSERT_EQ(store().SendParameterReg[0x18], value) << name << ", write " << i;
+// The bus access that somebody makes for an image is held in its middle: it fails once, and waits to be tried
+// again.
+TEST_F(LocksTest, WhileABusAccessForAnImageIsUnderWayNobodyElseTouchesOne) {
+  constexpr TestBoard::Time kBusPause{100};
+  static Bytes bytes{5};
+  static const FeatureDraft kDraft = [] {
+    FeatureDraft draft;
+    draft.put(0x18, 5);
+    return draft;
+  }();
+  struct Access {
+    const char* name;
+    Fault bus;
+    void (*run)();
+  };
+  const std::vector<Access> accesses{
+      {"writeThrough", Fault::FpgaWrite,
+       [] { writeThrough(store(), store().SendParameterReg, 0x18, 0x18, bytes); }},
+      {"draft to the FPGA", Fault::FpgaWrite, [] { putFeature(store(), kDraft, 0x18, 1, "test"); }},
+      {"writeImage", Fault::FpgaWrite, [] { writeImage(store(), store().SendParameterReg, 0x18, 1, 0x18); }},
+      {"readThrough", Fault::FpgaRead,
+       [] { readThrough(store(), store().SendParameterReg, 0x18, 0x18, bytes); }},
+      {"draft", {}, [] { putFeature(store(), kDraft); }},
+      {"putBytes", {}, [] { putBytes(store(), store().SendParameterReg, 0x18, bytes); }},
+      {"snapshot", {}, [] { snapshot(store(), store().SendParameterReg, 0x18, bytes); }},
+  };
+  board.takeTime(kBusPause);
+  for (std::size_t i = 0; i < 4; ++i) {
+    for (const Access& other : accesses) {
+      SCOPED_TRACE(std::string(accesses[i].name) + ", then " + other.name);
+      board.setFpga(0x18, {5});
+      bytes = {5};
+      board.failNext(accesses[i].bus, 1);
+      std::thread holding(accesses[i].run);
+      ASSERT_TRUE(board.awaitHeld(1));
+      EXPECT_TRUE(comesToWait(other.run, [&] { board.advance(kBusPause); }));
+      holding.join();
     }
-    done = true;
-    reader.join();
   }
 }
 

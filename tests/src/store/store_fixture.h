@@ -35,13 +35,12 @@ class StoreFixture : public testing::Test {
     return daemon.trace();
   }
 
-  // Runs something on a thread of its own while this one holds a lock, and what comes meanwhile once the
-  // other waits for it. Whether it had to wait.
-  template <class Mutex, class Action, class Meanwhile>
-  static bool waitsFor(Mutex& mutex, Action action, Meanwhile meanwhile) {
+  // Runs something on a thread of its own until it has to wait for somebody, and then what lets it go on.
+  // Whether it had to wait.
+  template <class Action, class LetGo>
+  static bool comesToWait(Action action, LetGo letGo) {
     std::atomic<pid_t> id{0};
     std::atomic<bool> done{false};
-    mutex.Lock();
     std::thread other([&] {
       id = gettid();
       action();
@@ -49,10 +48,18 @@ class StoreFixture : public testing::Test {
     });
     while (!done && !sleeps(id)) std::this_thread::yield();
     const bool waited = !done;
-    meanwhile();
-    mutex.UnLock();
+    letGo();
     other.join();
     return waited;
+  }
+  // The same while this thread holds a lock, with what comes before it lets go.
+  template <class Mutex, class Action, class Meanwhile>
+  static bool waitsFor(Mutex& mutex, Action action, Meanwhile meanwhile) {
+    mutex.Lock();
+    return comesToWait(action, [&] {
+      meanwhile();
+      mutex.UnLock();
+    });
   }
 
   TestDaemon daemon;

@@ -141,6 +141,23 @@ TEST_F(WallTest, SizesBeyond16BitsAreCutWhereTheRegistersEnd) {
   expectFeature(fpga::portWindow(7), words({0x8003, 3, 0, 0}));
 }
 
+TEST_F(WallTest, CountsBeyondAByteAndWhatLiesBehindThemReachFpgaAndFlash) {
+  ByteImage<1024> table;
+  table.putLe16(2, 20);
+  table.putLe16(4, 20);
+  table.putLe16(6, 300);
+  for (const unsigned port : {0U, 4U, 9U}) daemon.board.setFpga(cardCountOnFpga(port) + 2, {0xB7});
+  store().CalculateParaOfSenderInMosaicMode(table, {});
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
+    const auto count = words({port % 2 == 0 ? 300U : 100U});
+    EXPECT_EQ(daemon.board.fpga(cardCountOnFpga(port), 2), count) << port;
+    const auto at = static_cast<uint32_t>(flash::kNumberTable + cardCountAt(port));
+    EXPECT_EQ(daemon.board.flash(at, 2), count) << port;
+    EXPECT_EQ(daemon.board.flash(at + 2, 1),
+              Bytes{port == 0 || port == 4 || port == 9 ? uint8_t{0xB7} : uint8_t{0}});
+  }
+}
+
 TEST_F(WallTest, AnUnknownConnectionModeIsStoredAndRefused) {
   for (const uint8_t mode : {uint8_t{8}, uint8_t{255}}) {
     EXPECT_EQ(submit(1, 2, 2, mode), 4);

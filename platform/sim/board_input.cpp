@@ -133,7 +133,7 @@ int ll_input_set_edid(int id, const unsigned char* edid, int size) {
     failed = !file.good();
   }
   if (journalsWrites()) {
-    const auto length = static_cast<std::size_t>(std::max(size, 0));
+    const auto length = static_cast<unsigned>(std::max(size, 0));
     JournalLine("edid-load").word(std::to_string(id)).number(length).bytes({edid, length}).failedIf(failed);
   }
   return failed ? -1 : 0;

@@ -150,7 +150,7 @@ constexpr const SpaceRow* findSpace(uint32_t base) {
 }
 
 // The row of the space at a base, which must be one: anything else does not compile.
-consteval const SpaceRow& spaceRow(uint32_t base) {
+constexpr const SpaceRow& spaceRow(uint32_t base) {
   const SpaceRow* row = findSpace(base);
   if (row == nullptr) throw "no space has this base";
   return *row;

@@ -51,6 +51,7 @@ struct WorkKey {
   std::string_view name;
   std::string_view handler;
   bool logsEntry = false;  // the handler says that it was entered before it says what for
+  bool logsMore = false;   // of longer data as well
 };
 
 // The keys that have a place in the dispatcher's table, in its order.
@@ -70,7 +71,7 @@ inline constexpr std::array kWorkKeys{
     WorkKey{DoBackupInfoKey, "DoBackupInfoKey", "Sprocess_DoBackupInfo", true},
     WorkKey{CalculateParaOfSenderKey, "CalculateParaOfSenderKey", "Sprocess_CalculateParaOfSender"},
     WorkKey{AdvCalcParaOfSenderKey, "AdvCalcParaOfSenderKey", "Sprocess_AdvCalcParaOfSender"},
-    WorkKey{PositionNetPortKey, "PositionNetPortKey", "Sprocess_PositionNetPort"},
+    WorkKey{PositionNetPortKey, "PositionNetPortKey", "Sprocess_PositionNetPort", false, true},
     WorkKey{DoNumberFunCardPortKey, "DoNumberFunCardPortKey", "Sprocess_DoNumberFunCardPort"},
     WorkKey{DoSoftwareTableKey, "DoSoftwareTableKey", "Sprocess_DoSoftwareTable"},
     WorkKey{DoEDIDSpaceKey, "DoEDIDSpaceKey", "Sprocess_DoDoEDIDSpace"},

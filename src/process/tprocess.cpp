@@ -15,6 +15,7 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr int kKeyLineRoom = 1536;
+constexpr int kLongKeyLineRoom = 2304;
 constexpr std::size_t kWritableScreenPara = 32;
 
 Singleton<Tprocess>& holder() {
@@ -24,6 +25,13 @@ Singleton<Tprocess>& holder() {
 
 void logEntry(const WorkKey& key) {
   PARLEND_TRACE(kInfo) << key.handler << " enter:";
+}
+
+template <int Room>
+void logKeyText(const WorkKey& key, const PenetrateInfo& info) {
+  const HexText<Room> text(info.data.data(), info.length);
+  PARLEND_TRACE(kInfo) << "Process key: " << key.name << "  Register: " << CTrace::hex << info.Register
+                       << " len: " << info.length << " data:" << text.c_str();
 }
 
 void logScreenPara(int index) {
@@ -62,9 +70,11 @@ void logCutShort(const WorkKey& key, int length) {
 void logKeyLine(const WorkKey& key, const PenetrateInfo& info) {
   if (key.logsEntry) logEntry(key);
   if (!tracePasses(kInfo)) return;
-  const HexText<kKeyLineRoom> text(info.data.data(), info.length);
-  PARLEND_TRACE(kInfo) << "Process key: " << key.name << "  Register: " << CTrace::hex << info.Register
-                       << " len: " << info.length << " data:" << text.c_str();
+  if (key.logsMore) {
+    logKeyText<kLongKeyLineRoom>(key, info);
+  } else {
+    logKeyText<kKeyLineRoom>(key, info);
+  }
 }
 
 int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {

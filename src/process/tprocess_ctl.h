@@ -62,8 +62,13 @@ class Tprocess_ctl {
   void SendNetLinktoLSD5_8(std::span<const uint8_t> checked = {});
   void SendNetLinktoLSD9_16(std::span<const uint8_t> checked = {});
 
+  // The factory reset's step of a tick: a requested one is carried out, a finished one ends in the reboot. On
+  // the flag and status thread.
+  void RebootAfterRF();
+
   RelaxedValue<bool> apipc_connect_status;  // LSD's connection has been seen
-  RelaxedValue<bool> OptToNetEnableOnce;    // asks for the connection step once more
+  // Asks for the connection step once more. Whoever asks may stand below the dispatcher.
+  static inline constinit RelaxedValue<bool> OptToNetEnableOnce;
 
  private:
   Tprocess_ctl() = default;

@@ -154,7 +154,13 @@ int Tprocess::Sprocess_SaveSendCardPara(int, char*) {
 }
 
 int Tprocess::Sprocess_ReloadSendCardProgram(int, char*) {
-  return handleCommand<ReloadSenderFPGAKey>([] { store().RestoreFPGA(); });
+  return handleCommand<ReloadSenderFPGAKey>([] {
+    CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
+    if (store().RebootRF == ResetState::kIdle) return store().RestoreFPGA();
+    // The restore would end the reset.
+    PARLEND_TRACE(kError)
+        << "=== Sprocess_ReloadSendCardProgram ===a factory reset is due, nothing is restored.";
+  });
 }
 
 int Tprocess::Sprocess_CalculateParaOfSender(int lenth, char* data) {

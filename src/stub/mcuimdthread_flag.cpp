@@ -38,9 +38,16 @@ void McuIMDThread::FlagMsg() {
 
 void McuIMDThread::bringUp() {
   PARLEND_TRACE(kError) << "----------------- receive file /etc/init.d/flag_fpgaload.";
-  Data_Global::getInstance()->FpgaOnlineFlag = 1;
-  Data_Global::getInstance()->RestoreFPGA();
-  Data_Global::getInstance()->SendFlag_parlendload();
+  Data_Global& store = *Data_Global::getInstance();
+  store.FpgaOnlineFlag = 1;
+  // A requester waits for the restore, which would end a reset that is not yet carried out.
+  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+  if (store.RebootRF != ResetState::kIdle) {
+    PARLEND_TRACE(kError) << "=== bringUp ===a factory reset is due, the FPGA is not restored.";
+    return;
+  }
+  store.RestoreFPGA();
+  store.SendFlag_parlendload();
 }
 
 void McuIMDThread::tick() {
@@ -50,6 +57,7 @@ void McuIMDThread::tick() {
 void McuIMDThread::step() {
   auto& state = Data_Global::getInstance()->RebootRF;
   // The factory reset's step comes first; until the reset is over nothing else is done.
+  Tprocess_ctl::getInstance()->RebootAfterRF();
   if (state == 0) watchStatus();
   const uint8_t reset = state;
   if (reset > kHighestResetState) {

@@ -138,15 +138,12 @@ std::map<std::string, Source> readTree(const std::string& root, const std::vecto
 
 std::string resolve(const std::map<std::string, Source>& tree, const std::string& includer,
                     const std::string& included) {
-  const std::string folder = std::filesystem::path(includer).parent_path();
-  for (const std::string& from :
-       {folder, std::string("src"), std::string("platform/include"), std::string("platform/sim"),
-        std::string("tools"), std::string("tools/parlctl"), std::string("tests"),
-        std::string("tests/support"), std::string("tests/system")}) {
-    std::string path = (std::filesystem::path(from) / included).lexically_normal();
-    if (tree.contains(path)) return path;
-  }
-  return "";
+  const std::string beside = (std::filesystem::path(includer).parent_path() / included).lexically_normal();
+  if (tree.contains(beside)) return beside;
+  std::string found;
+  for (const auto& [path, source] : tree)
+    if (path.ends_with("/" + included) && (found.empty() || path.size() < found.size())) found = path;
+  return found;
 }
 
 Graph includeGraph(const std::map<std::string, Source>& tree) {

@@ -45,8 +45,8 @@ std::string replaced(std::string text, const std::string& what, const std::strin
 }
 
 TEST(BrightnessPlanTest, TextAndBytesBecomeEachOther) {
-  for (const std::string text :
-       {kMixed, kTable, kAutomatic, replaced(kMixed, "mixed", "serial-black").c_str()}) {
+  for (const std::string& text :
+       std::vector<std::string>{kMixed, kTable, kAutomatic, replaced(kMixed, "mixed", "serial-black")}) {
     const BrightnessPlan plan = planFromText(text);
     const auto bytes = compile(plan);
     EXPECT_EQ(compile(decompile(bytes)), bytes) << text;

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -41,89 +42,37 @@ class ParlctlTest : public testing::Test {
   DaemonProcess daemon;
 };
 
+// Each ends with status 2 before anything is sent: no daemon is there to ask.
+constexpr const char* kWrongArguments =
+    R"(reg | reg read | reg read 1x | reg read 010 | reg read 0x100000000 | reg read 0:0x1000001 | reg read 0:0
+reg read 0x0500FFFF | reg read 0x030001EF:4 | reg read 0 --raw --json | reg write 5=@/nonexistent
+card write 5=00 --card 65535 --verify | reg read 5: | reg write 5 | reg write 5= | reg write 5=0
+reg write 5=zz | reg read 0 --port 256 | card read 0 --type sending | card read 0 --type 0
+card write 0 --card 2 | --timeout 0 reg read 0 | watch --as nobody | watch --count 0 | watch --for x
+board link 16 on | board link 3-1 on | board link , on | board link 1 maybe
+board link 1 on --copper --fiber1 | board fault nothing 1 | board fault card-read x
+board fault card-read 1 --range 0-5 | board power cut | board power off --after 3 | board power sideways
+board sensor 32 5 | board sensor 0 bright | board clock 5 | board clock +x | board show | wall preview
+wall preview 4 | wall preview 0x6 | wall preview 4x256 | wall preview 4x6x8 | wall preview 4x6 --cards 0
+wall preview 4x6 --cards 65536 | wall preview 4x6 --cards 25 | wall preview 4x6 --mode 8
+wall preview 4x6 --mode middle-rows | wall preview 4x6 --cards 6 --ports 4 | wall preview 4x6 --ports 11
+wall preview 4x6 --card-size 128 | wall preview 4x6 --svg /nonexistent/wall.svg | wall set 4x6 --mode 8
+wall set | wall set 4x6 --blocks x | wall set --blocks /nonexistent | wall set 4x6 --svg /nonexistent/x
+wall set 4x6 --plan --wait | wall check 4 | wall undo | wall wiring --port 10 | log show --since yesterday
+log show --level loud | log follow --for never | log show | capture | capture -o /nonexistent/x
+replay /nonexistent | bundle | bundle -o /nonexistent/x | sim run --daemon /nonexistent | manual nothing
+completion csh | frobnicate)";
+
 TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
-  for (const char* wrong : {"",
-                            "reg",
-                            "reg read",
-                            "reg read 1x",
-                            "reg read 010",
-                            "reg read 0x100000000",
-                            "reg read 0:0x1000001",
-                            "reg read 0:0",
-                            "reg read 0x0500FFFF",
-                            "reg read 0x030001EF:4",
-                            "reg read 0 --raw --json",
-                            "reg write 5=@/nonexistent",
-                            "card write 5=00 --card 65535 --verify",
-                            "reg read 5:",
-                            "reg write 5",
-                            "reg write 5=",
-                            "reg write 5=0",
-                            "reg write 5=zz",
-                            "reg read 0 --port 256",
-                            "card read 0 --type sending",
-                            "card read 0 --type 0",
-                            "card write 0 --card 2",
-                            "--timeout 0 reg read 0",
-                            "watch --as nobody",
-                            "watch --count 0",
-                            "watch --for x",
-                            "board link 16 on",
-                            "board link 3-1 on",
-                            "board link , on",
-                            "board link 1 maybe",
-                            "board link 1 on --copper --fiber1",
-                            "board fault nothing 1",
-                            "board fault card-read x",
-                            "board fault card-read 1 --range 0-5",
-                            "board power cut",
-                            "board power off --after 3",
-                            "board power sideways",
-                            "board sensor 32 5",
-                            "board sensor 0 bright",
-                            "board clock 5",
-                            "board clock +x",
-                            "board show",
-                            "wall preview",
-                            "wall preview 4",
-                            "wall preview 0x6",
-                            "wall preview 4x256",
-                            "wall preview 4x6x8",
-                            "wall preview 4x6 --cards 0",
-                            "wall preview 4x6 --cards 65536",
-                            "wall preview 4x6 --cards 25",
-                            "wall preview 4x6 --mode 8",
-                            "wall preview 4x6 --mode middle-rows",
-                            "wall preview 4x6 --cards 6 --ports 4",
-                            "wall preview 4x6 --ports 11",
-                            "wall preview 4x6 --card-size 128",
-                            "wall preview 4x6 --svg /nonexistent/wall.svg",
-                            "wall set 4x6 --mode 8",
-                            "wall set",
-                            "wall set 4x6 --blocks x",
-                            "wall set --blocks /nonexistent",
-                            "wall set 4x6 --svg /nonexistent/x",
-                            "wall set 4x6 --plan --wait",
-                            "wall check 4",
-                            "wall undo",
-                            "wall wiring --port 10",
-                            "log show --since yesterday",
-                            "log show --level loud",
-                            "log follow --for never",
-                            "log show",
-                            "capture",
-                            "capture -o /nonexistent/x",
-                            "replay /nonexistent",
-                            "bundle",
-                            "bundle -o /nonexistent/x",
-                            "sim run --daemon /nonexistent",
-                            "manual nothing",
-                            "completion csh",
-                            "frobnicate"}) {
+  std::string all = kWrongArguments;
+  std::ranges::replace(all, '\n', '|');
+  std::istringstream lines(all);
+  for (std::string wrong; std::getline(lines, wrong, '|');) {
     const Outcome outcome = run(wrong);
     EXPECT_EQ(outcome.status, 2) << wrong << ": " << outcome.output;
     EXPECT_NE(outcome.output, "") << wrong;
   }
+  EXPECT_EQ(run("").status, 2);
   EXPECT_EQ(run("--help").status, 0);
   EXPECT_EQ(run("reg read --help").status, 0);
 }
@@ -132,7 +81,7 @@ TEST_F(ParlctlTest, WrongArgumentsAreUsageErrorsThatNameTheCulprit) {
 std::vector<std::string> verbsBelow(const std::function<Outcome(const std::string&)>& run,
                                     const std::string& path) {
   std::vector<std::string> found{path};
-  std::istringstream lines(run("__complete " + path + " ''").output);
+  std::istringstream lines(run(std::string("--version; ") + PARLCTL + " __complete " + path + " ''").output);
   for (std::string line; std::getline(lines, line);) {
     if (line.find('\t') == std::string::npos) continue;  // values of an operand
     for (std::string& verb : verbsBelow(run, path + ' ' + line.substr(0, line.find('\t'))))
@@ -156,8 +105,9 @@ TEST_F(ParlctlTest, EveryVerbHasHelpThatFitsAndAPage) {
     EXPECT_EQ(help.status, 0) << verb;
     EXPECT_THAT(help.output, HasSubstr("usage: parlctl" + verb)) << verb;
     EXPECT_LE(longestLine(help.output), 80U) << verb;
-    if (std::count(verb.begin(), verb.end(), ' ') == 1)
-      EXPECT_THAT(run("manual" + verb).output, HasSubstr(".SH NAME\nparlctl\\-")) << verb;
+    const bool isNoun = std::count(verb.begin(), verb.end(), ' ') == 1;
+    EXPECT_TRUE(!isNoun || run("manual" + verb).output.find(".SH NAME\nparlctl\\-") != std::string::npos)
+        << verb;
   }
   EXPECT_THAT(run("--version").output, testing::StartsWith("parlctl 1."));
 }

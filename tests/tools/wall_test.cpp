@@ -218,7 +218,8 @@ TEST(WallBlocksTest, LinesAreReadAndWrittenAndBadOnesNamed) {
     }
   }
   EXPECT_THAT(wallProblem(blocks("0: 23x23 at 0,0"), {}), HasSubstr("port 0: 529 cards"));
-  EXPECT_THAT(wallProblem(blocks("0: 1x1 at 65500,0"), {}), HasSubstr("65628 x 128 pixels"));
+  EXPECT_THAT(wallProblem(blocks("0: 1x1 at 65500,0"), {}),
+              HasSubstr("port 0: its block ends at 65628, 128"));
 }
 
 TEST(WallBlocksTest, PortsWithoutABlockAreNotInUse) {

@@ -171,7 +171,7 @@ TEST_F(CommandLineTest, MistakesAreNamedInItsOwnWords) {
       {"play start ball --times 1.5", "--times: '1.5' is not a number (decimal, or hexadecimal after 0x)"},
       {"play start ball --times", "--times needs a value"},
       {"play start ball --times 1 --times 2", "--times is given more than once"},
-      {"play start ball --times 1 --loud", "--loud and --times exclude each other"},
+      {"play start ball --times 1 --loud", "--times and --loud exclude each other"},
       {"play start ball more", "'more' is one argument too many for 'tool play start'"},
   };
   for (const auto& [line, words] : kWrong) EXPECT_EQ(error(line), words) << line;

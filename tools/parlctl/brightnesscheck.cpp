@@ -12,7 +12,6 @@ namespace {
 namespace map = ORVE_MCUC;
 namespace record = ORVE_MCUC::brightness;
 
-constexpr uint8_t kEveryDay = 0x7F;
 constexpr uint8_t kMostReadings = 16;
 
 class Findings {

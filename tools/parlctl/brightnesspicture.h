@@ -13,6 +13,8 @@
 
 namespace parlctl {
 
+class Plot;
+
 // Light by the second of the day; none: it is not known.
 using LightOfDay = std::function<uint16_t(int secondOfDay)>;
 // One lux all day, or a file of lines "HH:MM LUX" between which the light changes evenly. Throws peer::Error
@@ -58,6 +60,9 @@ class BrightnessPicture {
   // What the light decides between, in percent.
   std::pair<double, double> lightRange() const;
   bool portsDiffer() const;
+  bool unknownAt(int second) const;
+  void addGround(Plot& plot) const;
+  void addCurves(Plot& plot, unsigned port, std::string name) const;
 
   BrightnessPlan plan_;
   int64_t midnight_;

@@ -81,59 +81,65 @@ double niceStep(double range) {
 
 }  // namespace
 
+// Where nothing is known of the brightness: the light decides, and was not given.
+bool BrightnessPicture::unknownAt(int second) const {
+  if (lit_) return false;
+  const auto span =
+      std::find_if(spans_.begin(), spans_.end(), [&](const SlotSpan& each) { return second < each.to; });
+  return span != spans_.end() && span->kind == SlotKind::Ambient;
+}
+
+// A curve ends where the brightness becomes unknown, and another begins behind it. The first has the name.
+void BrightnessPicture::addCurves(Plot& plot, unsigned port, std::string name) const {
+  PlotCurve curve{std::move(name), {}, kPortLines[port].colour, kPortLines[port].dashes};
+  const auto endCurve = [&] {
+    if (curve.points.empty()) return;
+    plot.curve(curve);
+    curve.points.clear();
+    curve.name.clear();
+  };
+  const int all = days_ * 24 * 3600;
+  for (std::size_t i = 0; i < steps_.size() && steps_[i].at < all; ++i) {
+    const int to = i + 1 < steps_.size() ? std::min(all, steps_[i + 1].at) : all;
+    int end = to;
+    for (const SlotSpan& span : spans_)
+      if (unknownAt(span.from) && span.from >= steps_[i].at) end = std::min(end, span.from);
+    const double height = percent(steps_[i].ports[port]);
+    if (!unknownAt(steps_[i].at)) {
+      curve.points.push_back({steps_[i].at / kHour, height});
+      curve.points.push_back({end / kHour, height});
+    }
+    if (end < to) endCurve();
+  }
+  endCurve();
+}
+
+void BrightnessPicture::addGround(Plot& plot) const {
+  plot.spans("fixed brightness", spansOf(spans_, SlotKind::Fixed, kFixedColour, Hatching::None));
+  plot.spans("follows the light", spansOf(spans_, SlotKind::Ambient, kAmbientColour, Hatching::Rising));
+  plot.spans("no automatic brightness", spansOf(spans_, SlotKind::None, kNoneColour, Hatching::Falling));
+  if (lit_) return;
+  std::vector<PlotBand> bands;
+  const auto [low, high] = lightRange();
+  for (const PlotSpan& span : spansOf(spans_, SlotKind::Ambient, "", Hatching::None))
+    bands.push_back({span.from, span.to, low, high});
+  if (!bands.empty())
+    plot.note("No light was given: slots that follow it are shown as what their map reaches.");
+  plot.bands("between the ends of the map", kBandColour, Hatching::Falling, bands);
+}
+
 std::string BrightnessPicture::svg() const {
-  const double hours = days_ * 24.0;
-  PlotAxis x{days_ == 1 ? "time of day" : "day, from midnight", 0, hours, days_ == 1 ? 2.0 : 24.0, &hourText};
+  PlotAxis x{days_ == 1 ? "time of day" : "day, from midnight", 0, days_ * 24.0, days_ == 1 ? 2.0 : 24.0,
+             &hourText};
   if (days_ > 1)
     x.number = [first = map::momentOf(midnight_).weekday](double hour) {
       return std::string(kDayNames[(first - 1 + static_cast<int>(hour / 24 + 0.5)) % 7]);
     };
   Plot plot(title(), x, {"brightness, % of 255", 0, 100, 10});
-  plot.spans("fixed brightness", spansOf(spans_, SlotKind::Fixed, kFixedColour, Hatching::None));
-  plot.spans("follows the light", spansOf(spans_, SlotKind::Ambient, kAmbientColour, Hatching::Rising));
-  plot.spans("no automatic brightness", spansOf(spans_, SlotKind::None, kNoneColour, Hatching::Falling));
-  const auto dark = [&](double hour) {
-    if (lit_) return false;
-    const int second = static_cast<int>(hour * kHour);
-    const auto span =
-        std::find_if(spans_.begin(), spans_.end(), [&](const SlotSpan& s) { return second < s.to; });
-    return span != spans_.end() && span->kind == SlotKind::Ambient;
-  };
-  if (!lit_) {
-    std::vector<PlotBand> bands;
-    const auto [low, high] = lightRange();
-    for (const PlotSpan& span : spansOf(spans_, SlotKind::Ambient, "", Hatching::None))
-      bands.push_back({span.from, span.to, low, high});
-    plot.bands("between the ends of the map", kBandColour, Hatching::Falling, bands);
-  }
+  addGround(plot);
   const unsigned ports = portsDiffer() ? record::kNodePortCount : 1;
-  for (unsigned port = 0; port < ports; ++port) {
-    // A curve ends where the light decides and is not known, and begins anew behind it.
-    std::string name = ports == 1 ? "brightness sent" : "port " + std::to_string(port);
-    PlotCurve curve{name, {}, kPortLines[port].colour, kPortLines[port].dashes};
-    const auto endCurve = [&] {
-      if (!curve.points.empty()) plot.curve(curve);
-      curve.points.clear();
-      if (!curve.points.empty() || !name.empty()) curve.name.clear();
-    };
-    for (std::size_t i = 0; i < steps_.size(); ++i) {
-      const double from = steps_[i].at / kHour;
-      const double to = std::min(hours, i + 1 < steps_.size() ? steps_[i + 1].at / kHour : hours);
-      if (from > hours) break;
-      double end = to;
-      for (const SlotSpan& span : spans_)
-        if (!lit_ && span.kind == SlotKind::Ambient && span.from / kHour >= from && span.from / kHour < end)
-          end = span.from / kHour;
-      if (!dark(from)) {
-        curve.points.push_back({from, percent(steps_[i].ports[port])});
-        curve.points.push_back({end, percent(steps_[i].ports[port])});
-      }
-      if (end < to) endCurve();
-    }
-    endCurve();
-  }
-  if (!lit_ && !spansOf(spans_, SlotKind::Ambient, "", Hatching::None).empty())
-    plot.note("No light was given: slots that follow it are shown as what their map reaches.");
+  for (unsigned port = 0; port < ports; ++port)
+    addCurves(plot, port, ports == 1 ? "brightness sent" : "port " + std::to_string(port));
   return plot.svg();
 }
 

@@ -1,6 +1,7 @@
 // A brightness plan as people write it, and as the bytes of the daemon's configuration file.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -44,6 +45,9 @@ BrightnessPlan decompile(std::span<const uint8_t> file);
 // range.
 BrightnessPlan planFromText(const std::string& text);
 std::string planText(const BrightnessPlan& plan);
+
+inline constexpr std::array<const char*, 7> kDayWords{"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
+inline constexpr uint8_t kEveryDay = 0x7F;
 
 // "06:00"; bytes that are no time as they stand: "25:7A".
 std::string timeOfDay(const ORVE_MCUC::NodeTime& time);

@@ -88,12 +88,16 @@ _parlctl() {
     if [[ $word == :file ]]; then
       _files
     else
-      items+=("${word//:/\\:}:$text")
+      items+=("${word//:/\\:}${text:+:$text}")
     fi
   done < <("${words[1]}" __complete "${(@)words[2,CURRENT]}" 2>/dev/null)
   (( $#items )) && _describe parlctl items
 }
-compdef _parlctl parlctl
+if [[ ${zsh_eval_context[-1]} == loadautofunc ]]; then
+  _parlctl "$@"
+else
+  compdef _parlctl parlctl
+fi
 )";
 
 constexpr const char* kFish = R"(# fish completion for parlctl

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using peer::Error;
 using peer::Failure;
 
-constexpr std::size_t kHeader = 32;
+constexpr std::size_t kHeader = 32;       // bytes of a file: where its data end, as a number
 constexpr std::size_t kPiece = 0x400000;  // of a file at once
 constexpr std::array<const char*, 4> kLevelNames{"Error", "Warning", "Debug", "Info"};
 
@@ -184,7 +184,8 @@ int64_t momentOf(const std::string& text, int64_t now) {
   char more = '\0';
   const int fields = std::sscanf(text.c_str(), "%4d-%2d-%2d%*1[T ]%2d:%2d:%2d%c", &year, &month, &day, &hour,
                                  &minute, &second, &more);
-  if ((fields == 3 || fields == 5 || fields == 6) && month >= 1 && month <= 12 && day >= 1 && day <= 31)
+  if (((fields == 3 && text.size() == 10) || fields == 5 || fields == 6) && month >= 1 && month <= 12 &&
+      day >= 1 && day <= 31)
     return secondsOf(year, month, day, hour, minute, second) * 1000;
   const int parts = std::sscanf(text.c_str(), "%2d:%2d:%2d%c", &hour, &minute, &second, &more);
   if ((parts == 2 || parts == 3) && hour < 24 && minute < 60)

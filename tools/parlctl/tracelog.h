@@ -36,8 +36,8 @@ class TraceReader {
 
  private:
   struct Place {
-    uint64_t offset = 0;
-    std::string begin;  // stamp of the first line: another one says that the file was begun anew
+    uint64_t offset = 32;  // behind the header
+    std::string begin;     // stamp of the first line: another one says that the file was begun anew
   };
   void readFile(const std::filesystem::path& file, std::vector<TraceLine>& lines);
 

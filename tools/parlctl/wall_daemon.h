@@ -63,8 +63,8 @@ Seen lookAtFpga(const Options& options, peer::Peer& daemon, const WallPlan& plan
 Seen lookAtFlash(const Options& options, const WallPlan& plan);
 
 // Tells whether a calculation has run since it was made: the last table entry that the calculation writes,
-// and no card needs, is given a value that no calculation gives. Where it was never replaced it is put back
-// at the end.
+// which no card needs but the last one of a chain longer than half the table, is given a value that no
+// calculation gives. Where it was never replaced it is put back at the end.
 class CalculationWitness {
  public:
   CalculationWitness(peer::Peer& daemon, const WallPlan& plan);

@@ -53,8 +53,10 @@ class Layout {
   double wallWidth() const { return across(size_.width); }
   double wallHeight() const { return down(size_.height); }
   double listTop() const { return listTop_; }
-  double sheetWidth() const { return std::max(kNarrowest, kLeft + wallWidth() + kRight); }
-  double sheetHeight() const { return top_ + wallHeight() + kBottom; }
+  double sheetWidth() const {
+    return std::max(kNarrowest, kLeft + std::max(wallWidth(), across(rightmost_)) + kRight);
+  }
+  double sheetHeight() const { return top_ + std::max(wallHeight(), down(lowest_)) + kBottom; }
   bool toScale() const { return std::abs(cardWidth_ / cardHeight_ * card_.height / card_.width - 1) < 0.05; }
   // A label has the upper part of its card, in column modes only the half beside the cable.
   double labelSize() const { return std::clamp(cardWidth_ / (alongRows_ ? 5 : 6.5), 9.0, 14.0); }
@@ -63,6 +65,8 @@ class Layout {
  private:
   CardSize card_;
   PixelSize size_;
+  uint32_t rightmost_ = 0;  // of the windows, which may reach over the edge
+  uint32_t lowest_ = 0;
   bool alongRows_;
   double listTop_;
   double top_;
@@ -77,6 +81,10 @@ Layout::Layout(const WallPlan& plan, std::size_t notes)
           plan.used(), [](const WallPort& port) { return ORVE_MCUC::runsAlongRows(port.cable.mode); })),
       listTop_(kListTop + kLineHeight * static_cast<double>(notes)),
       top_(listTop_ + kLineHeight * static_cast<double>(plan.used().size()) + kAxisRoom) {
+  for (const WallPort& port : plan.used()) {
+    rightmost_ = std::max(rightmost_, port.offset.x + port.window.width);
+    lowest_ = std::max(lowest_, port.offset.y + port.window.height);
+  }
   const double fitting = std::min({kWallWidth / size_.width, kWallHeight / size_.height,
                                    kLargestCard / std::max(card_.width, card_.height)});
   const double seen = std::min({kWallWidth / size_.width, kTallWall / size_.height,
@@ -188,6 +196,19 @@ void drawBlock(SvgSheet& sheet, const Layout& layout, unsigned port, const Pixel
             portColour(port), 0.6, 2);
 }
 
+// Where a window is larger than the cards in it.
+void drawWindow(SvgSheet& sheet, const WallPlan& plan, const Layout& layout, const WallPort& port) {
+  const PixelBox cards = plan.boxOf(port);
+  if (cards.at == port.offset && cards.size == port.window) return;
+  const Point from = layout.corner(port.offset);
+  const Point to = layout.corner({port.offset.x + port.window.width, port.offset.y + port.window.height});
+  const std::array<Point, 5> corners{from, Point{to.x, from.y}, to, Point{from.x, to.y}, from};
+  sheet.dashes(lineThrough(corners), kLast, 2.5, "7 4");
+  sheet.beginHalo(3);
+  sheet.text({from.x + 6, to.y - 8}, "window of port " + std::to_string(port.port), {.size = 12});
+  sheet.endHalo();
+}
+
 void drawChain(SvgSheet& sheet, const Layout& layout, const WallPort& port) {
   const double side = layout.smallSide();
   const auto every = static_cast<std::size_t>(std::ceil(std::max(1.0, 22 / side)));
@@ -256,6 +277,7 @@ std::string wallSvg(const WallPlan& plan, const std::vector<std::string>& notes)
     else
       drawPortName(sheet, layout, port.port, plan.boxOf(port));
   }
+  for (const WallPort& port : used) drawWindow(sheet, plan, layout, port);
   return sheet.finish();
 }
 

@@ -29,9 +29,9 @@ inline constexpr std::array kWallRules{
 
 // What is known beside the wall itself; what nobody asked is left out and not judged.
 struct WallFacts {
-  std::optional<std::vector<unsigned>> links;  // output ports with a link
-  std::optional<bool> cardMeasured;
-  std::vector<unsigned> silentPorts;  // whose last card was asked and did not answer
+  std::optional<std::vector<unsigned>> links{};  // output ports with a link
+  std::optional<bool> cardMeasured{};
+  std::vector<unsigned> silentPorts{};  // whose last card was asked and did not answer
 };
 
 struct Finding {

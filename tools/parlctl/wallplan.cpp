@@ -94,14 +94,14 @@ std::string wallProblem(const AdvancedScreen& blocks, CardSize card) {
     if (block.cards() > map::kMostCardsOfPort)
       return name + countText(block.cards(), "card") + ", and a port carries at most " +
              std::to_string(map::kMostCardsOfPort);
+    const auto extent = map::blockOf(block, card);
+    if (block.x + extent.width > kMostPixels || block.y + extent.height > kMostPixels)
+      return name + "its block ends at " + pairText({block.x + extent.width, block.y + extent.height}) +
+             ", and neither side of a screen can have more than " + std::to_string(kMostPixels) + " pixels";
   }
   if (const auto verdict = map::checkAdvanced(blocks); !verdict.valid)
     return "the blocks have " + countText(verdict.total, "card") + " together, and there can be " +
            std::to_string(map::kMostCards);
-  const auto [width, height] = map::screenExtent(blocks, card);
-  if (std::max(width, height) > kMostPixels)
-    return "the wall has " + sizeText({width, height}) + " pixels, and neither side can have more than " +
-           std::to_string(kMostPixels);
   return {};
 }
 

@@ -29,8 +29,8 @@ void show(const Options& options, const peer::Frame& push) {
 void watch(const Options& options, const WatchArguments& arguments) {
   // Short waits: a signal between the test and the wait is seen a moment later.
   constexpr peer::milliseconds kWait{100};
-  peer::Peer daemon = options.connect(*peer::serviceCode(arguments.identity));
   const Stop stop(arguments.seconds);
+  peer::Peer daemon = options.connect(*peer::serviceCode(arguments.identity));
   uint32_t seen = 0;
   while (!stop.wanted()) {
     const auto push = daemon.nextPush(kWait);

@@ -145,7 +145,8 @@ int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister) {
   return result;
 }
 
-int queueWrite(IMD_proto3rd& request, const WorkKey& key) {
+int queueWrite(IMD_proto3rd& request, const WorkKey& key,
+               void (*beforeQueueing)(const IMD_proto3rd& request)) {
   LogSection section(queueing(key));
   const ThirdProtoMCUCMsg& proto = request.proto;
   PARLEND_TRACE(kInfo) << " Register: " << CTrace::hex << proto.m_uiRegisterUnitAddress
@@ -158,6 +159,7 @@ int queueWrite(IMD_proto3rd& request, const WorkKey& key) {
   writer.le32(proto.m_uiRegisterUnitAddress);
   writer.le16(proto.m_usValidDataLength);
   writer.bytes(proto.m_data);
+  if (beforeQueueing != nullptr) beforeQueueing(request);
   return finish(section, queueItem(request, std::move(block)));
 }
 

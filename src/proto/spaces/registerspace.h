@@ -98,7 +98,9 @@ int replyFromFpga(IMD_proto3rd& request, uint32_t fpgaRegister);
 
 // Wraps a write into a work item and queues it: the reply says done, the handler of the key does the work
 // later. kDone; kRefused for more data than an item holds or no memory; kBadAccess for a write without data.
-int queueWrite(IMD_proto3rd& request, const WorkKey& key);
+// beforeQueueing(request) runs when there is an item, ahead of its handler.
+int queueWrite(IMD_proto3rd& request, const WorkKey& key,
+               void (*beforeQueueing)(const IMD_proto3rd& request) = nullptr);
 // Queues a payload as it stands, with the request's transport head: kDone, or kRefused without memory.
 int queuePayload(IMD_proto3rd& request, const WorkKey& key, std::span<const uint8_t> payload);
 // The same without lines of its own, for a space that logs around more than the queueing.

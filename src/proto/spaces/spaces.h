@@ -8,12 +8,16 @@ namespace ORVE_MCUC {
 
 const RegisterSpace& spaceAt(At<reg::kHwBasicInfo>);
 const RegisterSpace& spaceAt(At<reg::kPluginCardInfo>);
+const RegisterSpace& spaceAt(At<reg::kCommand>);
+const RegisterSpace& spaceAt(At<reg::kFeature>);
 const RegisterSpace& spaceAt(At<reg::kScreenInfoEcho>);
 const RegisterSpace& spaceAt(At<reg::kHCInteraction>);
 const RegisterSpace& spaceAt(At<reg::kBackupInfo>);
 const RegisterSpace& spaceAt(At<reg::kIntelligentBrightness>);
 const RegisterSpace& spaceAt(At<reg::kCabinetRotation>);
 const RegisterSpace& spaceAt(At<reg::kShortcutConfigScreen>);
+const RegisterSpace& spaceAt(At<reg::kScanBoardPosition>);
+const RegisterSpace& spaceAt(At<reg::kFunCardPortNumber>);
 const RegisterSpace& spaceAt(At<reg::kSoftwareTable>);
 const RegisterSpace& spaceAt(At<reg::kEdid>);
 const RegisterSpace& spaceAt(At<reg::kBrightness>);

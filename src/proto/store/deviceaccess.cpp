@@ -80,6 +80,10 @@ int readFlash(uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
 int writeFlash(uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
   return logged(writeFlash(address, bytes), words, {"written to", "flash", address, bytes.size()});
 }
+int writeFactoryCopy(uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
+  const int result = driver().WriteDataToFactoryTmpFlash(address, lengthOf(bytes), bytes.data());
+  return logged(result, words, {"written to", "factory copy", address, bytes.size()});
+}
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
   return logged(readCard(card, address, bytes), words, {"read from", "card register", address, bytes.size()});
 }

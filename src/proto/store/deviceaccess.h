@@ -39,6 +39,8 @@ int readFpga(uint32_t address, std::span<uint8_t> bytes, FailureWords words);
 int writeFpga(uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
 int readFlash(uint32_t address, std::span<uint8_t> bytes, FailureWords words);
 int writeFlash(uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
+// The copy of the factory image that replaces the flash with the next reboot; addresses as in the flash.
+int writeFactoryCopy(uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes, FailureWords words);
 int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes, FailureWords words);
 

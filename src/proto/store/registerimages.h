@@ -57,6 +57,14 @@ void putFeature(RegisterImages& images, const FeatureDraft& draft);
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words);
 
+// Changes bytes of the feature image that depend on each other, at one moment. change(image) waits for
+// nothing.
+template <class Change>
+void changeFeature(RegisterImages& images, Change change) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  change(images.SendParameterReg);
+}
+
 // Bytes into an image and to the FPGA. -1, and nothing done, when they do not lie inside the image, else
 // DriverUtil's result.
 template <std::size_t N>

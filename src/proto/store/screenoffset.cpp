@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "calc/bypass.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 
@@ -9,9 +10,6 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr char kCaller[] = "RestoreFPGA";
-constexpr uint8_t kSignedOffsets = 2;  // offset modes
-constexpr uint8_t kNoOffsets = 0;
-constexpr uint16_t kForward = 0xFFFF;
 
 void writeWord(uint32_t address, uint16_t value) {
   std::array<uint8_t, 2> bytes{};
@@ -21,14 +19,6 @@ void writeWord(uint32_t address, uint16_t value) {
 
 int32_t signedOffset(const ByteImage<512>& image, std::size_t at) {
   return static_cast<int32_t>(image.le16(at) | static_cast<uint32_t>(image.le16(at + 2)) << 16);
-}
-
-constexpr uint16_t magnitudeOf(int32_t offset) {
-  const auto bits = static_cast<uint32_t>(offset);
-  return static_cast<uint16_t>(offset < 0 ? 0U - bits : bits);
-}
-constexpr uint16_t directionOf(int32_t offset) {
-  return offset > 0 ? kForward : uint16_t{0};
 }
 
 void applySignedOffsets(const ByteImage<512>& image) {
@@ -50,12 +40,12 @@ void applyScreenOffset(RegisterImages& images) {
   const ByteImage<512>& image = images.SendParameterReg;
   const uint8_t mode = image[fpga::kOffsetMode];
   PARLEND_TRACE(kInfo) << "###################### ModePara Anly SendParameterReg[208]" << mode;
-  if (mode == kSignedOffsets) {
+  if (mode == kByLsd) {
     applySignedOffsets(image);
     return;
   }
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Para Anly SendParameterReg";
-  if (mode == kNoOffsets) return;
+  if (mode == kNoOffset) return;
   writeWord(fpga::kScreenDirectionX, 0);
   writeWord(fpga::kScreenDirectionY, 0);
   putFeature(images, {}, fpga::kScreenOffsetX, 4, kCaller);

@@ -74,4 +74,19 @@ inline int64_t at(int year, int month, int day, int hour = 0, int minute = 0, in
       {.year = year - 2000, .month = month, .day = day, .hour = hour, .minute = minute, .second = second});
 }
 
+inline const std::vector<PlanNode> kThreeNodes{{6, 0, 60}, {18, 0, 30}, {22, 0, 10}};
+
+inline std::vector<uint8_t> valuesOf(const VirtualWall& wall) {
+  std::vector<uint8_t> values;
+  for (const SentBrightness& sent : wall.sent) values.push_back(sent.value);
+  return values;
+}
+
+// In chunks of 512 bytes, as a peer sends it.
+inline void write(VirtualWall& wall, const BrightnessFile& file, std::size_t length) {
+  for (std::size_t from = 0; from < length; from += 512)
+    wall.control().SetBrightnessAdjustTable(
+        from, std::span(file).subspan(from, std::min<std::size_t>(512, length - from)));
+}
+
 }  // namespace ORVE_MCUC

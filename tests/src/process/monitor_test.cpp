@@ -146,6 +146,15 @@ TEST_F(MonitorTest, AGroupThatCannotBeReadOnceMoreIsPushedAsTheCheckReadIt) {
   EXPECT_THAT(tick(), ElementsAre("1e 01", "9e 33", "120 0009"));
 }
 
+TEST_F(MonitorTest, LinksThatATickHasSeenHoldUntilTheNext) {
+  EXPECT_EQ(store().GetRecvCardSize_EnvNew(), -1);
+  for (const Change& appearing : {Change{0x1F, {1}}, Change{0x1F2, {1}}, Change{0x1F5, {1}}}) {
+    change({appearing});
+    EXPECT_EQ(store().GetRecvCardSize_EnvNew(), -1) << appearing.at;
+    change(kAllZero);
+  }
+}
+
 TEST_F(MonitorTest, ALinkThatComesBackBetweenTwoTicksIsNoChange) {
   lsdKnowsAll();
   change({{0x1F, {1}}});

@@ -15,6 +15,7 @@
 namespace ORVE_MCUC {
 namespace {
 
+using testing::AnyOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -101,7 +102,23 @@ TEST_F(SpacesTest, ARangeEndsWhereItsRowSays) {
     const bool unknown = behind.result == kRefused && behind.ack == kAckDone;
     EXPECT_EQ(unknown, findSpace(reg::routerKey(row.base + row.width)) == nullptr);
   }
+  // One space finds its rows by offset, and answers differently without one.
   EXPECT_EQ(route(0x18000100, 256).ack, kAckRefused);
+  EXPECT_EQ(route(0x18000100, 256).result, kDone);
+  EXPECT_EQ(route(0x18001000, 256).ack, kAckDone);
+}
+
+TEST(CheckTest, ARowAllowsTheAccessOfItsMaskAndNoOther) {
+  for (const int32_t mask : {0, kMayRead, kMayWrite, kReadWrite}) {
+    for (const int code : {0, 1, 2, 255}) {
+      IMD_proto3rd request;
+      request.proto.m_usValidDataLength = 1;
+      request.proto.m_ucCode = static_cast<uint8_t>(code);
+      Fcheck_func check{mask, {1, 1}};
+      const bool allowed = (code == 0 && (mask & 0x01) != 0) || (code == 1 && (mask & 0x10) != 0);
+      EXPECT_EQ(Ssh_checkFun(&check, &request), allowed ? 0 : 7) << mask << ' ' << code;
+    }
+  }
 }
 
 TEST_F(SpacesTest, EveryKeyCallsTheHandlerThatItsRowNames) {
@@ -109,17 +126,22 @@ TEST_F(SpacesTest, EveryKeyCallsTheHandlerThatItsRowNames) {
   for (int32_t key = -1; key <= SendCardMappingKey + 1; ++key) {
     if (key == SaveSendCardParaKey || key == ReloadSenderFPGAKey)
       continue;  // need no payload: they would run
-    MCUProcessDataBlock block;
-    block.m_key = key;
-    daemon.trace();
-    Tprocess_ctl::getInstance()->onProcessDealwith(&block);
-    const auto lines = daemon.trace("");
     const std::size_t place = placeOf(enum_Process_Key_Table{key});
-    if (place == kWorkKeys.size()) {
-      EXPECT_THAT(lines, IsEmpty()) << key;
-    } else {
-      EXPECT_THAT(lines, Contains(testing::AnyOf(HasSubstr(std::string(kWorkKeys[place].handler) + " "),
-                                                 HasSubstr("=== onProcessDealwith ===: Invalid key!"))));
+    // Without a payload, and with one that is shorter than any record.
+    for (const int length : {0, 1}) {
+      MCUProcessDataBlock block;
+      block.m_key = key;
+      if (length > 0) block.setData("\x01", length);
+      daemon.trace();
+      Tprocess_ctl::getInstance()->onProcessDealwith(&block);
+      const auto lines = daemon.trace();
+      if (place == kWorkKeys.size()) {
+        EXPECT_THAT(lines, IsEmpty()) << key;
+        continue;
+      }
+      const std::string handler(kWorkKeys[place].handler);
+      EXPECT_THAT(lines, Contains(AnyOf(HasSubstr(handler + " "),
+                                        HasSubstr("=== onProcessDealwith ===: Invalid key!"))));
     }
   }
 }

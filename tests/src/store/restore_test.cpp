@@ -79,6 +79,9 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(flash::ofFeature(0x21), 1), Bytes{kPattern});
   EXPECT_EQ(board.flash(flash::ofFeature(fpga::kScreenWidth), 2), (Bytes{0x80, 0x01})) << "calculated";
   EXPECT_EQ(board.flash(flash::kNumberTable + 0x109, 1), Bytes{kPattern});
+  EXPECT_EQ(board.flash(flash::kNumberTable, 2), (Bytes{3, 0})) << "calculated";
+  EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
+  EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
   ASSERT_EQ(store().loadFailures.portTables, 0);
 }

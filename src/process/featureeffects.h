@@ -1,0 +1,69 @@
+// What the write of a feature register does; which write has which effects, and in what order, says the table
+// in featurewrite.cpp.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "maps/registermap.h"
+#include "proto/store/data_common.h"
+
+namespace ORVE_MCUC {
+
+// A write that is being carried out. Callers hold the configuration lock.
+struct FeatureWrite {
+  Data_Global& store;
+  uint32_t at;                    // feature register
+  std::span<const uint8_t> data;  // at least a byte, inside the image
+  bool refused = false;           // nothing more is done
+  bool sizeFollows = false;       // the output size has changed with the offset mode and is written at last
+
+  uint32_t address() const { return reg::ofFeature(at); }
+  std::size_t length() const { return data.size(); }
+  uint8_t value() const { return data.front(); }
+
+  // A part of the image as this write leaves it, whatever the FPGA has been asked meanwhile.
+  template <std::size_t First, std::size_t Count>
+  std::array<uint8_t, Count> written() const {
+    std::array<uint8_t, Count> bytes{};
+    static_cast<void>(snapshot(store, store.SendParameterReg, First, bytes));
+    for (std::size_t i = 0; i < Count; ++i) {
+      if (First + i >= at && First + i - at < data.size()) bytes[i] = data[First + i - at];
+    }
+    return bytes;
+  }
+};
+
+// Image, FPGA and flash.
+void storeInImage(FeatureWrite& write);
+void writeToFpga(FeatureWrite& write);
+void saveImage(FeatureWrite& write);
+void saveByte(FeatureWrite& write);
+void saveBoardOption(FeatureWrite& write);
+void syncFlash(FeatureWrite& write);
+
+// Peers and other parts of the device.
+void refuseLowDelayInBypass(FeatureWrite& write);
+void pushFirstByte(FeatureWrite& write);
+void pushCorrection(FeatureWrite& write);
+void setBootScreenTime(FeatureWrite& write);
+void askForConnectionStep(FeatureWrite& write);
+void tellSerialTimeout(FeatureWrite& write);
+void beatSerialLink(FeatureWrite& write);
+void setClock(FeatureWrite& write);
+void switchFpgaTest(FeatureWrite& write);
+void setRole(FeatureWrite& write);
+void setFastCorrection(FeatureWrite& write);
+
+// Offset modes.
+void logOffsetMode(FeatureWrite& write);
+void takeOffsetOfTool(FeatureWrite& write);
+void takeOffsetOfLsd(FeatureWrite& write);
+void changeOffsetMode(FeatureWrite& write);
+
+// Output size.
+void clearOutputSize(FeatureWrite& write);
+void computeOutputSize(FeatureWrite& write);
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,158 @@
+// Feature parameters: the image of the FPGA's basic parameter area, completed with what the device knows now.
+#include "calc/bypass.h"
+#include "logwords.h"
+#include "maps/fpgamap.h"
+#include "process/basicpublicfunc.h"
+#include "proto/spaces/spaces.h"
+#include "proto/store/data_common.h"
+#include "taskid.h"
+
+namespace ORVE_MCUC {
+namespace {
+
+using Image = ByteImage<512>;
+
+constexpr uint32_t kProbeMask = 0xFFF;
+constexpr uint32_t kLastRefreshed = 492;  // reads that start behind it are answered from the image
+constexpr std::size_t kOffsetBytes = 8;   // both signed offsets
+
+constexpr SectionWords kReading{
+    .begin = "==============ReadFromFeatureInfo: Begin Read Feature Info =============================",
+    .finish = "=============SM2W=============== Finished read feature info ==========================="};
+
+Data_Global& store() {
+  return *Data_Global::getInstance();
+}
+
+void logRegister(const RegisterSpace& space, const IMD_proto3rd& request) {
+  PARLEND_TRACE(kInfo) << "RegisterAddr = " << CTrace::hex
+                       << (request.proto.m_uiRegisterUnitAddress & reg::kNarrowMask)
+                       << " map size = " << space.rows.size();
+}
+
+bool insideImage(const IMD_proto3rd& request, const char* operation) {
+  const std::size_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
+  const std::size_t length =
+      std::max<std::size_t>(request.proto.m_usValidDataLength, request.proto.m_data.size());
+  if (fits(Image::size(), offset, length)) return true;
+  PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex
+                        << offset << " len = " << length;
+  return false;
+}
+
+// Registers from there on to the end of the mirrored ones, when the access reaches behind them.
+int refresh(uint32_t offset, uint32_t length) {
+  if (offset + length <= fpga::kMirrorEnd || offset > kLastRefreshed) return kDone;
+  std::array<uint8_t, fpga::kMirrorEnd> room{};
+  return readThrough(store(), store().SendParameterReg, offset, offset,
+                     std::span(room).first(fpga::kMirrorEnd - offset));
+}
+
+// What lies below the fibers counts as linked, too.
+void addFiberLinks() {
+  const auto both = [](std::size_t byte) {
+    return store().Fiber1BelowLinkStatus_buff[byte] | store().Fiber2BelowLinkStatus_buff[byte];
+  };
+  const int ports0To7 = both(0);
+  const int ports8To15 = both(1);
+  const int groups[] = {ports0To7 & 0x0F, ports0To7 >> 4, ports8To15 & 0x0F, ports8To15 >> 4};
+  changeFeature(store(), [&](Image& image) {
+    for (std::size_t i = 0; i < fpga::kNetLinks.size(); ++i) {
+      RelaxedByte& links = image[fpga::kNetLinks[i]];
+      links = static_cast<uint8_t>(links | groups[i]);
+    }
+  });
+}
+
+// The first bytes tell peers nothing any more, and the clock tells them the time.
+void completeImage() {
+  FeatureDraft draft;
+  for (const std::size_t at : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 14}) draft.put(at, 0xFF);
+  for (const std::size_t at : {15, 16}) draft.put(at, 0);
+  BcdClock clock{};
+  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kClock, clock));
+  BasicPublicFunc::getInstance()->GetHwTime(clock);
+  for (std::size_t i = 0; i < clock.size(); ++i) draft.put(fpga::kClock + i, clock[i]);
+  putFeature(store(), draft);
+}
+
+int answerProbe(IMD_proto3rd& request, LogSection& section) {
+  constexpr std::array<uint8_t, 1> kAnswer{0};
+  replyWith(request, kAnswer);
+  PARLEND_TRACE(kInfo) << "Sending 0x0200_004B information to TOLM when reading feature information.";
+  PARLEND_TRACE(kInfo) << "=========================== Finish Read Feature Info ============================";
+  section.abandon();
+  return kDone;
+}
+
+int ReadFromFeatureInfo(IMD_proto3rd& request) {
+  LogSection section(kReading);
+  const uint32_t address = request.proto.m_uiRegisterUnitAddress;
+  const uint32_t length = request.proto.m_usValidDataLength;
+  if ((address & kProbeMask) == fpga::kProbe && length == 1) return answerProbe(request, section);
+  const uint32_t offset = address & reg::kOffsetMask;
+  const bool inside = insideImage(request, "ReadFromFeatureInfo");
+  if (!inside || refresh(offset, length) != 0) {
+    section.abandon();
+    if (!inside) return kBeyondImage;
+    PARLEND_TRACE(kError)
+        << "=== ReadFromFeatureInfo ===Read from FPGA BasicPara failed when reading feature information! ";
+    return kRefused;
+  }
+  addFiberLinks();
+  store().DebugForScreenZero(10, address, "ReadFromFeatureInfo, Read FPGA para!!");
+  completeImage();
+  std::array<uint8_t, Image::size()> room{};
+  const auto bytes = std::span(room).first(length);
+  static_cast<void>(snapshot(store(), store().SendParameterReg, offset, bytes));
+  replyWith(request, bytes);
+  return kDone;
+}
+
+struct Offset {
+  uint16_t x = 0;
+  uint16_t y = 0;
+};
+
+// The offset as it will be after a write at one of its two registers; none after one that is no whole field.
+Offset offsetAfter(bool atX, std::span<const uint8_t> data) {
+  const Image& image = store().SendParameterReg;
+  if (atX && data.size() == 2) return {le16(data), image.le16(fpga::kScreenOffsetY)};
+  if (atX && data.size() == 4) return {le16(data), le16(data, 2)};
+  if (!atX && data.size() == 2) return {image.le16(fpga::kScreenOffsetX), le16(data)};
+  return {};
+}
+
+// In bypass mode LSD moves the picture: it is told what a tool asks for, with the opposite sign.
+void tellLsdOfOffset(const IMD_proto3rd& request) {
+  const uint32_t address = request.proto.m_uiRegisterUnitAddress;
+  const bool atX = address == reg::ofFeature(fpga::kScreenOffsetX);
+  if (!atX && address != reg::ofFeature(fpga::kScreenOffsetY)) return;
+  if (store().SendParameterReg[fpga::kOffsetMode] == kNoOffset) return;
+  if (request.ipcHeader.uiid == taskOf(kServiceLsd)) return;
+  const Offset offset = offsetAfter(atX, request.proto.m_data);
+  PARLEND_TRACE(kInfo) << "========================== parlend bypass mode dvi offset to lsd X:" << offset.x
+                       << " Y:" << offset.y;
+  std::array<uint8_t, kOffsetBytes> bytes{};
+  putLe32(bytes, 0, negated(offset.x));
+  putLe32(bytes, 4, negated(offset.y));
+  static_cast<void>(putBytes(store(), store().SendParameterReg, fpga::kSignedOffsetX, bytes));
+  store().SendDatetoLSD(reg::ofFeature(fpga::kSignedOffsetX), bytes);
+}
+
+int WriteToFeatureInfo(IMD_proto3rd& request) {
+  if (!insideImage(request, "WriteToFeatureInfo")) return kBeyondImage;
+  return queueWrite(request, workKey<DoFeatureInfoKey>, &tellLsdOfOffset);
+}
+
+}  // namespace
+
+const RegisterSpace& spaceAt(At<reg::kFeature>) {
+  static constexpr RegisterSpace kSpace = registerSpace<reg::kFeature>({.read = &ReadFromFeatureInfo,
+                                                                        .write = &WriteToFeatureInfo,
+                                                                        .unknownKey = kDone,
+                                                                        .entered = &logRegister});
+  return kSpace;
+}
+
+}  // namespace ORVE_MCUC

@@ -1,0 +1,104 @@
+// parlctl brightness against a running daemon.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "daemon_process.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+constexpr const char* kPlan = R"({
+  "mode": "mixed", "gradual": false, "read_every_s": 1, "readings": 1,
+  "sensors": [{"port": 0, "card": 3, "sensor": 1}, {"port": 1, "card": 0, "sensor": 0}],
+  "slots": [{"from": "00:00", "ambient": true}],
+  "lux_map": [{"lux": 0, "percent": 0}, {"lux": 1000, "percent": 100}],
+  "fallback_percent": 40
+})";
+
+class ParlctlBrightnessTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    daemon.prepare("board.conf", "sensor = 0 3 1 400\nsensor = 1 0 0 600\n");
+    std::ofstream(path("plan.json")) << kPlan;
+    daemon.start();
+  }
+  std::string path(const std::string& name) const { return (daemon.board().directory() / name).string(); }
+  Outcome run(const std::string& arguments) const {
+    const std::string line =
+        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
+    FILE* pipe = popen(line.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> piece{};
+    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
+      output.append(piece.data(), got);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+  }
+  json shown() const { return json::parse(run("--json brightness show").output); }
+  DaemonProcess daemon;
+};
+
+TEST_F(ParlctlBrightnessTest, APlanIsWrittenVerifiedReadAndExplained) {
+  const Outcome written = run("brightness plan write " + path("plan.json") + " --wait");
+  EXPECT_EQ(written.status, 0) << written.output;
+  EXPECT_THAT(written.output, HasSubstr("verified: "));
+  const json sensors = json::parse(run("--json brightness sensors").output);
+  EXPECT_EQ(sensors["average"], 500);
+  EXPECT_EQ(sensors["sensors"][1]["lux"], 600);
+  EXPECT_TRUE(eventually([&] { return shown()["cards"]["0"] == 127; })) << run("brightness show").output;
+  const json show = shown();
+  EXPECT_EQ(show["schema"], "parlctl.brightness.show");
+  EXPECT_EQ(show["mode"], "mixed");
+  EXPECT_EQ(show["last_reason"], "sensor");
+  EXPECT_EQ(show["last_sent"], 127);
+  EXPECT_EQ(show["as_planned"], true);
+  EXPECT_EQ(run("brightness plan read --to " + path("read.json")).status, 0);
+  EXPECT_EQ(run("brightness plan check " + path("read.json")).status, 0);
+  const json plan = json::parse(run("--json brightness plan read").output)["plan"];
+  EXPECT_EQ(plan["lux_map"][1]["lux"], 1000);
+  EXPECT_EQ(run("brightness lux curve --svg " + path("lux.svg")).status, 0);
+  EXPECT_THAT(contents(path("lux.svg")), HasSubstr("</svg>"));
+}
+
+TEST_F(ParlctlBrightnessTest, PortsAreSetAndReadBack) {
+  const Outcome set = run("brightness set 60 --ports 0-2");
+  EXPECT_EQ(set.status, 0) << set.output;
+  EXPECT_THAT(set.output, HasSubstr("the first cards of 3 ports have it"));
+  EXPECT_EQ(shown()["cards"]["2"], 153);
+  EXPECT_EQ(shown()["cards"]["3"], 255);
+  EXPECT_EQ(run("brightness set 101").status, 2);
+  EXPECT_EQ(run("brightness set 50 --ports 8").status, 2);
+  EXPECT_THAT(run("brightness plan read").output, HasSubstr("off"));
+}
+
+TEST_F(ParlctlBrightnessTest, PlansThatBreakRulesAreNotSent) {
+  std::ofstream(path("bad.json")) << R"({"mode": "mixed", "slots": [{"from": "09:00", "percent": 101}]})";
+  std::ofstream(path("no.json")) << R"({"mode": "mixed", "slot": []})";
+  const Outcome check = run("brightness plan check " + path("bad.json"));
+  EXPECT_EQ(check.status, 1) << check.output;
+  EXPECT_THAT(check.output, HasSubstr("slot 1: 101 % counts as 100 % [percent]"));
+  EXPECT_EQ(run("brightness plan write " + path("bad.json")).status, 2);
+  EXPECT_EQ(shown()["mode"], "off");
+  EXPECT_EQ(run("brightness plan write --force " + path("bad.json")).status, 0);
+  EXPECT_TRUE(eventually([&] { return shown()["mode"] == "mixed"; }));
+  for (const char* file : {"no.json", "nowhere.json"})
+    EXPECT_EQ(run("brightness plan check " + path(file)).status, 2);
+  const std::string preview = "brightness plan preview " + path("plan.json");
+  EXPECT_EQ(run(preview + " --date 2024-02-30").status, 2);
+  EXPECT_EQ(run(preview + " --date 2024-02-29 --lux 500 --svg " + path("day.svg")).status, 0);
+  EXPECT_THAT(run(preview + " --date 2024-02-29 --lux 500").output, HasSubstr(" 50 % (127)  sensor"));
+}
+
+}  // namespace

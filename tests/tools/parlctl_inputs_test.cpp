@@ -100,4 +100,29 @@ TEST_F(ParlctlInputsTest, AnInputIsDecoded) {
   EXPECT_EQ(run("input edid set A --file " + file("short", "x")).status, 2);
 }
 
+TEST_F(ParlctlInputsTest, AnInputIsSetToAnotherModeAndTheSelectionComesBack) {
+  daemon.prepare("board.conf", "input = 0x10 dvi\ninput = 0x01 hdmi14\n");
+  daemon.start();
+  if (run("reg read 0x020001A5").status != 0)
+    GTEST_SKIP() << "this daemon does not tell which input is selected";
+  ASSERT_EQ(run("reg write 0x020001A5=61 --verify").status, 0);
+  const Outcome standard = run("input edid set A 1920x1080@59.94");
+  EXPECT_EQ(standard.status, 0) << standard.output;
+  EXPECT_THAT(standard.output,
+              HasSubstr("verified: input A asks for 1920 x 1080 at 59.94 Hz, a standard timing"));
+  const Outcome computed = run("input edid set B 1024x600@50");
+  EXPECT_EQ(computed.status, 0) << computed.output;
+  EXPECT_THAT(computed.output, HasSubstr("computed timing"));
+  EXPECT_THAT(run("reg read 0x020001A5").output, HasSubstr("61"));
+  EXPECT_EQ(contents(daemon.board().directory() / "hw/edid-1.bin").substr(0x38, 1), std::string(1, '\0'));
+  EXPECT_EQ(run("input edid set C 1024x600@50").status, 5) << "there is no third input";
+  const std::string raw = daemon.board().directory() / "raw";
+  EXPECT_EQ(run("input edid show A --raw " + raw).status, 0);
+  EXPECT_EQ(run("input edid set B --file " + raw).status, 0);
+  const std::string list = run("--json input list --all").output;  // behind the notes of what is selected
+  ASSERT_NE(list.find('{'), list.npos) << list;
+  const json listed = json::parse(list.substr(list.find('{')));
+  EXPECT_EQ(listed["inputs"][1]["edid"]["hertz"], 59.94);
+}
+
 }  // namespace

@@ -67,7 +67,7 @@ void list(const Options& options) {
   std::string text = places.empty() ? "no files" : "";
   for (const CabPlace& place : places) {
     const auto named = findInIndex(index, place.number);
-    const auto bytes = readCabFile(daemon, place);
+    const auto bytes = readCabFile(daemon, place, named);
     Json file{{"number", place.number}, {"register", hexAddress(place.start)}, {"whole", bytes.has_value()}};
     if (named) file["name"] = named->name;
     text += (text.empty() ? "" : "\n") + std::to_string(place.number) + "  " + hexAddress(place.start) + "  ";
@@ -147,7 +147,9 @@ const CabPlace& placeOf(const std::vector<CabPlace>& places, uint32_t number) {
 void get(const Options& options, uint32_t number, const std::string& path, bool asText) {
   OutputFile output(path);
   peer::Peer daemon = options.connect();
-  const auto bytes = readCabFile(daemon, placeOf(readCabHeader(daemon), number));
+  const auto places = readCabHeader(daemon);
+  const auto named = findInIndex(readCabIndex(daemon), number);
+  const auto bytes = readCabFile(daemon, placeOf(places, number), named);
   if (!bytes) throw Error(Failure::Mismatch, "file " + std::to_string(number) + " is not whole");
   const std::string content = asText ? decompileCabFile(*bytes) : std::string(bytes->begin(), bytes->end());
   if (!output.wanted()) return writeOutput(content);
@@ -175,7 +177,7 @@ std::optional<RvPlan> planOfStored(peer::Peer& daemon, uint32_t number) {
   const auto places = readCabHeader(daemon);
   const auto found = std::ranges::find(places, number, &CabPlace::number);
   if (found == places.end()) return std::nullopt;
-  const auto bytes = readCabFile(daemon, *found);
+  const auto bytes = readCabFile(daemon, *found, findInIndex(readCabIndex(daemon), number));
   return bytes ? std::optional(ORVE_MCUC::planOf(*bytes)) : std::nullopt;
 }
 

@@ -41,9 +41,15 @@ Bytes readCabBytes(peer::Peer& daemon, uint32_t start, std::size_t size, const T
   return bytes;
 }
 
-std::optional<Bytes> readCabFile(peer::Peer& daemon, const CabPlace& place) {
+std::optional<Bytes> readCabFile(peer::Peer& daemon, const CabPlace& place,
+                                 const std::optional<CabIndexEntry>& named) {
   Bytes bytes;
   const std::size_t most = place.end - place.start;
+  if (named && named->size <= most) {
+    bytes = readCabBytes(daemon, place.start, named->size, [](std::size_t) {});
+    if (ORVE_MCUC::planOf(bytes).end != ORVE_MCUC::RvEnd::kDone) return std::nullopt;
+    return bytes;
+  }
   while (bytes.size() < most) {
     const std::size_t length = std::min<std::size_t>(most - bytes.size(), rv::kMostChunk);
     const Bytes chunk = daemon.read(place.start + static_cast<uint32_t>(bytes.size()), length);

@@ -18,8 +18,9 @@ std::vector<CabPlace> readCabHeader(peer::Peer& daemon);
 std::string readCabIndex(peer::Peer& daemon);
 void writeCabBytes(peer::Peer& daemon, uint32_t start, std::span<const uint8_t> bytes, const Tell& tell);
 peer::Bytes readCabBytes(peer::Peer& daemon, uint32_t start, std::size_t size, const Tell& tell);
-// The file of a place up to its last item: as much as its items need, at most the place. Nothing where no
+// The file of a place: as many bytes as the index names, else as many as its items need. Nothing where no
 // whole file lies.
-std::optional<peer::Bytes> readCabFile(peer::Peer& daemon, const CabPlace& place);
+std::optional<peer::Bytes> readCabFile(peer::Peer& daemon, const CabPlace& place,
+                                       const std::optional<CabIndexEntry>& named);
 
 }  // namespace parlctl

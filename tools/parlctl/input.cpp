@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <span>
 
 #include "commands.h"
 #include "edidjudge.h"
@@ -98,7 +99,8 @@ struct ShowArguments {
 };
 
 Outcome addOpinion(Result& result, const Bytes& edid, bool full) {
-  const auto opinion = edidOpinion(edid);
+  const bool extended = edid[kEdidExtensionsAt] != 0;  // else what follows the base block belongs to nothing
+  const auto opinion = edidOpinion(std::span(edid).first(extended ? edid.size() : kEdidBlock));
   result.fields["conformant"] = opinion ? Json(opinion->conformant) : Json();
   if (!opinion) return Outcome::Done;
   result.text +=

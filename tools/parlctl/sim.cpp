@@ -117,7 +117,7 @@ void run(const Options& options, const SimArguments& arguments) {
                      std::to_string(daemon.process()) + ");\nwhat it prints is in " +
                      daemon.output().string() + ". Ctrl-C ends it."});
   while (!stop.wanted() && !daemon.ended()) std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  if (daemon.ended()) throw Error(Failure::NoDaemon, "the daemon ended with " + daemon.endText());
+  if (!stop.wanted()) throw Error(Failure::NoDaemon, "the daemon ended with " + daemon.endText());
 }
 
 void wait(const Options& options) {

@@ -12,7 +12,7 @@ struct DeviceState {
   RelaxedValue<bool> FpgaParaLoadFinish;  // a restore has written the FPGA
   RelaxedByte factoryflag;
   WaitableByte RWFPGATestflag;  // 1: the report thread tests FPGA tables
-  RelaxedByte LocalAddr;       // on the device's serial chain
+  RelaxedByte LocalAddr;        // on the device's serial chain
   ByteImage<4> ScanRecvBuf;
   RelaxedByte ScanCardID;
   RelaxedByte sync_hwtime_flag;

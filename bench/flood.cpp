@@ -3,9 +3,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <stdexcept>
 #include <thread>
 
+#include "maps/flashmap.h"
+#include "maps/registermap.h"
 #include "measures.h"
+#include "packet.h"
 #include "peer/board.h"
 #include "peer/peer.h"
 
@@ -14,17 +18,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr uint32_t kBackupInfo = 0x02300000;  // writes there are queued, and end in flash at kStored
-constexpr uint32_t kStored = 0x00A3B100;
-constexpr std::size_t kFloodBytes = 512;
-constexpr std::size_t kMarkAt = kFloodBytes;  // where nobody but the second writer writes
+constexpr uint32_t kFlooded = ORVE_MCUC::reg::kBackupInfo;  // writes there are queued, and end in flash
+constexpr uint16_t kFloodBytes = 512;
+constexpr uint32_t kMark = kFlooded + kFloodBytes;  // where nobody but the second writer writes
 constexpr peer::milliseconds kPatience{20000};
+constexpr double kPatienceUs = 20e6;
 
 peer::Bytes floodFrame() {
-  return peer::encode(peer::Frame{.code = peer::kWrite,
-                                  .address = kBackupInfo,
-                                  .length = kFloodBytes,
-                                  .data = peer::Bytes(kFloodBytes, 7)});
+  return peer::encode(peer::Frame{
+      .code = peer::kWrite, .address = kFlooded, .length = kFloodBytes, .data = peer::Bytes(kFloodBytes, 7)});
 }
 
 // Writes for as long as it lives, reading its replies only when the daemon takes nothing more.
@@ -69,8 +71,12 @@ std::vector<double> reads(peer::Peer& peer, int count) {
 // Milliseconds from asking for a write to finding it in flash.
 double writeTakes(peer::Peer& peer, const peer::Board& board, uint8_t mark) {
   const double start = nowUs();
-  peer.write(kBackupInfo + kMarkAt, {mark});
-  while (board.flash(kStored + kMarkAt, 1) != peer::Bytes{mark}) usleep(200);
+  peer.write(kMark, peer::Bytes{mark});
+  while (board.flash(ORVE_MCUC::flash::ofBackupInfo(kMark), 1) != peer::Bytes{mark}) {
+    if (nowUs() - start > kPatienceUs)
+      throw std::runtime_error("a write beside the flood was not carried out");
+    usleep(200);
+  }
   return (nowUs() - start) / 1e3;
 }
 
@@ -84,16 +90,16 @@ void measureFlood(const Programs& programs, const Effort& effort, Table& table) 
   const double idle = statusKiB(daemon.pid(), "VmRSS");
   const Flooder flooder(daemon.socket().string());
   sleep(1);
-  const auto read = reads(other, effort.floodReads);
+  const auto readTimes = reads(other, effort.floodReads);
   std::vector<double> writes;
   double most = idle;
   for (int mark = 1; mark <= effort.floodWrites; ++mark) {
     writes.push_back(writeTakes(other, board, static_cast<uint8_t>(mark)));
     most = std::max(most, statusKiB(daemon.pid(), "VmRSS"));
   }
-  table.add(alone("reads beside a flooding writer, 99th percentile", "ms", quantile(read, 0.99),
+  table.add(alone("reads beside a flooding writer, 99th percentile", "ms", quantile(readTimes, 0.99),
                   Goal::ValueAtMost, 5));
-  table.add(alone("the same, median", "ms", median(read)));
+  table.add(alone("the same, median", "ms", median(readTimes)));
   table.add(
       alone("writes beside it, until in flash: longest", "ms", quantile(writes, 1), Goal::ValueAtMost, 50));
   table.add(alone("the same, median", "ms", median(writes)));

@@ -138,7 +138,10 @@ TEST_F(RvConfigSpaceTest, HeaderThatIsNotSoundChangesNothingButItsFlashCopy) {
   announce(std::vector<uint32_t>(17, 0x2000));
   announce({0x800000, 0x2000});
   write(0x0F000000, "\x02");
-  write(0x0F000000, std::string("\x02\x01", 2) + std::string(61, '\0'));
+  std::string shorterThanItsFiles(63, '\0');
+  shorterThanItsFiles[0] = 2;
+  shorterThanItsFiles[1] = 1;
+  write(0x0F000000, shorterThanItsFiles);
   EXPECT_EQ(flash(0x00E00000, 2), (Bytes{2, 1}));
   write(0x0F002001, "b");
   EXPECT_EQ(contents(stored(0)), "ab");

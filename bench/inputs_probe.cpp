@@ -44,10 +44,11 @@ double medianTime(int rounds, Work work) {
 
 // A work item as the queue hands it to its handler.
 std::vector<uint8_t> itemOf(uint32_t registerAddress, std::span<const uint8_t> data) {
-  std::vector<uint8_t> item(6);
-  putLe32(item, 0, registerAddress);
-  putLe16(item, 4, static_cast<uint16_t>(data.size()));
-  item.insert(item.end(), data.begin(), data.end());
+  std::vector<uint8_t> item(6 + data.size());
+  ByteWriter writer(item);
+  writer.le32(registerAddress);
+  writer.le16(static_cast<uint16_t>(data.size()));
+  writer.bytes(data);
   return item;
 }
 

@@ -45,13 +45,14 @@ std::optional<EdidOpinion> edidOpinion(std::span<const uint8_t> edid) {
       "edid-decode --check --skip-hex-dump " + std::string(file.name()) + " 2>/dev/null";
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), &pclose);
   if (!pipe) return std::nullopt;
-  std::string text;
+  std::optional<EdidOpinion> opinion(std::in_place);
+  std::string& text = opinion->text;
   std::array<char, 4096> part{};
   while (const std::size_t n = std::fread(part.data(), 1, part.size(), pipe.get()))
     text.append(part.data(), n);
   if (text.find("EDID conformity:") == text.npos) return std::nullopt;
-  const bool conformant = text.find("EDID conformity: PASS") != text.npos;
-  return EdidOpinion{.conformant = conformant, .text = std::move(text)};
+  opinion->conformant = text.find("EDID conformity: PASS") != text.npos;
+  return opinion;
 }
 
 }  // namespace parlctl

@@ -200,7 +200,7 @@ void FeatureModel::write(uint32_t n, const Bytes& data) {
   size(n, data.size());
   if (n == 0x1D8) {
     char text[64];
-    std::snprintf(text, sizeof text, "status-info 1 0x020001d8 1 %02x", data[0]);
+    std::snprintf(text, sizeof text, "status-info 1 0x020001d8 1 %u", unsigned{data[0]});
     journal.push_back(text);
   }
   if (n == 0x1DA || n == 0x1D8) toFlash(kImageInFlash + n, {data[0]});

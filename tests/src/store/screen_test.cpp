@@ -63,7 +63,6 @@ TEST_F(ScreenHandlers, ReloadRestoresAnFpgaThatHasLostEverything) {
   VsPartPara[0x200] = 0x78;
   store().SaveParaToFlash(1);
   store().SendParameterReg.fill(0);
-  store().RebootRF = 2;
   store().FpgaOnlineFlag = 1;
   Tprocess::Sprocess_ReloadSendCardProgram(0, nullptr);
   EXPECT_EQ(fpga(0x24, 2), (Bytes{0x34, 0x12}));

@@ -117,7 +117,9 @@ TEST_F(WholeDaemon, ADayPassesAtOnce) {
   const int64_t start = daemon.board.clock();
   daemon.advance(std::chrono::hours(24));
   daemon.tick();
-  EXPECT_EQ(daemon.board.clock() - start, 24 * 3600);
+  const int64_t passed = daemon.board.clock() - start;
+  EXPECT_GE(passed, 24 * 3600);
+  EXPECT_LE(passed, 24 * 3600 + 1) << "a second of the host's clock may turn meanwhile";
 }
 
 }  // namespace

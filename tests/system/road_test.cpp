@@ -132,8 +132,11 @@ const Road kRoads[] = {
               "Error === Ssh_checkFun ===Check Func: Unsupportd register max/min length.", kFinishTask}},
     {.name = "AnUnknownAddressOfATool",
      .request = {.source = 0xFE, .address = 0x02250000, .length = 4},
-     .task = {kBeginTask, "Info Recv Register Address : 0x02250000 length : 4",
-              "Error === Ssh_StartSendCard ===Ssh_StartSendCard: Invalid register address!"},
+     .task =
+         {kBeginTask, "Info Recv Register Address : 0x02250000 length : 4",
+          "Error === Ssh_StartSendCard ===Ssh_StartSendCard: Invalid register address!",
+          "Error === onDataRecvFromIMDNew ===not carried out although acknowledged: device type 0, code 0, "
+          "register = 0x02250000, length = 4, result = 4"},
      .trailer = {"Info \t********DevComLinkState == 1 *********"}},
 };
 

@@ -41,8 +41,8 @@ constexpr char kVersionNotSet[] = "Info setenv faild";
 constexpr char kPageUnread[] = "Error === ReadHardwareInfo ===";
 constexpr char kBusNotWritten[] = "Error >>>>>>>>>>>>>>>>>>>>> FPGA Write Fail<<<<<<<<<<<<<<<<<<<";
 constexpr char kBusNotRead[] = "Error >>>>>>>>>>>>>>>>>>>>> FPGA Read Fail<<<<<<<<<<<<<<<<<<<";
-constexpr char kFpgaUp[] = "Error >>>>>>>>>>>>>>>>>>>>>Read FPGA Status Up<<<<<<<<<<<<<<<<<<<";
-constexpr char kFpgaDown[] = "Error >>>>>>>>>>>>>>>>>>>>>Read FPGA Status Down<<<<<<<<<<<<<<<<<<<";
+constexpr char kFpgaUp[] = "Info >>>>>>>>>>>>>>>>>>>>>Read FPGA Status Up<<<<<<<<<<<<<<<<<<<";
+constexpr char kFpgaDown[] = "Info >>>>>>>>>>>>>>>>>>>>>Read FPGA Status Down<<<<<<<<<<<<<<<<<<<";
 constexpr char kReportNotSet[] = "Error === Write reprot para Reg failed! ret = -1";
 constexpr char kReportNotEnabled[] = "Error === Write reprot enable Reg failed! ret = -1";
 constexpr char kFinished[] =

@@ -66,7 +66,7 @@ TEST_F(ParlctlInputsTest, FilesAreCompiledStoredListedFetchedAndPlayed) {
   const Outcome played = run("cabfile play 0");
   EXPECT_EQ(played.status, 0) << played.output;
   EXPECT_EQ(run("card read 0x02000001 --port 1 --card 3 --json").status, 0);
-  EXPECT_THAT(run("card read 0x03000000:3 --port 1 --card 3").output, HasSubstr("010203"));
+  EXPECT_THAT(run("card read 0x03000000:3 --port 1 --card 3").output, HasSubstr("01 02 03"));
 }
 
 TEST_F(ParlctlInputsTest, FilesThatMakeNoSenseAreNotSent) {

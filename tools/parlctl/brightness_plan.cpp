@@ -172,7 +172,7 @@ void addPreview(Verb& plan, const Options& options) {
       .isFile();
   verb.option("--svg", "FILE", arguments->svg, "Draw it into this file, too").isFile();
   verb.note("The daemon's own scheduler runs under a virtual clock; the plan has run for a day before.");
-  verb.example("brightness plan preview plan.json --date 2024-06-03 --lux 400 --svg day.svg");
+  verb.example("brightness plan preview plan.json --date 2024-06-03 --svg day.svg");
   verb.run([&options, arguments] { preview(options, *arguments); });
 }
 

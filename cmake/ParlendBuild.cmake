@@ -5,16 +5,22 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+# Paths below the source tree go to the compiler as relative ones, so that another clone finds its objects in the cache.
 find_program(PARLEND_CCACHE ccache)
-if(PARLEND_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_C_COMPILER_LAUNCHER ${PARLEND_CCACHE})
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${PARLEND_CCACHE})
+if(PARLEND_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+    ${PARLEND_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_C_COMPILER_LAUNCHER})
+  cmake_path(RELATIVE_PATH CMAKE_SOURCE_DIR BASE_DIRECTORY ${CMAKE_BINARY_DIR} OUTPUT_VARIABLE PARLEND_SOURCES)
+else()
+  set(PARLEND_SOURCES ${CMAKE_SOURCE_DIR})
 endif()
 include(CheckPIESupported)
 check_pie_supported()
 
 # A log line names "stub/stubutil", whatever directory was built from. The last matching map wins.
-set(PARLEND_PREFIX_MAP -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/src/=)
+set(PARLEND_PREFIX_MAP -fmacro-prefix-map=${PARLEND_SOURCES}/= -fmacro-prefix-map=${PARLEND_SOURCES}/src/=)
 
 add_library(parlend_options INTERFACE)
 target_compile_options(parlend_options INTERFACE

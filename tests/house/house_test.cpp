@@ -90,7 +90,7 @@ TEST(HouseChecks, AnArrowUpwardOrIntoAForeignRoomIsSeen) {
   EXPECT_TRUE(goesUp("src/proto/tshl_ctl.h", "src/stub/stubutil.h"));
   EXPECT_FALSE(goesUp("src/proto/tshl_ctl.cpp", "src/stub/stubutil.h"));
   EXPECT_FALSE(goesUp("src/stub/stubutil.cpp", "src/calc/mapping.h"));
-  EXPECT_FALSE(sees("tools/parlctl/reg.cpp", "src/mcuctrace.h"));
+  EXPECT_FALSE(sees("tools/parlctl/access/reg.cpp", "src/mcuctrace.h"));
   EXPECT_FALSE(sees("tools/peer/frame.cpp", "src/maps/registermap.h"));
   EXPECT_FALSE(sees("platform/sim/board_dir.cpp", "src/mcucutil.h"));
   EXPECT_FALSE(sees("tests/system/wire_test.cpp", "src/stub/stubutil.h"));

@@ -98,6 +98,8 @@ TEST_F(ParlctlInputsTest, AnInputIsDecoded) {
   EXPECT_EQ(run("input edid set A").status, 2);
   EXPECT_EQ(run("input edid set A 4095x4095@60").status, 2);
   EXPECT_EQ(run("input edid set A --file " + file("short", "x")).status, 2);
+  for (const char* endless : {"input edid set A --file /dev/zero", "cabfile put --force /dev/zero"})
+    EXPECT_EQ(run(endless).status, 2) << endless;
 }
 
 TEST_F(ParlctlInputsTest, AnInputIsSetToAnotherModeAndTheSelectionComesBack) {

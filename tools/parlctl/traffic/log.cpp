@@ -62,7 +62,11 @@ TraceReader readerOf(const Options& options, const LogArguments& arguments) {
 }
 
 void show(const Options& options, const LogArguments& arguments) {
-  Printer(options, arguments).show(readerOf(options, arguments).more());
+  Printer printer(options, arguments);
+  TraceReader reader = readerOf(options, arguments);
+  if (reader.files().empty())
+    throw peer::Error(peer::Failure::Board, "no trace files in " + reader.directory().string());
+  printer.show(reader.more());
 }
 
 void follow(const Options& options, const LogArguments& arguments) {

@@ -64,15 +64,14 @@ void addSvg(Verb& verb, WallArguments& arguments) {
 }
 
 std::string Surroundings::text() const {
-  if (!links)
-    return "assumed: cards of " + sizeText({card.size.width, card.size.height}) + ", every port linked";
-  return "from the daemon: ports with a link " + rangesText(*links) + "; cards of " +
-         sizeText({card.size.width, card.size.height}) +
-         (card.measured ? ", measured" : ", assumed by the daemon");
+  const std::string cards = "cards of " + sizeText({card.size.width, card.size.height});
+  if (!asked) return "assumed: " + cards + ", every port linked";
+  return "from the daemon: " + (links ? "ports with a link " + rangesText(*links) : "links not told") + "; " +
+         cards + (card.measured ? ", measured" : ", assumed by the daemon");
 }
 
 Surroundings surroundings(peer::Peer* daemon, const WallArguments& arguments) {
-  Surroundings around{{kAssumedCard, false}, std::nullopt};
+  Surroundings around{{kAssumedCard, false}, std::nullopt, daemon != nullptr};
   if (daemon != nullptr) {
     around.links = linkedPorts(*daemon);
     around.card = cardSize(*daemon);
@@ -136,7 +135,8 @@ WallFacts wallFacts(peer::Peer* daemon, const WallPlan& plan, const Surroundings
   if (daemon == nullptr) return facts;
   facts.cardMeasured = around.card.measured;
   for (const WallPort& port : plan.used())
-    if (std::ranges::find(*around.links, port.port) != around.links->end() && !lastCardAnswers(*daemon, port))
+    if ((!around.links || std::ranges::find(*around.links, port.port) != around.links->end()) &&
+        !lastCardAnswers(*daemon, port))
       facts.silentPorts.push_back(port.port);
   return facts;
 }

@@ -29,8 +29,9 @@ void addSvg(Verb& verb, WallArguments& arguments);
 // What stands around the wall: asked of the daemon, or assumed when there is none.
 struct Surroundings {
   MeasuredCard card;
-  std::optional<std::vector<unsigned>> links;  // nothing: nobody was asked
-  std::string text() const;                    // where they come from
+  std::optional<std::vector<unsigned>> links;  // nothing: nobody was asked, or nobody told
+  bool asked = false;
+  std::string text() const;  // where they come from
 };
 Surroundings surroundings(peer::Peer* daemon, const WallArguments& arguments);
 

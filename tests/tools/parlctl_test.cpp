@@ -41,7 +41,8 @@ wall preview 4 | wall preview 0x6 | wall preview 4x256 | wall preview 4x6x8 | wa
 wall preview 4x6 --cards 65536 | wall preview 4x6 --cards 25 | wall preview 4x6 --mode 8
 wall preview 4x6 --mode middle-rows | wall preview 4x6 --cards 6 --ports 4 | wall preview 4x6 --ports 11
 wall preview 4x6 --card-size 128 | wall preview 4x6 --svg /nonexistent/wall.svg | wall set 4x6 --mode 8
-wall set | wall set 4x6 --blocks x | wall set --blocks /nonexistent | wall set 4x6 --svg /nonexistent/x
+wall set | wall set 4x6 --blocks x | wall set --blocks /nonexistent | wall check --cards 12 | wall wiring --mode 3
+wall set --blocks x --mode 3 | card read 0 --port 255 | log show --decode --level error | wall set 4x6 --svg /nonexistent/x
 wall set 4x6 --plan --wait | wall check 4 | wall undo | wall wiring --port 10 | log show --since yesterday
 log show --level loud | log follow --for never | log show | capture | capture -o /nonexistent/x
 replay /nonexistent | bundle | bundle -o /nonexistent/x | sim run --daemon /nonexistent | manual nothing

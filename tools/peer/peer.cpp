@@ -108,7 +108,7 @@ void Peer::introduce(uint32_t serviceCode) {
   if (got != static_cast<ssize_t>(id.size()))
     throw Error(Failure::NoDaemon,
                 "the message service refuses service code " + hexAddress(serviceCode) +
-                    ": another connection holds it, the service is full, or this\nuser may not connect");
+                    ": another connection holds it, the service is full, or this user may not connect");
   for (unsigned i = 4; i-- > 0;) taskId_ = taskId_ << 8 | id[i];
 }
 

@@ -36,6 +36,10 @@ Frame target(const AccessArguments& arguments) {
   return frame;
 }
 
+bool isMany(const Frame& to) {
+  return to.deviceType != 0 && (to.port == kAllPorts || to.board == kAllCards);
+}
+
 Bytes allOf(std::istream& from, const std::string& name) {
   Bytes bytes;
   for (std::istreambuf_iterator<char> at(from), end; at != end && bytes.size() <= kMostBytes; ++at)
@@ -148,12 +152,12 @@ std::size_t Access::size() const {
 }
 
 std::vector<Access> readRequests(const AccessArguments& arguments) {
+  if (isMany(target(arguments))) throw Error(Failure::Usage, "a read needs one port and card");
   return parsed(arguments, &readAccess);
 }
 
 std::vector<Access> writeRequests(const AccessArguments& arguments) {
-  const Frame to = target(arguments);
-  if (arguments.verify && to.deviceType != 0 && (to.port == kAllPorts || to.board == kAllCards))
+  if (arguments.verify && isMany(target(arguments)))
     throw Error(Failure::Usage,
                 "what is written to all cards cannot be read back: --verify needs one port and card");
   return parsed(arguments, &writeAccess);

@@ -92,7 +92,8 @@ std::shared_ptr<LogArguments> addVerb(Verb& verb, const Options& options,
   verb.flag("--decode", arguments->decode,
             "A request a line: who, what, acknowledge, data, and microseconds, of which the trace tells "
             "thousands; the "
-            "daemon must run with -debug");
+            "daemon must run with -debug")
+      .excludes({"--level"});
   verb.option("--dir", "DIR", arguments->directory, "Where the files lie; without it, log of the board")
       .isFile();
   verb.run([&options, arguments, act] { act(options, *arguments); });

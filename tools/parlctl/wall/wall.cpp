@@ -95,6 +95,8 @@ struct Judged {
 
 Judged judged(const Options& options, const WallArguments& arguments) {
   const bool described = !arguments.size.empty() || !arguments.blocks.empty();
+  if (!described && arguments.detailed())
+    throw Error(Failure::Usage, "--cards, --ports and --mode describe a wall of SIZE, which is missing");
   std::optional<WantedWall> wanted;
   if (described) wanted = describedWall(arguments);
   Judged judged{described ? daemonIfThere(options) : options.connect(), {}, {}};

@@ -51,11 +51,11 @@ void addScreen(Verb& verb, WallArguments& arguments, bool sizeRequired) {
   verb.option(
       "--mode", "MODE", arguments.mode,
       "Connection mode, 0 to 7 or CORNER-rows, CORNER-columns: where the chain of a port begins (top-left, "
-      "top-right, bottom-left, bottom-right) and what it runs along");
+      "top-right, bottom-left, bottom-right) and what it runs along. Without it: 0, top-left-rows");
   verb.option(
           "--blocks", "FILE", arguments.blocks,
           "A block for each port instead: lines such as '0: 2x3 at 0,0 top-left-rows'; - is standard input")
-      .excludes({"--cards", "--ports"})
+      .excludes({"--cards", "--ports", "--mode"})
       .isFile();
 }
 
@@ -114,7 +114,7 @@ WantedWall describedWall(const WallArguments& arguments) {
   SmartScreen screen{.rows = static_cast<uint16_t>(rows),
                      .columns = static_cast<uint16_t>(columns),
                      .cardsPerPort = 0,
-                     .mode = modeNumber(arguments.mode),
+                     .mode = arguments.mode.empty() ? uint8_t{0} : modeNumber(arguments.mode),
                      .card = {}};
   if (!arguments.cards.empty()) screen.cardsPerPort = static_cast<uint16_t>(fromOne(arguments.cards, 0xFFFF));
   if (!arguments.ports.empty()) fromOne(arguments.ports, map::kMappedPorts);

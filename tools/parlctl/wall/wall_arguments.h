@@ -12,7 +12,7 @@ struct WallArguments {
   std::string blocks;  // a file
   std::string cards;
   std::string ports;
-  std::string mode = "0";
+  std::string mode;      // empty: 0
   std::string cardSize;  // empty: as the daemon says, or 128x128
   std::string svg;
   std::string port;
@@ -21,6 +21,9 @@ struct WallArguments {
   bool plan = false;
   bool strict = false;
   bool rear = false;
+
+  // Whether there is something that means nothing without SIZE.
+  bool detailed() const { return !cards.empty() || !ports.empty() || !mode.empty(); }
 };
 
 void addScreen(Verb& verb, WallArguments& arguments, bool sizeRequired);

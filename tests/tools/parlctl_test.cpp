@@ -45,6 +45,7 @@ wall set | wall set 4x6 --blocks x | wall set --blocks /nonexistent | wall check
 wall set --blocks x --mode 3 | card read 0 --port 255 | log show --decode --level error | wall set 4x6 --svg /nonexistent/x
 wall set 4x6 --plan --wait | wall check 4 | wall undo | wall wiring --port 10 | log show --since yesterday
 log show --level loud | log follow --for never | log show | capture | capture -o /nonexistent/x
+cabfile put /tmp | cabfile put /dev/null | reg write 5=@/tmp | input edid set --file /tmp
 replay /nonexistent | bundle | bundle -o /nonexistent/x | sim run --daemon /nonexistent | manual nothing
 completion csh | frobnicate)";
 
@@ -405,8 +406,8 @@ TEST_F(ParlctlTest, RequestsAreCapturedAndReplayed) {
   EXPECT_THAT(differing.output, HasSubstr("1 answered differently"));
   const std::string tar = (daemon.board().directory() / "b.tar").string();
   const Outcome bundled = run("bundle -o " + tar);
-  EXPECT_EQ(bundled.status, 1) << "there is no wall to draw";
-  EXPECT_THAT(bundled.output, HasSubstr("missing:\nwall.svg: "));
+  EXPECT_EQ(bundled.status, 1) << "parts are missing";
+  EXPECT_THAT(bundled.output, HasSubstr("6 files\nmissing:\nstatus.json: "));
   EXPECT_THAT(run("--version; tar -tf " + tar).output, HasSubstr("parlend-bundle/log.txt"));
 }
 

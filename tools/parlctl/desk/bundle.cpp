@@ -101,7 +101,7 @@ void bundle(const Options& options, const std::string& path) {
   options.print(
       {{{"file", path}, {"contents", contents}, {"missing", missing}},
        path + ": " + countText(contents.size(), "file") +
-           (missing.empty() ? "" : wrapped("\nmissing:\n" + missing.substr(0, missing.size() - 1), 4)),
+           (missing.empty() ? "" : '\n' + wrapped("missing:\n" + missing.substr(0, missing.size() - 1), 4)),
        missing.empty() ? Outcome::Done : Outcome::Found});
 }
 

@@ -11,6 +11,7 @@ namespace ORVE_MCUC {
 namespace {
 
 using Bytes = peer::Bytes;
+constexpr uint32_t kAlways = 0xFFFFFFFF;  // calls that fail
 
 Bytes counting(std::size_t count, uint8_t first = 1) {
   Bytes bytes(count);
@@ -118,12 +119,10 @@ TEST_F(SenderTest, IdentityTakesWhatItsRowsNameAndNothingElse) {
   EXPECT_THAT(daemon.board.text("etc/sysconf.env"), testing::HasSubstr("device_sn=0123456789abcdef\n"));
   expectAfter(0x3D, {0, 2, 0, 0, 0, 0, 0x5A}, 0x3D, {0, 2, 0, 0, 0, 0, 0x5A});
   EXPECT_EQ(journaled("fw_setenv ethaddr 02:00:00:00:00:5a"), 1U);
-  for (const uint32_t n : {1U, 2U, 3U}) {  // the page's read, wherever it is among the attempts
-    daemon.board.fault(Fault::FlashRead, {peer::kAlways});
-    write(2, {static_cast<uint8_t>(n), 0});
-    daemon.board.clearFaults();
-    EXPECT_TRUE(flashHolds(kPage, page)) << "zeros never replace what could not be read";
-  }
+  daemon.board.failNext(Fault::FlashRead, kAlways);
+  write(2, {1, 0});
+  daemon.board.clearFaults();
+  EXPECT_TRUE(flashHolds(kPage, page)) << "zeros never replace what could not be read";
 }
 
 struct Reset {
@@ -186,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(Types, ResetTest,
 
 TEST_F(SenderTest, AResetGoesOnBehindWhateverFailsAndIsNotLostToAReload) {
   for (const Fault kind : {Fault::FlashRead, Fault::FactoryWrite, Fault::CardWrite, Fault::FpgaWrite}) {
-    daemon.board.fault(kind, {peer::kAlways});
+    daemon.board.failNext(kind, kAlways);
     write(0x01000002, {2});
     write(0x01000002, {2});
     write(0x01000004, {1});

@@ -106,8 +106,10 @@ void restoreGamma(const Options& options, peer::Peer& daemon, const Backup& back
     return !isGamma(section) || backup.sections.contains(section.name);
   });
   if (!whole || compareCurves(daemon, backup).outcome == Outcome::Verified) return;
-  if (readFeature(daemon, featureAt(fpga::kHdrEnable))[0] != 0)
-    return done.kept.emplace_back("gamma: a curve for HDR is loaded");
+  if (readFeature(daemon, featureAt(fpga::kHdrEnable))[0] != 0) {
+    done.kept.emplace_back("gamma: a curve for HDR is loaded");
+    return;
+  }
   ++done.differences;
   done.lines.emplace_back("gamma: all three curves");
   if (dryRun) return;

@@ -164,6 +164,13 @@ TEST_F(FeatureTest, LsdItselfIsNotToldOfItsOffset) {
   EXPECT_THAT(pushes(), ElementsAre("1f0 f0ffffffe0ffffff"));
   model.pushes.clear();
   expectTheSame();
+  const peer::Frame asked{
+      .code = peer::kWrite, .address = kFeature + 0x28, .length = 4, .data = {8, 0, 9, 0}};
+  ASSERT_TRUE(daemon.exchange(peer::encode(asked), {}, peer::kLsd));
+  EXPECT_THAT(pushes(), IsEmpty());
+  EXPECT_EQ(daemon.workOff(), 1U);
+  model.write(0x28, asked.data);
+  expectTheSame();
 }
 
 TEST_F(FeatureTest, FlagsOfOtherPartsFollow) {

@@ -1,10 +1,11 @@
 // gamma show, load, make: the tables that every pixel goes through.
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <fstream>
 #include <memory>
 
 #include "commands.h"
+#include "inputfile.h"
 #include "maps/gammamap.h"
 #include "output.h"
 #include "picturedaemon.h"
@@ -83,13 +84,8 @@ struct LoadArguments {
 
 std::string textOfFile(const std::string& path) {
   constexpr std::size_t kLargest = 1 << 20;
-  std::ifstream file(path, std::ios::binary);
-  std::string text(kLargest + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.gcount() == 0) throw Error(Failure::Usage, path + " cannot be read, or is empty");
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  if (text.size() > kLargest) throw Error(Failure::Usage, path + " is too long for gamma tables");
-  return text;
+  const Bytes bytes = bytesOfFile(path, kLargest);
+  return {bytes.begin(), bytes.end()};
 }
 
 // The segment that ends a table makes it valid, and the last of a bank loads the FPGA: all go in order.

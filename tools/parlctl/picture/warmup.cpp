@@ -1,4 +1,5 @@
 // warmup show, set: mode and time of the display's warm-up.
+#include <algorithm>
 #include <memory>
 
 #include "commands.h"

@@ -149,7 +149,7 @@ constexpr bool registersAreSound() {
     if (row.length == 0 || row.name.empty()) return false;
     if (i > 0 && row.address < kRegisters[i - 1].end()) return false;
     const uint32_t base = reg::routerKey(row.address);
-    if (findSpace(base) == nullptr || reg::routerKey(row.end() - 1) != base) return false;
+    if (!isSpace(base) || reg::routerKey(row.end() - 1) != base) return false;
   }
   return allDiffer(kRegisters, &NamedRegister::name);
 }

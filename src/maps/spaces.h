@@ -3,6 +3,7 @@
 // misspellings included: they appear in logs and in the diagnostics that service tools print.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -149,11 +150,16 @@ constexpr const SpaceRow* findSpace(uint32_t base) {
   return nullptr;
 }
 
+constexpr bool isSpace(uint32_t base) {
+  return std::ranges::find(kSpaces, base, &SpaceRow::base) != kSpaces.end();
+}
+
 // The row of the space at a base, which must be one: anything else does not compile.
 constexpr const SpaceRow& spaceRow(uint32_t base) {
-  const SpaceRow* row = findSpace(base);
-  if (row == nullptr) throw "no space has this base";
-  return *row;
+  for (const auto& row : kSpaces) {
+    if (row.base == base) return row;
+  }
+  throw "no space has this base";
 }
 
 // The first base of the space that owns a row.

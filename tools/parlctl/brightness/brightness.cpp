@@ -20,7 +20,6 @@ namespace record = ORVE_MCUC::brightness;
 
 constexpr int64_t kDay = 86400;
 constexpr unsigned kPacketPorts = 8;  // the space's masks have eight bits
-constexpr const char* kReasons[] = {"timetable", "sensor", "fallback", "re-send", "heartbeat"};
 
 std::string momentText(int64_t localSeconds) {
   const map::LocalMoment moment = map::momentOf(localSeconds);
@@ -46,6 +45,7 @@ Standing standingOf(const Bytes& file, int64_t now, std::optional<uint16_t> lux)
   map::BrightnessFile whole{};
   std::copy_n(file.begin(), std::min(file.size(), whole.size()), whole.begin());
   map::VirtualWall wall(whole, now - kDay);
+  takeControlSwitch(wall);
   if (lux) wall.light = [lux](int64_t, const map::SensorRecord&) { return lux; };
   wall.runUntil(now);
   return {wall.control().state(), wall.sent.empty() ? std::nullopt : std::optional(wall.sent.back())};
@@ -87,12 +87,12 @@ void describeNodes(const map::BrightnessSchedule& state, int64_t now, Json& fiel
 
 void describeLast(const std::optional<map::SentBrightness>& last, Json& fields, std::string& text) {
   fields["last_sent"] = last ? Json(last->value) : Json();
-  fields["last_reason"] = last ? Json(kReasons[static_cast<std::size_t>(last->reason)]) : Json();
+  fields["last_reason"] = last ? Json(reasonName(last->reason)) : Json();
   fields["last_at"] = last ? Json(momentText(last->at)) : Json();
   if (!last) return;
   text += "\nsent     " +
           (last->black ? std::string(last->value == 0 ? "not black" : "black") : percentText(last->value)) +
-          ", by " + kReasons[static_cast<std::size_t>(last->reason)] + ", " + momentText(last->at);
+          ", by " + reasonName(last->reason) + ", " + momentText(last->at);
 }
 
 void show(const Options& options) {

@@ -250,7 +250,7 @@ int refuseShort(IMD_proto3rd& request, std::size_t needs) {
   PARLEND_TRACE(kError) << "=== WriteToHCInteraction ===a write of " << request.proto.m_data.size()
                         << " bytes at " << CTrace::hex << request.proto.m_uiRegisterUnitAddress
                         << " does not have the " << CTrace::decimal << needs
-                        << " bytes of its field, return.";
+                        << " bytes of its field or length, return.";
   request.proto.m_ucAck = kAckRefused;
   return kRefused;
 }
@@ -269,7 +269,8 @@ int WriteToHCInteraction(IMD_proto3rd& request) {
   int result = kDone;
   for (const auto& row : kWritings) {
     if (offset != row.offset || (row.length != 0 && row.length != length)) continue;
-    result = data.size() < row.needs ? refuseShort(request, row.needs) : row.carryOut(request, data);
+    const std::size_t needs = std::max<std::size_t>(row.needs, length);
+    result = data.size() < needs ? refuseShort(request, needs) : row.carryOut(request, data);
   }
   if (result != kDone) section.abandon();
   return result;

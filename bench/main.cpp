@@ -14,12 +14,13 @@ struct Measure {
 };
 
 constexpr std::array kMeasures{
-    Measure{"round-trip", &bench::measureRoundTrip}, Measure{"many-clients", &bench::measureManyClients},
-    Measure{"trace-line", &bench::measureTraceLine}, Measure{"work-queue", &bench::measureWorkQueue},
-    Measure{"spawn", &bench::measureSpawn},          Measure{"footprint", &bench::measureFootprint},
-    Measure{"mapping", &bench::measureMapping},      Measure{"checksum", &bench::measureChecksum},
-    Measure{"flood", &bench::measureFlood},          Measure{"inputs", &bench::measureInputs},
-    Measure{"brightness", &bench::measureBrightness}};
+    Measure{"round-trip", &bench::measureRoundTrip},  Measure{"many-clients", &bench::measureManyClients},
+    Measure{"trace-line", &bench::measureTraceLine},  Measure{"work-queue", &bench::measureWorkQueue},
+    Measure{"spawn", &bench::measureSpawn},           Measure{"footprint", &bench::measureFootprint},
+    Measure{"mapping", &bench::measureMapping},       Measure{"checksum", &bench::measureChecksum},
+    Measure{"flood", &bench::measureFlood},           Measure{"inputs", &bench::measureInputs},
+    Measure{"brightness", &bench::measureBrightness}, Measure{"sender", &bench::measureSender},
+    Measure{"picture", &bench::measurePicture}};
 
 struct Options {
   bool json = false;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <fstream>
 
-#include "features.h"
+#include "cardfeatures.h"
 
 namespace parlctl {
 

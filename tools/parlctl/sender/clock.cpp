@@ -1,8 +1,8 @@
 // clock get, clock set: the card's clock.
 #include <memory>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "maps/fpgamap.h"
 
 namespace parlctl {

@@ -1,8 +1,8 @@
 // offset show, mode, set: the shift of the picture, and the bypass mode that it belongs to.
 #include <memory>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "maps/fpgamap.h"
 #include "mcucdatablock.h"
 #include "readback.h"

@@ -5,8 +5,8 @@
 #include <memory>
 #include <thread>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "maps/commands.h"
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"

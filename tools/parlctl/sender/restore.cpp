@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "helptext.h"
 #include "maps/fpgamap.h"
 #include "maps/gammamap.h"

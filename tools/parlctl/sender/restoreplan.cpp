@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "features.h"
+#include "cardfeatures.h"
 #include "maps/fpgamap.h"
 
 namespace parlctl {

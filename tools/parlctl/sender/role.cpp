@@ -1,8 +1,8 @@
 // role: master or slave.
 #include <memory>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "maps/fpgamap.h"
 #include "readback.h"
 

@@ -1,8 +1,8 @@
 // test fpga: the pattern test of the road to the FPGA.
 #include <memory>
 
+#include "cardfeatures.h"
 #include "commands.h"
-#include "features.h"
 #include "maps/fpgamap.h"
 #include "maps/registermap.h"
 

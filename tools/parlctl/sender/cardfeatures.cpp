@@ -1,4 +1,4 @@
-#include "features.h"
+#include "cardfeatures.h"
 
 #include <algorithm>
 #include <array>

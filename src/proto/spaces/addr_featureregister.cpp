@@ -67,8 +67,8 @@ void addFiberLinks() {
 // The first bytes tell peers nothing any more, and the clock tells them the time.
 void completeImage() {
   FeatureDraft draft;
-  for (const std::size_t at : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 14}) draft.put(at, 0xFF);
-  for (const std::size_t at : {15, 16}) draft.put(at, 0);
+  for (const unsigned at : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 13U, 14U}) draft.put(at, 0xFF);
+  for (const unsigned at : {15U, 16U}) draft.put(at, 0);
   BcdClock clock{};
   static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kClock, clock));
   BasicPublicFunc::getInstance()->GetHwTime(clock);

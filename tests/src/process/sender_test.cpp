@@ -181,7 +181,7 @@ INSTANTIATE_TEST_SUITE_P(Types, ResetTest,
                                          Reset{"Fiber0", kFiber, 0, true, false, kMeasured},
                                          Reset{"NoLink2", kNoLink, 2, true, true, kAssumed},
                                          Reset{"Unknown", kCopper, kUnknownType, true, false, kMeasured}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SenderTest, AResetGoesOnBehindWhateverFailsAndIsNotLostToAReload) {
   for (const Fault kind : {Fault::FlashRead, Fault::FactoryWrite, Fault::CardWrite, Fault::FpgaWrite}) {

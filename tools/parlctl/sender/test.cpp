@@ -37,8 +37,9 @@ void addTest(Verb& root, const Options& options) {
       .operand("WHAT", *word, "What to do")
       .oneOf({"start", "stop"})
       .note(
-          "The result is in the card's log. The switch shares a byte with the output height, which is "
-          "wrong for a moment")
+          "The result is in the card's log. The patterns overwrite the port tables, which 'reload' brings "
+          "back. "
+          "The switch shares a byte with the output height, which is wrong for a moment")
       .example("test fpga start")
       .run([&options, word] { run(options, *word); });
 }

@@ -18,6 +18,7 @@ void measureMapping(const Programs& programs, const Effort& effort, Table& table
 void measureBrightness(const Programs& programs, const Effort& effort, Table& table);
 void measurePicture(const Programs& programs, const Effort& effort, Table& table);
 void measureInputs(const Programs& programs, const Effort& effort, Table& table);
+void measureSender(const Programs& programs, const Effort& effort, Table& table);
 void measureChecksum(const Programs& programs, const Effort& effort, Table& table);
 void measureFlood(const Programs& programs, const Effort& effort, Table& table);
 

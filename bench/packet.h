@@ -20,8 +20,8 @@ constexpr void put32(Request& packet, std::size_t at, uint32_t value) {
   for (std::size_t i = 0; i < 4; ++i) packet[at + i] = static_cast<unsigned char>(value >> (8 * i));
 }
 
-// A read of kReadBytes at kRegister by the peer of that task identifier.
-constexpr Request readRequest(uint32_t task) {
+// A read of kReadBytes by the peer of that task identifier.
+constexpr Request readRequest(uint32_t task, uint32_t address = kRegister) {
   Request packet{};
   put32(packet, 0, task);
   put32(packet, 4, 1);
@@ -29,7 +29,7 @@ constexpr Request readRequest(uint32_t task) {
   put32(packet, 24, kRequestSize - kHead);
   packet[kHead] = 0x55;
   packet[kHead + 1] = 0xAA;
-  put32(packet, kHead + 12, kRegister);
+  put32(packet, kHead + 12, address);
   packet[kHead + 16] = kReadBytes;
   uint32_t sum = 0x5555;
   for (std::size_t i = kHead + 2; i < kHead + 18; ++i) sum += packet[i];

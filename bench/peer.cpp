@@ -36,7 +36,8 @@ int connectTo(const std::filesystem::path& path) {
 
 }  // namespace
 
-Peer::Peer(const std::filesystem::path& socket, uint32_t service) : socket_(connectTo(socket)) {
+Peer::Peer(const std::filesystem::path& socket, uint32_t service, uint32_t address)
+    : socket_(connectTo(socket)) {
   uint32_t task = service;
   timeval limit{.tv_sec = 10, .tv_usec = 0};
   setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
@@ -45,7 +46,7 @@ Peer::Peer(const std::filesystem::path& socket, uint32_t service) : socket_(conn
     close(socket_);
     throw std::runtime_error("the peer was refused");
   }
-  request_ = readRequest(task);
+  request_ = readRequest(task, address);
 }
 
 Peer::~Peer() {

@@ -11,7 +11,7 @@ namespace bench {
 class Peer {
  public:
   // Connects and says who it is; tries again for up to 10 s while nobody listens. Throws std::runtime_error.
-  Peer(const std::filesystem::path& socket, uint32_t service);
+  Peer(const std::filesystem::path& socket, uint32_t service, uint32_t address = kRegister);
   ~Peer();
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;

@@ -5,6 +5,7 @@
 
 #include "brightness_daemon.h"
 #include "commands.h"
+#include "helptext.h"
 #include "maps/registermap.h"
 #include "output.h"
 
@@ -119,7 +120,7 @@ void show(const Options& options) {
   const bool whole = standing.last && !standing.last->black && standing.last->port == map::kEveryPort;
   const bool differs = whole && std::any_of(cards.begin(), cards.end(),
                                             [&](const Json& value) { return value != standing.last->value; });
-  text += "\ncards    " + cardsText(cards);
+  text += '\n' + wrapped("cards    " + cardsText(cards), 9);
   if (differs)
     text += "\nthe cards do not have what the plan sends: set by hand, or the plan was started later";
   fields["as_planned"] = whole ? Json(!differs) : Json();

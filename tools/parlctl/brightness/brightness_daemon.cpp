@@ -110,7 +110,7 @@ int64_t boardTime(const Options& options) {
 
 PlanFile planFromFile(const std::string& path) {
   constexpr std::size_t kLargest = 1 << 20;
-  const Bytes bytes = bytesOfFile(path, kLargest);
+  const Bytes bytes = fileBytes(path, kLargest);
   const std::string text(bytes.begin(), bytes.end());
   const auto first = text.find_first_not_of(" \t\r\n");
   if (first != std::string::npos && (text[first] == '{' || text[first] == '/')) {

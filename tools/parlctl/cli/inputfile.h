@@ -1,15 +1,16 @@
-// Files that people hand in.
+// What a file or standard input holds, whole.
 #pragma once
 
-#include <cstddef>
+#include <istream>
 #include <string>
 
 #include "peer/frame.h"
 
 namespace parlctl {
 
-// The whole of a file. Throws peer::Error (Usage) when it cannot be read or is longer than most bytes; of a
-// file without an end no more than that is read.
-peer::Bytes bytesOfFile(const std::string& path, std::size_t most);
+// From one byte to `most`. Throws peer::Error (Usage) where there is nothing to read, or more than that.
+peer::Bytes fileBytes(const std::string& path, std::size_t most);
+// The same of a stream, which the name stands for in the words.
+peer::Bytes streamBytes(std::istream& from, const std::string& name, std::size_t most);
 
 }  // namespace parlctl

@@ -87,7 +87,7 @@ Comparison compareWithCopy(const Options& options, peer::Peer& daemon, uint32_t 
 std::vector<CabFile> filesToPut(const std::vector<std::string>& paths, bool force) {
   std::vector<CabFile> files;
   for (const std::string& path : paths) {
-    files.push_back({baseName(path), bytesOfFile(path, rv::kMostFileBytes)});
+    files.push_back({baseName(path), fileBytes(path, rv::kMostFileBytes)});
     const RvPlan plan = ORVE_MCUC::planOf(files.back().bytes);
     if (plan.end != RvEnd::kDone && !force) {
       throw Error(Failure::Usage, path + ": " + faultText(plan.end) + "; --force stores it all the same");
@@ -197,7 +197,7 @@ void play(const Options& options, uint32_t number, bool wait) {
 }
 
 std::string textOfFile(const std::string& path) {
-  const Bytes bytes = bytesOfFile(path, kMostText);
+  const Bytes bytes = fileBytes(path, kMostText);
   return {bytes.begin(), bytes.end()};
 }
 
@@ -214,7 +214,7 @@ void compile(const Options& options, const std::string& path, const std::string&
 }
 
 void decompile(const Options& options, const std::string& path, const std::string& to) {
-  const Bytes bytes = bytesOfFile(path, rv::kMostFileBytes);
+  const Bytes bytes = fileBytes(path, rv::kMostFileBytes);
   write(options, decompileCabFile(bytes), to, ORVE_MCUC::planOf(bytes));
 }
 

@@ -138,7 +138,7 @@ struct SetArguments {
 };
 
 Bytes edidOfFile(const std::string& path) {
-  Bytes edid = bytesOfFile(path, kEdidBytes);
+  const Bytes edid = fileBytes(path, kEdidBytes);
   if (edid.size() != kEdidBlock && edid.size() != kEdidBytes) {
     throw Error(Failure::Usage, path + ": an EDID of 128 or 256 bytes is wanted");
   }

@@ -65,9 +65,9 @@ void show(const Options& options) {
   if ((settings.type == kHdr10 || settings.type == kHlg) != curve.isHdr()) {
     result.outcome = Outcome::Differs;
     result.text += "\ndiffers: the FPGA does not have what is set";
-  } else if (curve.white == 0) {
+  } else if (curve.isHdr() && curve.white == 0) {
     result.outcome = Outcome::Found;
-    result.text += "\nfound: white is dark, so the wall is; the cards' brightness counts for HDR10";
+    result.text += "\nfound: the curve is dark, and so is the wall; HDR10 takes the cards' brightness";
   }
   options.print(result);
 }

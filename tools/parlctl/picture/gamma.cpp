@@ -84,7 +84,7 @@ struct LoadArguments {
 
 std::string textOfFile(const std::string& path) {
   constexpr std::size_t kLargest = 1 << 20;
-  const Bytes bytes = bytesOfFile(path, kLargest);
+  const Bytes bytes = fileBytes(path, kLargest);
   return {bytes.begin(), bytes.end()};
 }
 

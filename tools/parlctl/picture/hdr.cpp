@@ -38,8 +38,9 @@ const char* typeName(uint8_t type) {
 }
 
 std::string curveText(const LoadedCurve& curve) {
-  return std::string(curve.isHdr() ? "an HDR curve" : "gamma tables") + ", white is " +
-         std::to_string(curve.white * 100 / 65535) + " %";
+  std::string text = curve.isHdr() ? "an HDR curve" : "gamma tables";
+  text += ", white is " + std::to_string(curve.white * 100 / 65535) + " %";
+  return text;
 }
 
 Result described(const Settings& settings, const LoadedCurve& curve) {

@@ -7,20 +7,16 @@
 
 #include "calc/brightnesspreview.h"
 #include "mcucdatablock.h"
-#include "mcuctrace.h"
-#include "mcucutil.h"
-#include "platform/board.h"
+#include "probe.h"
 #include "process/proc_poll.h"
 #include "proto/spaces/addr_hardwarebrightnessadjust.h"
 #include "proto/store/data_common.h"
-#include "rounds.h"
 
 namespace {
 
 using namespace ORVE_MCUC;
 namespace at = ORVE_MCUC::brightness;
 
-constexpr int kResultFd = 3;
 constexpr int kTicks = 99 * 100;  // 33 minutes of ticks
 
 // One slot from midnight on, one sensor, a map of two points, a reading every five seconds.
@@ -69,10 +65,7 @@ double microsecondsOfTick(const BrightnessFile& file) {
 }  // namespace
 
 int main(int, char** argv) {
-  char* arguments[] = {argv[0], nullptr};
-  board_start(1, arguments);
-  setTraceLevel(0);
-  setDelayScale(0);
+  bench::startBoard(argv);
   Data_Global::getInstance()->GigaPhyLinkSta = 0x000F;
   const BrightnessFile files[] = {{},
                                   tableFile(at::kProgrammable),
@@ -81,6 +74,6 @@ int main(int, char** argv) {
                                   mixedFile(at::kMixed, true),
                                   mixedFile(at::kSerialBlack, false),
                                   mixedFile(at::kHardware, false)};
-  for (const BrightnessFile& file : files) dprintf(kResultFd, "%f\n", microsecondsOfTick(file));
+  for (const BrightnessFile& file : files) dprintf(bench::kResultFd, "%f\n", microsecondsOfTick(file));
   return 0;
 }

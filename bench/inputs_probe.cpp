@@ -1,11 +1,7 @@
 // Prints on descriptor 3, in microseconds: from a written EDID to the loaded one, the same bytes written
 // plainly; and in milliseconds: a configuration file of 1 MiB in chunks of 2 KiB, the same bytes by pwrite
 // and fdatasync.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -13,34 +9,19 @@
 #include "calc/inputmode.h"
 #include "calc/inputmodes.h"
 #include "mcucdatablock.h"
-#include "mcuctrace.h"
-#include "mcucutil.h"
-#include "platform/board.h"
+#include "probe.h"
 #include "process/inputSource.h"
 #include "process/rvconfigspace.h"
 #include "process/tprocess.h"
-#include "rounds.h"
 
 namespace {
 
 using namespace ORVE_MCUC;
 
-constexpr int kResultFd = 3;
 constexpr int kEdids = 100;
 constexpr int kFiles = 5;
 constexpr std::size_t kFileBytes = 1024 * 1024;
 constexpr uint32_t kFirstBody = 0x2000;
-
-template <class Work>
-double medianTime(int rounds, Work work) {
-  std::vector<double> samples;
-  for (int i = 0; i < rounds; ++i) {
-    const double start = bench::nowUs();
-    work(i);
-    samples.push_back(bench::nowUs() - start);
-  }
-  return bench::median(samples);
-}
 
 // A work item as the queue hands it to its handler.
 std::vector<uint8_t> itemOf(uint32_t registerAddress, std::span<const uint8_t> data) {
@@ -62,7 +43,7 @@ double loadEdids() {
   inputs.InputBoardInit();
   EdidBytes edid{};
   inputs.ReadEDIDInfo(0, edid);
-  return medianTime(kEdids, [&](int n) {
+  return bench::medianTime(kEdids, [&](int n) {
     const auto made = ResT_calEDID_by_model_new(edid, {static_cast<uint16_t>(1024 + n), 600, 6000});
     if (!made) std::abort();
     auto item = itemOf(reg::kEdid, *made);
@@ -75,42 +56,30 @@ double storeFiles(std::vector<std::vector<uint8_t>>& items) {
   putLe32(header, rv::kHeadBytes + rv::kEntryOffsetAt, kFirstBody);
   auto announce = itemOf(rv::kHeader, header);
   handle(&Tprocess::Sprocess_RVConfigFileSpace, announce);
-  return medianTime(kFiles, [&](int) {
+  return bench::medianTime(kFiles, [&](int) {
     for (auto& item : items) handle(&Tprocess::Sprocess_RVConfigFileSpace, item);
   });
 }
 
-int openBeside(const char* name) {
-  char path[PATH_MAX];
-  const int file =
-      board_path(name, path, sizeof path) == 0 ? open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0600) : -1;
-  if (file < 0) std::abort();
-  return file;
-}
-
-void writeAt(int file, const uint8_t* bytes, std::size_t length, std::size_t at) {
-  if (pwrite(file, bytes, length, static_cast<off_t>(at)) != static_cast<ssize_t>(length)) std::abort();
-}
-
 // The stored modes to one file and the EDID to another.
 double writeEdidsPlainly(const std::vector<uint8_t>& bytes) {
-  const int modes = openBeside("/plain-modes");
-  const int edid = openBeside("/plain-edid");
-  return medianTime(kEdids, [&](int) {
-    writeAt(modes, bytes.data(), kInSetParaBytes, 0);
-    writeAt(edid, bytes.data(), kEdidBytes, 0);
+  const int modes = bench::openBeside("/plain-modes");
+  const int edid = bench::openBeside("/plain-edid");
+  return bench::medianTime(kEdids, [&](int) {
+    bench::writeAt(modes, bytes.data(), kInSetParaBytes, 0);
+    bench::writeAt(edid, bytes.data(), kEdidBytes, 0);
   });
 }
 
 // Each chunk to a file, made durable, and to its copy in flash.
 double writeFilesPlainly(const std::vector<uint8_t>& bytes) {
-  const int stored = openBeside("/plain-file");
-  const int copy = openBeside("/plain-copy");
-  return medianTime(kFiles, [&](int) {
+  const int stored = bench::openBeside("/plain-file");
+  const int copy = bench::openBeside("/plain-copy");
+  return bench::medianTime(kFiles, [&](int) {
     if (ftruncate(stored, 0) != 0) std::abort();
     for (std::size_t at = 0; at < bytes.size(); at += rv::kMostChunk) {
-      writeAt(copy, &bytes[at], rv::kMostChunk, at);
-      writeAt(stored, &bytes[at], rv::kMostChunk, at);
+      bench::writeAt(copy, &bytes[at], rv::kMostChunk, at);
+      bench::writeAt(stored, &bytes[at], rv::kMostChunk, at);
       if (fdatasync(stored) != 0) std::abort();
     }
   });
@@ -119,10 +88,7 @@ double writeFilesPlainly(const std::vector<uint8_t>& bytes) {
 }  // namespace
 
 int main(int, char** argv) {
-  char* arguments[] = {argv[0], nullptr};
-  board_start(1, arguments);
-  setTraceLevel(0);
-  setDelayScale(0);
+  bench::startBoard(argv);
   const std::vector<uint8_t> bytes(kFileBytes, 0x5A);
   std::vector<std::vector<uint8_t>> items;
   for (std::size_t at = 0; at < bytes.size(); at += rv::kMostChunk) {
@@ -133,6 +99,6 @@ int main(int, char** argv) {
   const double plainEdid = writeEdidsPlainly(bytes);
   const double file = storeFiles(items);
   const double plainFile = writeFilesPlainly(bytes);
-  dprintf(kResultFd, "%f %f %f %f\n", edid, plainEdid, file / 1000, plainFile / 1000);
+  dprintf(bench::kResultFd, "%f %f %f %f\n", edid, plainEdid, file / 1000, plainFile / 1000);
   return 0;
 }

@@ -19,7 +19,8 @@ constexpr std::array kMeasures{
     Measure{"spawn", &bench::measureSpawn},           Measure{"footprint", &bench::measureFootprint},
     Measure{"mapping", &bench::measureMapping},       Measure{"checksum", &bench::measureChecksum},
     Measure{"flood", &bench::measureFlood},           Measure{"inputs", &bench::measureInputs},
-    Measure{"brightness", &bench::measureBrightness}, Measure{"sender", &bench::measureSender}};
+    Measure{"brightness", &bench::measureBrightness}, Measure{"sender", &bench::measureSender},
+    Measure{"picture", &bench::measurePicture}};
 
 struct Options {
   bool json = false;

@@ -1,30 +1,21 @@
 // Prints on descriptor 3, in microseconds: the mapping of the largest wall as a calculation, a walk that
 // works out each entry by itself, the road of a submission from the peer's write to the saved tables, and the
 // same bytes written plainly.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 #include "calc/mapping.h"
 #include "calc/screenrecord.h"
-#include "mcuctrace.h"
-#include "mcucutil.h"
-#include "platform/board.h"
+#include "probe.h"
 #include "process/tprocess.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/data_common.h"
-#include "rounds.h"
 
 namespace {
 
 using namespace ORVE_MCUC;
 
-constexpr int kResultFd = 3;
 constexpr int kRounds = 200;
 constexpr int kRoadRounds = 60;
 // Ten ports with 1024 cards each.
@@ -54,17 +45,6 @@ void mapByEntry(Tables& tables) {
   }
 }
 
-template <class Work>
-double medianTime(int rounds, Work work) {
-  std::vector<double> samples;
-  for (int i = 0; i < rounds; ++i) {
-    const double start = bench::nowUs();
-    work();
-    samples.push_back(bench::nowUs() - start);
-  }
-  return bench::median(samples);
-}
-
 // The peer's write through the space, its work item, and the mapping that the tick would start.
 void submit() {
   IMD_proto3rd request;
@@ -83,40 +63,27 @@ void submit() {
 // What a submission brings to FPGA and flash, and nothing else: the tables once to one file in blocks, and
 // two saves of all parameters to another.
 void writePlainly(int fpga, int flash, const Tables& tables) {
-  for (off_t at = 0; at < static_cast<off_t>(tables.size()); at += 1024) {
-    if (pwrite(fpga, &tables[static_cast<std::size_t>(at)], 1024, at) != 1024) std::abort();
-  }
+  for (std::size_t at = 0; at < tables.size(); at += 1024) bench::writeAt(fpga, &tables[at], 1024, at);
   for (int save = 0; save < 2; ++save) {
     for (const std::size_t length : {std::size_t{512}, std::size_t{512}, tables.size(), std::size_t{768}}) {
-      if (pwrite(flash, tables.data(), length, 0) != static_cast<ssize_t>(length)) std::abort();
+      bench::writeAt(flash, tables.data(), length, 0);
     }
   }
-}
-
-int openBeside(const char* name) {
-  char path[PATH_MAX];
-  const int file =
-      board_path(name, path, sizeof path) == 0 ? open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0600) : -1;
-  if (file < 0) std::abort();
-  return file;
 }
 
 }  // namespace
 
 int main(int, char** argv) {
-  char* arguments[] = {argv[0], nullptr};
-  board_start(1, arguments);
-  setTraceLevel(0);
-  setDelayScale(0);
+  bench::startBoard(argv);
   Tables tables(kPortTablesSize);
   Tables check(kPortTablesSize);
-  const double atOnce = medianTime(kRounds, [&] { mapAtOnce(tables); });
-  const double byEntry = medianTime(kRounds, [&] { mapByEntry(check); });
+  const double atOnce = bench::medianTime(kRounds, [&](int) { mapAtOnce(tables); });
+  const double byEntry = bench::medianTime(kRounds, [&](int) { mapByEntry(check); });
   if (tables != check) return 1;
-  const double road = medianTime(kRoadRounds, [] { submit(); });
-  const int fpga = openBeside("/plain-fpga");
-  const int flash = openBeside("/plain-flash");
-  const double plain = medianTime(kRoadRounds, [&] { writePlainly(fpga, flash, tables); });
-  dprintf(kResultFd, "%f %f %f %f\n", atOnce, byEntry, road, plain);
+  const double road = bench::medianTime(kRoadRounds, [](int) { submit(); });
+  const int fpga = bench::openBeside("/plain-fpga");
+  const int flash = bench::openBeside("/plain-flash");
+  const double plain = bench::medianTime(kRoadRounds, [&](int) { writePlainly(fpga, flash, tables); });
+  dprintf(bench::kResultFd, "%f %f %f %f\n", atOnce, byEntry, road, plain);
   return 0;
 }

@@ -16,6 +16,7 @@ void measureSpawn(const Programs& programs, const Effort& effort, Table& table);
 void measureFootprint(const Programs& programs, const Effort& effort, Table& table);
 void measureMapping(const Programs& programs, const Effort& effort, Table& table);
 void measureBrightness(const Programs& programs, const Effort& effort, Table& table);
+void measurePicture(const Programs& programs, const Effort& effort, Table& table);
 void measureInputs(const Programs& programs, const Effort& effort, Table& table);
 void measureSender(const Programs& programs, const Effort& effort, Table& table);
 void measureChecksum(const Programs& programs, const Effort& effort, Table& table);

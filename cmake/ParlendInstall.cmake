@@ -14,7 +14,7 @@ function(parlend_made file program)
   set(files ${files} ${made}/${file} PARENT_SCOPE)
 endfunction()
 
-foreach(noun ${PARLCTL_NOUNS})
+foreach(noun ${PARLCTL_NOUNS} completion)
   parlend_made(parlctl-${noun}.1 parlctl manual ${noun})
 endforeach()
 parlend_made(parlctl.1 parlctl manual)

@@ -95,9 +95,9 @@ void BrightnessControl::UpdataBrightnessPara() {
 
 void BrightnessControl::SetBrightnessAdjustTable(std::size_t offset, std::span<const uint8_t> data) {
   device_.note(Note::BeginWrite, {});
-  loadMirror();
   const bool modeWrite = offset == record::kMode && data.size() == 1;
-  if (!data.empty() && (!modeWrite || storeMode(data[0]))) write(offset, data);
+  // Without the stored file nobody knows which mode the write is for.
+  if (!data.empty() && loadMirror() && (!modeWrite || storeMode(data[0]))) write(offset, data);
   device_.note(Note::FinishWrite, {});
 }
 
@@ -154,8 +154,11 @@ bool BrightnessControl::storeChunk(std::size_t offset, std::span<const uint8_t> 
 void BrightnessControl::takeFileLength(std::size_t offset, std::span<const uint8_t> data) {
   if (offset != 0 || data.size() < kLengthEnd) return;
   const uint16_t length = le16(data, record::kFileLength);
-  locked([&](BrightnessSchedule& schedule) { schedule.ConfigFileLength = length; });
-  device_.note(Note::FileLength, {length});
+  const bool mixed = locked([&](BrightnessSchedule& schedule) {
+    schedule.ConfigFileLength = length;
+    return record::isMixedFile(schedule.mode());
+  });
+  if (mixed) device_.note(Note::FileLength, {length});
 }
 
 void BrightnessControl::writeMixed(std::size_t offset, std::span<const uint8_t> data) {

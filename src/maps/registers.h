@@ -142,6 +142,35 @@ constexpr std::string_view readEffect(uint32_t address, std::size_t length) {
   return {};
 }
 
+// Registers of which a read does not give what was written. Addresses are those of the devices in the field.
+struct ReadDifference {
+  uint32_t address;
+  uint32_t length;  // bytes of the read; 0: of any length
+  std::string_view text;
+};
+inline constexpr std::array kReadDifferences{
+    ReadDifference{reg::kCommunicationMode, 1,
+                   "flash 0xC210C0; a write goes to the environment store only, as 0, 1, or 2 for all else"},
+    ReadDifference{reg::kHdrType, 4, "type, peak light u16 and low byte of the ambient light, as set last"},
+    ReadDifference{reg::kHdrType, 25,
+                   "flash 0xC21117 with type, peak light, ambient light and low grey, as set last, laid over "
+                   "it; the record of a write is stored at 0xC21000"},
+    ReadDifference{reg::kHlgClass, 0,
+                   "the class that was set last; a write holds while the type is not 0x58"},
+    ReadDifference{reg::kWarmUp, 2,
+                   "flash 0xD14130; a write is stored at 0xD14000, where register 0x0F800000 reads it"},
+    ReadDifference{reg::kLowGrey, 0, "what was set last; a write holds while the type is 0x58"},
+    ReadDifference{
+        reg::kPictureQuality, 6,
+        "contrast, saturation, hue as u16 each; a write has 4 bytes: saturation, contrast, hue u16"},
+    ReadDifference{
+        reg::kRGBGamma, 0,
+        "the FPGA, 0x700000 on; a write goes to flash, and the last segment of a bank's last table "
+        "loads the FPGA unless an HDR type is set"},
+    ReadDifference{reg::kGamma10BitValue, 1, "FPGA 0xD12000; a write goes to flash 0xD12000"},
+    ReadDifference{reg::kGamma12BitValue, 1, "FPGA 0xD13000; a write goes to flash 0xD13000"},
+};
+
 // Ascending, none reaching into the next, each inside one space.
 constexpr bool registersAreSound() {
   for (std::size_t i = 0; i < kRegisters.size(); ++i) {

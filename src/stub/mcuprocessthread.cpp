@@ -75,7 +75,7 @@ bool McuProcessThread::waitForTurn(Lock& lock) {
   if (isHandler()) return !m_bExitMcuProcessThread;
   ++m_producers;
   m_turn.wait(lock, [this] {
-    const bool mayGoIn = hasRoom() ? !m_busy || m_admitting : !m_threadRuns;
+    const bool mayGoIn = hasRoom() ? isIdle() || m_admitting : !m_threadRuns;
     return m_bExitMcuProcessThread || mayGoIn;
   });
   --m_producers;

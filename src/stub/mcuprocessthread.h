@@ -4,7 +4,8 @@
 // Whoever adds waits until the running handler has returned and until there is room; a handler's own items
 // wait for neither. Between two items the thread lets in one of those who wait, and only one: so a producer
 // gets in however many items there are, and a producer that never pauses does not keep the thread from its
-// items.
+// items. For the same reason nobody adds to items that the thread has been woken for and has not yet begun:
+// whatever stands in the queue then stays there as long as the pressure lasts, before everybody's next item.
 #pragma once
 
 #include <pthread.h>
@@ -63,6 +64,7 @@ class McuProcessThread {
   // Waits until an item may be added. False: it is refused.
   bool waitForTurn(Lock& lock);
   bool hasRoom() const { return m_messageList.size() < kMostItems; }
+  bool isIdle() const { return !m_busy && (m_messageList.empty() || !m_threadRuns); }
   // Whether the calling thread is running one of this queue's handlers.
   bool isHandler() const;
   std::size_t handleAll(Lock& lock);

@@ -144,10 +144,14 @@ void TestBoard::setCard(uint8_t type, uint8_t port, uint16_t board, uint32_t add
   simboard::setCardRegisters(type, port, board, address, values);
 }
 
-std::vector<std::string> TestBoard::journal() const {
+std::vector<std::string> TestBoard::journal(std::streamoff& from) const {
   std::vector<std::string> lines;
   std::ifstream stream(file("hw/journal.log"));
-  for (std::string line; std::getline(stream, line);) lines.push_back(line.substr(line.find(' ') + 1));
+  stream.seekg(from);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line.substr(line.find(' ') + 1));
+    from += static_cast<std::streamoff>(line.size() + 1);
+  }
   return lines;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <ios>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -76,7 +77,12 @@ class TestBoard {
   void setLux(std::size_t sensor, uint32_t lux) const { simboard::setSensorLux(sensor, lux); }
 
   /** The journal's lines without their stamps. */
-  std::vector<std::string> journal() const;
+  std::vector<std::string> journal() const {
+    std::streamoff begin = 0;
+    return journal(begin);
+  }
+  /** Those from a place on, which moves to their end. */
+  std::vector<std::string> journal(std::streamoff& from) const;
 
   // Time. Without these calls pauses wait and the clock is the host's with an offset.
 

@@ -18,6 +18,7 @@
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/spaces/addr_hardwarebrightnessadjust.h"
+#include "proto/spaces/coloursettings.h"
 #include "proto/store/data_common.h"
 #include "proto/store/porttables.h"
 #include "proto/tshl_ctl.h"
@@ -49,6 +50,7 @@ void forgetEverything() {
   Proc_Poll::deleteInstance();
   Addr_HardWareBrightnessAdjust::deleteInstance();
   RvConfigSpace::deleteInstance();
+  ColourSettings::deleteInstance();
   DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;

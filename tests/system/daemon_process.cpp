@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "peer/error.h"
 
@@ -42,6 +43,16 @@ std::vector<std::string> commandLine(const std::string& argument) {
   if (out >= 0 && err >= 0 && dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0)
     execvp(arguments.front(), arguments.data());
   _exit(127);
+}
+
+// Of a child that is about to end; -1: a signal ended it, or it had to be killed after all.
+int exitStatus(pid_t child) {
+  int status = 0;
+  if (!eventually([&] { return waitpid(child, &status, WNOHANG) == child; })) {
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace
@@ -118,17 +129,15 @@ bool DaemonProcess::alive() {
   return process_ > 0;
 }
 
+int DaemonProcess::awaitEnd() {
+  return exitStatus(std::exchange(process_, -1));
+}
+
 int DaemonProcess::runSecond(std::string& errors) const {
   const std::string output = (directory_ / "second").string();
-  const pid_t child = spawn("", output);
-  int status = 0;
-  if (!eventually([&] { return waitpid(child, &status, WNOHANG) == child; })) {
-    ::kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    return -1;
-  }
+  const int status = exitStatus(spawn("", output));
   errors = contents(output + ".err");
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return status;
 }
 
 peer::Peer DaemonProcess::connect(uint32_t serviceCode) const {

@@ -33,6 +33,8 @@ class DaemonProcess {
   // Ends it at once, as a power cut would.
   void kill();
   bool alive();
+  // Waits until it has ended by itself: the exit status; -1: a signal ended it, or it does not end.
+  int awaitEnd();
 
   // Starts one more daemon on the same board and waits for its end: the exit status.
   int runSecond(std::string& errors) const;

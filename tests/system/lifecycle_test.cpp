@@ -20,6 +20,18 @@ TEST_F(LifecycleTest, AKilledDaemonFindsTheBoardStillOn) {
   EXPECT_THAT(read(0x02300000, 64), Carries(counting(64)));
 }
 
+TEST_F(LifecycleTest, APowerCutEndsTheDaemonWithItsStatusAndTheNextStartSwitchesTheBoardOn) {
+  daemon.board().setFpga(0x00C0FFE0, counting(8));
+  daemon.board().setPowerCut({.atWrite = 1});
+  client->send(peer::encode(peer::Frame{
+                   .code = peer::kWrite, .address = 0x02300000, .length = 64, .data = counting(64)}),
+               kRawNumber);
+  EXPECT_EQ(daemon.awaitEnd(), 75);
+  start();
+  EXPECT_THAT(read(0xF0C0FFE0, 8), Carries(zeros(8)));
+  EXPECT_THAT(read(0x02300000, 64), Carries(zeros(64))) << "what was under way when the power went";
+}
+
 TEST_F(LifecycleTest, ASecondDaemonOnTheSameBoardRefusesToStart) {
   std::string errors;
   EXPECT_GT(daemon.runSecond(errors), 0);

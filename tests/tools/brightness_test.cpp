@@ -185,6 +185,10 @@ TEST(BrightnessPictureTest, ADayShowsWhatIsSentAndWhy) {
   EXPECT_THAT(unlit.text(), HasSubstr("| 10-100 % by light"));
   EXPECT_THAT(unlit.svg(), HasSubstr("between the ends of the map"));
   EXPECT_THAT(lit.svg(), Not(HasSubstr("between the ends of the map")));
+  // A plan whose control switch is off waits for it.
+  const BrightnessPicture off(planFromText(replaced(kMixed, "\"gradual\"", "\"on\": false, \"gradual\"")),
+                              kMonday, 1, lightFrom("550"));
+  EXPECT_THAT(off.text(), HasSubstr("nothing is sent"));
 }
 
 TEST(BrightnessPictureTest, PicturesAreWholeAndNameTheirAxes) {

@@ -1,23 +1,10 @@
 // parlctl brightness against a running daemon.
-#include <gmock/gmock.h>
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
-#include <fstream>
-#include <nlohmann/json.hpp>
-
-#include "daemon_process.h"
+#include "parlctl_fixture.h"
 
 using nlohmann::json;
 using testing::HasSubstr;
 
 namespace {
-
-struct Outcome {
-  int status;
-  std::string output;
-};
 
 constexpr const char* kPlan = R"({
   "mode": "mixed", "gradual": false, "read_every_s": 1, "readings": 1,
@@ -27,27 +14,14 @@ constexpr const char* kPlan = R"({
   "fallback_percent": 40
 })";
 
-class ParlctlBrightnessTest : public testing::Test {
+class ParlctlBrightnessTest : public ParlctlFixture {
  protected:
   void SetUp() override {
     daemon.prepare("board.conf", "sensor = 0 3 1 400\nsensor = 1 0 0 600\n");
-    std::ofstream(path("plan.json")) << kPlan;
+    file("plan.json", kPlan);
     daemon.start();
   }
-  std::string path(const std::string& name) const { return (daemon.board().directory() / name).string(); }
-  Outcome run(const std::string& arguments) const {
-    const std::string line =
-        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
-    FILE* pipe = popen(line.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
-      output.append(piece.data(), got);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-  }
   json shown() const { return json::parse(run("--json brightness show").output); }
-  DaemonProcess daemon;
 };
 
 TEST_F(ParlctlBrightnessTest, APlanIsWrittenVerifiedReadAndExplained) {
@@ -84,8 +58,8 @@ TEST_F(ParlctlBrightnessTest, PortsAreSetAndReadBack) {
 }
 
 TEST_F(ParlctlBrightnessTest, PlansThatBreakRulesAreNotSent) {
-  std::ofstream(path("bad.json")) << R"({"mode": "mixed", "slots": [{"from": "09:00", "percent": 101}]})";
-  std::ofstream(path("no.json")) << R"({"mode": "mixed", "slot": []})";
+  file("bad.json", R"({"mode": "mixed", "slots": [{"from": "09:00", "percent": 101}]})");
+  file("no.json", R"({"mode": "mixed", "slot": []})");
   const Outcome check = run("brightness plan check " + path("bad.json"));
   EXPECT_EQ(check.status, 1) << check.output;
   EXPECT_THAT(check.output, HasSubstr("slot 1: 101 % counts as 100 % [percent]"));

@@ -83,7 +83,8 @@ TEST(TraceTimeTest, MomentsArePastOnesInManyForms) {
   EXPECT_EQ(stampText(momentOf("09:05", now)), "01/02/2024 09:05:00.000");
   EXPECT_EQ(stampText(momentOf("2023-12-31T01:02:03", now)), "12/31/2023 01:02:03.000");
   EXPECT_EQ(stampText(momentOf("2023-12-31", now)), "12/31/2023 00:00:00.000");
-  for (const char* text : {"", "x", "10", "10:20:30:40", "25:00", "2023-13-01", "2023-12-31T", "-5m", "5w"})
+  for (const char* text : {"", "x", "10", "10:20:30:40", "25:00", "2023-13-01", "2023-12-31T", "-5m", "5w",
+                           "2023-02-30", "2023-12-31T24:00", "2023-12-31T10:60", "10:-5"})
     EXPECT_THROW(momentOf(text, now), peer::Error) << text;
 }
 
@@ -116,20 +117,40 @@ TEST(TraceRequestTest, ARequestIsFoldedIntoOneLine) {
   const auto read = folded(traced("55 AA 00 01 00 00 00 00 00 00 00 00 10 00 30 02 05 00 9D 55 ", 20));
   ASSERT_TRUE(read);
   EXPECT_TRUE(read->whole());
-  EXPECT_EQ(decoded(*read).text,
-            "00:00:00.000  lsd  read 0x02300010:5  ok  5 bytes  3000 us  backup info + 0x10");
+  EXPECT_EQ(decoded(*read).text, "00:00:00.000 lsd read 0x02300010:5 ok 3000 us backup info + 0x10");
   const auto write = folded(traced("55 AA 00 01 00 00 00 00 00 00 01 00 00 00 30 02 12 00 01 02 03", 38));
   ASSERT_TRUE(write);
   EXPECT_FALSE(write->whole());
-  EXPECT_THAT(decoded(*write).text, HasSubstr("write 0x02300000:18  ok  010203 +15  3000 us  backup info"));
+  EXPECT_THAT(decoded(*write).text, HasSubstr("write 0x02300000:18 ok 010203+15 3000 us backup info"));
   auto silent = traced("55 AA", 2);
   silent.erase(silent.begin() + 3, silent.begin() + 5);
   silent.insert(silent.begin() + 3, {1, "===  f === wrong"});
   const auto broken = folded(silent);
   ASSERT_TRUE(broken);
   EXPECT_EQ(decoded(*broken).text,
-            "00:00:00.000  lsd  a frame of 2 bytes  no reply  3000 us\n              ===  f === wrong");
+            "00:00:00.000 lsd a frame of 2 bytes no reply 3000 us\n             ===  f === wrong");
   EXPECT_FALSE(folded({{0, "Finish Deal DataBlock"}}));
+}
+
+// Names give way, and what the stamps cannot tell is not told.
+TEST(TraceRequestTest, ALineFitsTheScreen) {
+  TracedRequest request;
+  request.task = 0x010A7A81;
+  request.frame = peer::encode({.code = peer::kRead, .address = 0x02810000, .length = 720});
+  request.frameLength = request.frame.size();
+  request.ack = 0;
+  request.replyBytes = 720;
+  EXPECT_EQ(decoded(request).text,
+            "00:00:00.000 tool A81 read 0x02810000:720 ok <1000 us shortcut screen configur..");
+  request.replyBytes = 3;
+  EXPECT_THAT(decoded(request).text, HasSubstr("ok 3 bytes <1000 us shortcut"));
+  request.frame = peer::encode(
+      {.code = peer::kWrite, .address = 0x02810000, .length = 700, .data = peer::Bytes(700, 0xAB)});
+  request.frameLength = request.frame.size();
+  request.microseconds = 12'345'000;
+  request.errors = {std::string(60, 'a') + ' ' + std::string(40, 'b')};
+  std::istringstream lines(decoded(request).text);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
 TEST_F(TraceTest, CapturesAreWrittenAndReadAndOthersRefused) {

@@ -10,6 +10,7 @@
 #include "options.h"
 #include "peer/error.h"
 #include "readback.h"
+#include "registernames.h"
 
 using namespace parlctl;
 using testing::ElementsAre;
@@ -50,6 +51,13 @@ TEST(ValuesTest, ListsAndTimesAreWrittenShort) {
   EXPECT_EQ(rangesText({}), "none");
   EXPECT_EQ(rangesText({0, 1, 2, 4, 5, 9}), "0-2, 4, 5, 9");
   EXPECT_THAT(timeText(0), testing::MatchesRegex("19(69|70)-[0-9-]+T[0-9:]+[+-][0-9][0-9]:[0-9][0-9]"));
+}
+
+TEST(RegisterNamesTest, RegistersOfLinksNameTheirPorts) {
+  EXPECT_THAT(linksIn(0x0200001F, peer::Bytes{0x0D}).value(), ElementsAre(0, 2, 3));
+  EXPECT_THAT(linksIn(0x02000126, peer::Bytes{0xF1, 0x08}).value(), ElementsAre(8, 15));
+  EXPECT_THAT(linksIn(0x020001F3, peer::Bytes{0x81}).value(), ElementsAre(8, 15));
+  EXPECT_FALSE(linksIn(0x02000018, peer::Bytes{1}));
 }
 
 TEST(ReadBackTest, TheFirstByteThatDiffersIsNamed) {

@@ -92,6 +92,20 @@ std::string effects() {
   return text;
 }
 
+std::string readDifferences() {
+  std::string text =
+      "\n## Reads that do not give what was written\n\n"
+      "In the human-computer interaction space reads of 0x117, 0x129 and 0x12E look at the low 12 bits of "
+      "the\n"
+      "address only, writes at all 16.\n\n" +
+      heading({"Address", "Bytes", "What a read gives"});
+  for (const auto& row : kReadDifferences) {
+    text +=
+        line({hex(row.address), row.length == 0 ? "any" : std::to_string(row.length), std::string(row.text)});
+  }
+  return text;
+}
+
 std::string workKeys() {
   std::string text = "\n## Deferred work\n\nWhat a space queues under a key, the handler does later.\n\n" +
                      heading({"Key", "Name", "Handler"});
@@ -115,7 +129,7 @@ std::string windows() {
 
 std::string registersPage() {
   return std::string(kDoNotEdit) + "# Registers of the sending card\n\n" + spaces() + registers() + pushes() +
-         effects() + workKeys();
+         effects() + readDifferences() + workKeys();
 }
 
 std::string flashPage() {

@@ -36,7 +36,7 @@ void build(Verb& root, Options& options) {
 
 // The words on standard error, and with --json the object on standard output.
 int fail(bool json, const std::string& path, peer::Failure failure, const std::string& text) {
-  std::cerr << "parlctl: " << text << '\n';
+  std::cerr << parlctl::wrapped("parlctl: " + text) << '\n';
   if (json && failure != peer::Failure::LostOutput)
     parlctl::writeOutput(parlctl::envelope(path, failure, text).dump() + '\n');
   return parlctl::textOf(failure).status;
@@ -77,8 +77,11 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   parlctl::occupyClosedStreams();
+  parlctl::noticeLeavingReaders();
   try {
     return run(argc, argv);
+  } catch (const parlctl::ReaderLeft&) {
+    parlctl::endAsBrokenPipe();
   } catch (const std::exception& error) {
     std::cerr << "parlctl: " << error.what() << '\n';
     return parlctl::kFound;  // the failure itself could not be told

@@ -114,6 +114,10 @@ bool Board::hasHardware() const {
   return std::filesystem::exists(directory_ / kControl);
 }
 
+bool Board::isOn() const {
+  return std::filesystem::exists(directory_ / kFpga);
+}
+
 Bytes Board::get(const char* file, uint64_t offset, std::size_t length) const {
   Bytes bytes(length);
   File(directory_ / file, O_RDONLY).read(offset, bytes);

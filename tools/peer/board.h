@@ -54,6 +54,8 @@ class Board {
   std::string socketPath() const { return (directory_ / "run/apipc.sock").string(); }
   // Whether a daemon has ever switched this board on.
   bool hasHardware() const;
+  // Whether it is on: its FPGA holds what was written to it.
+  bool isOn() const;
   // Whether a daemon has the board now.
   bool isTaken() const;
   // Switches a board off that nobody has: the FPGA loses what it holds.

@@ -38,7 +38,7 @@ constexpr std::array kAckTexts{
     AckText{0, "done"},
     AckText{1, "a card did not answer"},
     AckText{2, "the checksum of the request is wrong"},
-    AckText{4, "the daemon refuses it: no such register, or not with this length"},
+    AckText{4, "the daemon refuses it: no such register, not with this length, or its hardware failed"},
     AckText{5, "it reaches beyond the registers of the space"},
     AckText{6, "the register does not take this length"},
     AckText{7, "the register does not allow this access"},

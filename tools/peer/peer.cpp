@@ -38,8 +38,8 @@ std::string hexAddress(uint32_t address) {
   return text.data();
 }
 
-[[noreturn]] void closedByService() {
-  throw Error(Failure::NoDaemon, "the daemon closed the connection");
+[[noreturn]] void closedByService(const char* perhaps = "") {
+  throw Error(Failure::NoDaemon, std::string("the daemon closed the connection") + perhaps);
 }
 
 }  // namespace
@@ -108,7 +108,7 @@ void Peer::introduce(uint32_t serviceCode) {
   if (got != static_cast<ssize_t>(id.size()))
     throw Error(Failure::NoDaemon,
                 "the message service refuses service code " + hexAddress(serviceCode) +
-                    ": another connection holds it, the service is full, or this\nuser may not connect");
+                    ": another connection holds it, the service is full, or this user may not connect");
   for (unsigned i = 4; i-- > 0;) taskId_ = taskId_ << 8 | id[i];
 }
 
@@ -140,10 +140,10 @@ void Peer::send(std::span<const uint8_t> frame, uint32_t number) {
   sendPacket(packet);
 }
 
-std::optional<Message> Peer::receive(milliseconds wait) {
+std::optional<Message> Peer::receive(milliseconds wait, const char* perhaps) {
   if (!await(POLLIN, wait)) return std::nullopt;
   const ssize_t got = recv(socket_, buffer_.data(), buffer_.size(), 0);
-  if (got == 0 || (got < 0 && errno == ECONNRESET)) closedByService();
+  if (got == 0 || (got < 0 && errno == ECONNRESET)) closedByService(perhaps);
   if (got < 0) failWithErrno(Failure::NoDaemon, "receiving from the daemon");
   const auto packet = std::span(buffer_).first(static_cast<std::size_t>(got));
   Message message{decodeHead(packet), {}};
@@ -153,18 +153,18 @@ std::optional<Message> Peer::receive(milliseconds wait) {
 }
 
 Frame Peer::exchange(Frame request) {
+  const char* perhaps = request.code == kWrite ? "; the write may have been carried out" : "";
   ++number_;
   request.label = static_cast<uint8_t>(number_);
   send(encode(request), number_);
   const auto deadline = Clock::now() + timeout_;
-  while (auto message = receive(left(deadline))) {
+  while (auto message = receive(left(deadline), perhaps)) {
     if (message->head.labelCount == number_) return decode(message->frame);
     if (message->head.labelCount == 0) pushes_.push_back(std::move(*message));
     // Anything else is the late reply to a request that was given up.
   }
   throw Error(Failure::TimeOut, "no reply to the request at " + hexAddress(request.address) + " within " +
-                                    std::to_string(timeout_.count()) + " ms" +
-                                    (request.code == kWrite ? "; the write may have been carried out" : ""));
+                                    std::to_string(timeout_.count()) + " ms" + perhaps);
 }
 
 Frame Peer::request(Frame request) {

@@ -62,7 +62,8 @@ class Peer {
   // have), a packet as it stands, and the next message of any kind.
   void send(std::span<const uint8_t> frame, uint32_t number);
   void sendPacket(std::span<const uint8_t> packet);
-  std::optional<Message> receive(milliseconds wait);
+  // perhaps: what to add when the connection is closed meanwhile.
+  std::optional<Message> receive(milliseconds wait, const char* perhaps = "");
 
   int descriptor() const { return socket_; }
 

@@ -10,6 +10,7 @@
 #include "proto/spaces/coloursettings.h"
 #include "proto/spaces/spaces.h"
 #include "proto/store/paratables.h"
+#include "singleton.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -33,6 +34,14 @@ constexpr SectionWords kQueueHlg{
 constexpr uint32_t kWritable = 512;
 constexpr uint32_t kAliasMask = 0xFFF;  // reads find a register in every 4 KiB of the space
 
+Singleton<ColourSettings>& holder() {
+  static Singleton<ColourSettings> instance;
+  return instance;
+}
+ColourSettings& settings() {
+  return *ColourSettings::getInstance();
+}
+
 constexpr uint32_t offsetOf(uint32_t address) {
   return address & reg::kOffsetMask;
 }
@@ -46,9 +55,9 @@ uint32_t namesInFlash(uint32_t address) {
 }
 
 void readHdrShort(uint32_t, std::span<uint8_t> reply) {
-  reply[0] = HDRType;
-  putLe16(reply, 1, fScreenPeakLight);
-  reply[3] = static_cast<uint8_t>(fambientLight);
+  reply[0] = settings().HDRType;
+  putLe16(reply, 1, settings().fScreenPeakLight);
+  reply[3] = static_cast<uint8_t>(settings().fambientLight);
 }
 
 void readHdrBlock(uint32_t address, std::span<uint8_t> reply) {
@@ -60,15 +69,15 @@ void readHdrBlock(uint32_t address, std::span<uint8_t> reply) {
     return;
   }
   readHdrShort(address, reply);
-  reply[kLowGreyAt] = pMinLum;
+  reply[kLowGreyAt] = settings().pMinLum;
 }
 
 void readLowGrey(uint32_t, std::span<uint8_t> reply) {
-  reply[0] = pMinLum;
+  reply[0] = settings().pMinLum;
 }
 
 void readHlgClass(uint32_t, std::span<uint8_t> reply) {
-  reply[0] = HLGCalss;
+  reply[0] = settings().HLGCalss;
 }
 
 void readPictureQuality(uint32_t, std::span<uint8_t> reply) {
@@ -141,7 +150,10 @@ uint8_t cardBrightness() {
 
 int queueHdr10(IMD_proto3rd& request) {
   LogSection section(kQueueHdr10);
-  const HDRParaData record{HDRType, 0, cardBrightness(), fScreenPeakLight, fambientLight, pMinLum, pdelta};
+  const HDRParaData record{settings().HDRType,       0,
+                           cardBrightness(),         settings().fScreenPeakLight,
+                           settings().fambientLight, settings().pMinLum,
+                           settings().pdelta};
   const int result = queueBytes(request, workKey<HDR10Key>, record.bytes());
   if (result != kDone) section.abandon();
   return result;
@@ -149,56 +161,57 @@ int queueHdr10(IMD_proto3rd& request) {
 
 int queueHlg(IMD_proto3rd& request) {
   LogSection section(kQueueHlg);
-  const HDRParaData record{.HDRType = HDRType, .HLGCalss = HLGCalss};
+  const HDRParaData record{.HDRType = settings().HDRType, .HLGCalss = settings().HLGCalss};
   const int result = queueBytes(request, workKey<HLGKey>, record.bytes());
   if (result != kDone) section.abandon();
   return result;
 }
 
 int calculateHdr(IMD_proto3rd& request) {
-  return HDRType == kHdr10 ? queueHdr10(request) : queueHlg(request);
+  return settings().HDRType == kHdr10 ? queueHdr10(request) : queueHlg(request);
 }
 
 void logHdrType() {
-  PARLEND_TRACE(kInfo) << "HDRType " << HDRType;
+  PARLEND_TRACE(kInfo) << "HDRType " << settings().HDRType;
 }
 
 int writeHdrType(IMD_proto3rd& request, std::span<const uint8_t> data) {
-  HDRType = data[0];
+  settings().HDRType = data[0];
   logHdrType();
   return calculateHdr(request);
 }
 
 int writePeakLight(IMD_proto3rd& request, std::span<const uint8_t> data) {
   logHdrType();
-  if (HDRType == kHdr10) fScreenPeakLight = le16(data);
+  if (settings().HDRType == kHdr10) settings().fScreenPeakLight = le16(data);
   return calculateHdr(request);
 }
 
 int writeAmbientLight(IMD_proto3rd& request, std::span<const uint8_t> data) {
   logHdrType();
-  if (HDRType == kHdr10) fambientLight = data[0];
+  if (settings().HDRType == kHdr10) settings().fambientLight = data[0];
   return calculateHdr(request);
 }
 
 int writeLowGrey(IMD_proto3rd& request, std::span<const uint8_t> data) {
   logHdrType();
-  if (HDRType == kHdr10) pMinLum = data[0];
+  if (settings().HDRType == kHdr10) settings().pMinLum = data[0];
   return calculateHdr(request);
 }
 
 int writeHlgClass(IMD_proto3rd& request, std::span<const uint8_t> data) {
   logHdrType();
-  if (HDRType != kHdr10) HLGCalss = data[0];
+  if (settings().HDRType != kHdr10) settings().HLGCalss = data[0];
   return calculateHdr(request);
 }
 
 // Saturation and contrast in a byte each, the hue in two.
 int writePictureQuality(IMD_proto3rd& request, std::span<const uint8_t> data) {
-  Saturation = data[0];
-  Contrast = data[1];
-  Hue = le16(data, 2);
-  return queuePayload<PictureQualityCalKey>(request, CSCParaData{Saturation, Contrast, Hue}.bytes());
+  settings().Saturation = data[0];
+  settings().Contrast = data[1];
+  settings().Hue = le16(data, 2);
+  return queuePayload<PictureQualityCalKey>(
+      request, CSCParaData{settings().Saturation, settings().Contrast, settings().Hue}.bytes());
 }
 
 int writeWarmUp(IMD_proto3rd& request, std::span<const uint8_t> data) {
@@ -237,7 +250,7 @@ int refuseShort(IMD_proto3rd& request, std::size_t needs) {
   PARLEND_TRACE(kError) << "=== WriteToHCInteraction ===a write of " << request.proto.m_data.size()
                         << " bytes at " << CTrace::hex << request.proto.m_uiRegisterUnitAddress
                         << " does not have the " << CTrace::decimal << needs
-                        << " bytes of its field, return.";
+                        << " bytes of its field or length, return.";
   request.proto.m_ucAck = kAckRefused;
   return kRefused;
 }
@@ -256,13 +269,21 @@ int WriteToHCInteraction(IMD_proto3rd& request) {
   int result = kDone;
   for (const auto& row : kWritings) {
     if (offset != row.offset || (row.length != 0 && row.length != length)) continue;
-    result = data.size() < row.needs ? refuseShort(request, row.needs) : row.carryOut(request, data);
+    const std::size_t needs = std::max<std::size_t>(row.needs, length);
+    result = data.size() < needs ? refuseShort(request, needs) : row.carryOut(request, data);
   }
   if (result != kDone) section.abandon();
   return result;
 }
 
 }  // namespace
+
+ColourSettings* ColourSettings::getInstance() {
+  return holder().get([] { return new ColourSettings; });
+}
+void ColourSettings::deleteInstance() {
+  holder().destroy();
+}
 
 const RegisterSpace& spaceAt(At<reg::kHCInteraction>) {
   static constexpr RegisterSpace kSpace =

@@ -7,15 +7,20 @@
 
 namespace ORVE_MCUC {
 
-inline constinit RelaxedByte HDRType{0};                         // kHdr10, or anything else for HLG
-inline constinit RelaxedValue<uint16_t> fScreenPeakLight{1000};  // cd/m2
-inline constinit RelaxedValue<uint16_t> fambientLight{30};       // cd/m2
-inline constinit RelaxedByte pMinLum{15};
-inline constinit RelaxedByte pdelta{140};
-inline constinit RelaxedByte HLGCalss{4};
-inline constinit RelaxedValue<uint16_t> Saturation{50};
-inline constinit RelaxedValue<uint16_t> Contrast{50};
-inline constinit RelaxedValue<uint16_t> Hue{0};  // degrees
+struct ColourSettings {
+  static ColourSettings* getInstance();
+  static void deleteInstance();
+
+  RelaxedByte HDRType{0};                         // kHdr10, or anything else for HLG
+  RelaxedValue<uint16_t> fScreenPeakLight{1000};  // cd/m2
+  RelaxedValue<uint16_t> fambientLight{30};       // cd/m2
+  RelaxedByte pMinLum{15};
+  RelaxedByte pdelta{140};
+  RelaxedByte HLGCalss{4};
+  RelaxedValue<uint16_t> Saturation{50};
+  RelaxedValue<uint16_t> Contrast{50};
+  RelaxedValue<uint16_t> Hue{0};  // degrees
+};
 
 inline constexpr uint8_t kHdr10 = 0x58;
 

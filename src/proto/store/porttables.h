@@ -60,8 +60,5 @@ inline std::array<uint8_t, kPortTableSize> portTable(unsigned port) {
   static_cast<void>(PortsTopoPara.copyTo(table, portTableAt(port)));
   return table;
 }
-inline void setPortTable(unsigned port, std::span<const uint8_t, kPortTableSize> table) {
-  static_cast<void>(PortsTopoPara.copyFrom(table, portTableAt(port)));
-}
 
 }  // namespace ORVE_MCUC

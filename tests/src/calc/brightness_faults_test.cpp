@@ -66,6 +66,13 @@ TEST(BrightnessFaultTest, AFailedReadChangesNeitherMirrorNorFile) {
     const auto after = mirrorOf(wall);
     EXPECT_TRUE(after == mirror || std::equal(after.begin(), after.end(), stored.begin())) << loaded;
   }
+  // Nor does a part of a file, of which nobody could say what it belongs to.
+  FaultyWall unread(stored, at(2024, 6, 1, 12));
+  unread.passing = 0;
+  unread.control().SetBrightnessAdjustTable(512, std::array<uint8_t, 8>{});
+  unread.runUntil(at(2024, 6, 1, 12, 0, 10));
+  EXPECT_EQ(unread.writes, 0);
+  EXPECT_THAT(valuesOf(unread), testing::Each(brightnessOf(60)));
   // A mirror that was not loaded is loaded before it is stored.
   FaultyWall wall(stored, at(2024, 6, 1, 12));
   wall.control().takeSerialTimeout(77);

@@ -261,6 +261,16 @@ TEST(BrightnessMixedTest, AGradualChangeTakesEveryStepAndMissesNoNode) {
   EXPECT_GE(wall.sent[255].at - wall.sent[1].at, 12);
 }
 
+TEST(BrightnessMixedTest, APlanThatStartsInASlotOfAnotherDayBeginsAtOnceWithItsFirstBrightness) {
+  const BrightnessFile plan = mixedPlan({{12, 0, 80}, {13, 0, 50, false, 0}, {14, 0, 30}}, true);
+  VirtualWall wall(plan, at(2024, 6, 1, 12, 30));
+  wall.runUntil(at(2024, 6, 1, 13, 30));
+  wall.sent.clear();
+  write(wall, plan, kTestLength);
+  wall.runUntil(at(2024, 6, 1, 14, 1));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(brightnessOf(30)));
+}
+
 TEST(BrightnessMixedTest, ANodeThatComesDuringAGradualChangeIsNotLost) {
   // The sensors start a full swing just before the node's minute.
   BrightnessFile file = mixedPlan({{12, 0, 0, true}, {12, 1, 50}}, true);

@@ -151,7 +151,7 @@ class JudgedEdid : public testing::Test {
 
 TEST_F(JudgedEdid, OfEveryResolutionAndRateIsConformant) {
   for (const resolution_t& size : g_resolution_input) {
-    for (const unsigned frame : {2398, 3000, 5000, 5994, 6000, 7500, 12000}) {
+    for (const unsigned frame : {2398, 5994, 12000}) {
       judge(size.width, size.height, frame);
     }
   }
@@ -160,7 +160,7 @@ TEST_F(JudgedEdid, OfEveryResolutionAndRateIsConformant) {
 TEST_F(JudgedEdid, OfRandomModesIsConformant) {
   std::mt19937 source(54);
   const auto random = [&source] { return static_cast<unsigned>(source()); };
-  for (int n = 0; n < 80; ++n) {
+  for (int n = 0; n < 30; ++n) {
     judge(300 + random() % 3800, 200 + random() % 2500, 500 + random() % 20000);
   }
 }

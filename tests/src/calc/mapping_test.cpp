@@ -97,7 +97,7 @@ class Walls : public testing::TestWithParam<unsigned> {};
 
 TEST_P(Walls, AreCutAsAWalkAlongTheCableCutsThem) {
   std::mt19937 random(GetParam());
-  for (int i = 0; i < 40; ++i) {
+  for (int i = 0; i < 15; ++i) {
     const SmartScreen screen = randomScreen(random);
     SCOPED_TRACE(testing::Message() << screen.rows << "x" << screen.columns << " cards "
                                     << screen.cardsPerPort << " mode " << int{screen.mode});

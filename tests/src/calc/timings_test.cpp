@@ -95,7 +95,7 @@ void compare(int width, int height, double hertz, bool reduced) {
   }
 }
 
-constexpr double kRates[] = {24, 25, 30, 48, 50, 60, 72, 75, 85, 100, 120};
+constexpr double kRates[] = {24, 60, 85, 120};
 
 TEST_F(Timings, ComputedWithReducedBlankingAreTheStandardsButForTheFrontPorch) {
   for (const resolution_t& size : g_resolution_input) {
@@ -105,14 +105,14 @@ TEST_F(Timings, ComputedWithReducedBlankingAreTheStandardsButForTheFrontPorch) {
 
 TEST_F(Timings, ComputedWithFullBlankingAreTheStandardsButForFinerSteps) {
   for (const resolution_t& size : g_resolution_input) {
-    for (const double rate : {24., 60., 85.}) compare(size.width / 8 * 8, size.height, rate, false);
+    for (const double rate : {24., 85.}) compare(size.width / 8 * 8, size.height, rate, false);
   }
 }
 
 TEST_F(Timings, ComputedForRandomModesAreTheStandards) {
   std::mt19937 source(8);
   const auto random = [&source] { return static_cast<int>(source() >> 1); };
-  for (int n = 0; n < 60; ++n) {
+  for (int n = 0; n < 30; ++n) {
     compare((80 + random() % 500) * 8, 200 + random() % 3000, 20 + random() % 12000 / 100.0, n % 3 != 0);
   }
 }

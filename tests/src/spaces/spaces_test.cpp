@@ -9,6 +9,7 @@
 #include "maps/workkeys.h"
 #include "mcuctrace.h"
 #include "process/tprocess_ctl.h"
+#include "proto/store/data_common.h"
 #include "proto/tshl_ctl.h"
 #include "testdaemon.h"
 
@@ -44,8 +45,10 @@ struct Answer {
 
 class SpacesTest : public testing::Test {
  protected:
-  Answer route(uint32_t address, int32_t length, uint8_t code = kCodeRead) {
+  Answer route(uint32_t address, int32_t length, uint8_t code = kCodeRead,
+               std::initializer_list<uint8_t> data = {}) {
     IMD_proto3rd request;
+    request.proto.m_data.assign(data);
     request.proto.m_uiRegisterUnitAddress = address;
     request.proto.m_usValidDataLength = static_cast<uint16_t>(length);
     request.proto.m_ucCode = code;
@@ -108,6 +111,15 @@ TEST_F(SpacesTest, ARangeEndsWhereItsRowSays) {
   EXPECT_EQ(route(0x18001000, 256).ack, kAckDone);
 }
 
+TEST_F(SpacesTest, APictureSettingNeedsTheBytesItsLengthPromises) {
+  for (const uint32_t offset : {0x117U, 0x11AU, 0x129U, 0x12EU, 0xC0U}) {
+    const Answer answer = route(reg::kHCInteraction + offset, 2, kCodeWrite, {1});
+    EXPECT_EQ(answer.result, kRefused) << offset;
+    EXPECT_EQ(answer.ack, kAckRefused) << offset;
+  }
+  EXPECT_EQ(daemon.workOff(), 0U);
+}
+
 TEST(CheckTest, ARowAllowsTheAccessOfItsMaskAndNoOther) {
   for (const int32_t mask : {0, kMayRead, kMayWrite, kReadWrite}) {
     for (const int code : {0, 1, 2, 255}) {
@@ -129,6 +141,7 @@ TEST_F(SpacesTest, EveryKeyCallsTheHandlerThatItsRowNames) {
     const std::size_t place = placeOf(enum_Process_Key_Table{key});
     // Without a payload, and with one that is shorter than any record.
     for (const int length : {0, 1}) {
+      if (key == ReturnFactorySetKey && length == 1) continue;  // its whole record: the device would be reset
       MCUProcessDataBlock block;
       block.m_key = key;
       if (length > 0) block.setData("\x01", length);
@@ -144,6 +157,7 @@ TEST_F(SpacesTest, EveryKeyCallsTheHandlerThatItsRowNames) {
                                         HasSubstr("=== onProcessDealwith ===: Invalid key!"))));
     }
   }
+  EXPECT_EQ(Data_Global::getInstance()->RebootRF, 0) << "nothing here asks for a reset";
 }
 
 }  // namespace

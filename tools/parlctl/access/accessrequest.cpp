@@ -1,11 +1,10 @@
 #include "accessrequest.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <span>
 
+#include "inputfile.h"
 #include "peer/error.h"
 #include "registernames.h"
 #include "values.h"
@@ -36,25 +35,14 @@ Frame target(const AccessArguments& arguments) {
   return frame;
 }
 
-Bytes allOf(std::istream& from, const std::string& name) {
-  Bytes bytes;
-  for (std::istreambuf_iterator<char> at(from), end; at != end && bytes.size() <= kMostBytes; ++at)
-    bytes.push_back(static_cast<uint8_t>(*at));
-  if (from.bad()) throw Error(Failure::Usage, "cannot read " + name);
-  if (bytes.empty()) throw Error(Failure::Usage, name + " holds no bytes");
-  if (bytes.size() > kMostBytes) throw Error(Failure::Usage, name + " holds more than any register space");
-  return bytes;
+bool isMany(const Frame& to) {
+  return to.deviceType != 0 && (to.port == kAllPorts || to.board == kAllCards);
 }
 
 // HEX, @FILE or - for standard input.
 Bytes valueBytes(const std::string& text) {
-  if (text == "-") return allOf(std::cin, "standard input");
-  if (!text.starts_with('@')) return peer::fromHex(text);
-  const std::string path = text.substr(1);
-  std::ifstream file(path, std::ios::binary);
-  if (!file || file.peek() == std::ifstream::traits_type::eof())
-    throw Error(Failure::Usage, "cannot read any bytes of the file '" + path + "'");
-  return allOf(file, path);
+  if (text == "-") return streamBytes(std::cin, "standard input", kMostBytes);
+  return text.starts_with('@') ? fileBytes(text.substr(1), kMostBytes) : peer::fromHex(text);
 }
 
 std::size_t longestPiece(const Frame& frame) {
@@ -148,12 +136,12 @@ std::size_t Access::size() const {
 }
 
 std::vector<Access> readRequests(const AccessArguments& arguments) {
+  if (isMany(target(arguments))) throw Error(Failure::Usage, "a read needs one port and card");
   return parsed(arguments, &readAccess);
 }
 
 std::vector<Access> writeRequests(const AccessArguments& arguments) {
-  const Frame to = target(arguments);
-  if (arguments.verify && to.deviceType != 0 && (to.port == kAllPorts || to.board == kAllCards))
+  if (arguments.verify && isMany(target(arguments)))
     throw Error(Failure::Usage,
                 "what is written to all cards cannot be read back: --verify needs one port and card");
   return parsed(arguments, &writeAccess);

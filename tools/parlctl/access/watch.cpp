@@ -21,9 +21,15 @@ void show(const Options& options, const peer::Frame& push) {
   const std::string time = timeText();
   const std::string name = registerName(push.address);
   const std::string data = peer::toHex(push.data);
-  options.print({{{"time", time}, {"address", hexAddress(push.address)}, {"name", name}, {"data", data}},
-                 time.substr(11, 12) + "  " + hexAddress(push.address) + "  " + data +
-                     (name.empty() ? "" : "  " + name)});
+  Json fields{{"time", time}, {"address", hexAddress(push.address)}, {"name", name}, {"data", data}};
+  std::string text =
+      time.substr(11, 12) + "  " + hexAddress(push.address) + "  " + data + (name.empty() ? "" : "  " + name);
+  if (const auto ports = linksIn(push.address, push.data); ports) {
+    fields["ports"] = *ports;
+    text += ports->empty() ? ": none" : ":";
+    for (const unsigned port : *ports) text += ' ' + std::to_string(port);
+  }
+  options.print({fields, text});
 }
 
 void watch(const Options& options, const WatchArguments& arguments) {

@@ -5,6 +5,7 @@
 
 #include "brightness_daemon.h"
 #include "commands.h"
+#include "helptext.h"
 #include "maps/registermap.h"
 #include "output.h"
 
@@ -20,7 +21,6 @@ namespace record = ORVE_MCUC::brightness;
 
 constexpr int64_t kDay = 86400;
 constexpr unsigned kPacketPorts = 8;  // the space's masks have eight bits
-constexpr const char* kReasons[] = {"timetable", "sensor", "fallback", "re-send", "heartbeat"};
 
 std::string momentText(int64_t localSeconds) {
   const map::LocalMoment moment = map::momentOf(localSeconds);
@@ -46,6 +46,7 @@ Standing standingOf(const Bytes& file, int64_t now, std::optional<uint16_t> lux)
   map::BrightnessFile whole{};
   std::copy_n(file.begin(), std::min(file.size(), whole.size()), whole.begin());
   map::VirtualWall wall(whole, now - kDay);
+  takeControlSwitch(wall);
   if (lux) wall.light = [lux](int64_t, const map::SensorRecord&) { return lux; };
   wall.runUntil(now);
   return {wall.control().state(), wall.sent.empty() ? std::nullopt : std::optional(wall.sent.back())};
@@ -87,12 +88,12 @@ void describeNodes(const map::BrightnessSchedule& state, int64_t now, Json& fiel
 
 void describeLast(const std::optional<map::SentBrightness>& last, Json& fields, std::string& text) {
   fields["last_sent"] = last ? Json(last->value) : Json();
-  fields["last_reason"] = last ? Json(kReasons[static_cast<std::size_t>(last->reason)]) : Json();
+  fields["last_reason"] = last ? Json(reasonName(last->reason)) : Json();
   fields["last_at"] = last ? Json(momentText(last->at)) : Json();
   if (!last) return;
   text += "\nsent     " +
           (last->black ? std::string(last->value == 0 ? "not black" : "black") : percentText(last->value)) +
-          ", by " + kReasons[static_cast<std::size_t>(last->reason)] + ", " + momentText(last->at);
+          ", by " + reasonName(last->reason) + ", " + momentText(last->at);
 }
 
 void show(const Options& options) {
@@ -119,7 +120,7 @@ void show(const Options& options) {
   const bool whole = standing.last && !standing.last->black && standing.last->port == map::kEveryPort;
   const bool differs = whole && std::any_of(cards.begin(), cards.end(),
                                             [&](const Json& value) { return value != standing.last->value; });
-  text += "\ncards    " + cardsText(cards);
+  text += '\n' + wrapped("cards    " + cardsText(cards), 9);
   if (differs)
     text += "\nthe cards do not have what the plan sends: set by hand, or the plan was started later";
   fields["as_planned"] = whole ? Json(!differs) : Json();

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <ctime>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
+#include "inputfile.h"
 #include "maps/cardmap.h"
 #include "maps/registermap.h"
 #include "mcucdatablock.h"
@@ -110,19 +109,15 @@ int64_t boardTime(const Options& options) {
 }
 
 PlanFile planFromFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Error(Failure::Usage, "cannot read " + path);
   constexpr std::size_t kLargest = 1 << 20;
-  std::string text;
-  for (char letter; text.size() <= kLargest && file.get(letter);) text += letter;
-  if (text.size() > kLargest) throw Error(Failure::Usage, path + " is too long for a plan");
+  const Bytes bytes = fileBytes(path, kLargest);
+  const std::string text(bytes.begin(), bytes.end());
   const auto first = text.find_first_not_of(" \t\r\n");
   if (first != std::string::npos && (text[first] == '{' || text[first] == '/')) {
     PlanFile result{planFromText(text), {}};
     result.bytes = compile(result.plan);
     return result;
   }
-  const Bytes bytes(text.begin(), text.end());
   if (bytes.empty() || std::string_view(modeName(bytes[0])) == "off" || bytes.size() > record::kFileSize)
     throw Error(Failure::Usage, path + " is neither the text of a plan nor a configuration file");
   return {decompile(bytes), bytes};

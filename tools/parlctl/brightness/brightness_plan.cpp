@@ -133,7 +133,6 @@ int64_t dayFrom(const std::string& text, const Options& options) {
 
 Json pictureJson(const BrightnessPicture& picture) {
   static constexpr const char* kKinds[] = {"none", "fixed", "ambient"};
-  static constexpr const char* kReasons[] = {"timetable", "sensor", "fallback", "re-send", "heartbeat"};
   Json spans = Json::array();
   for (const SlotSpan& span : picture.spans())
     spans.push_back({{"from_s", span.from},
@@ -142,9 +141,7 @@ Json pictureJson(const BrightnessPicture& picture) {
                      {"slot", span.slot < 0 ? Json() : Json(span.slot + 1)}});
   Json sent = Json::array();
   for (const SentStep& step : picture.steps())
-    sent.push_back({{"at_s", step.at},
-                    {"ports", Json(step.ports)},
-                    {"reason", kReasons[static_cast<std::size_t>(step.reason)]}});
+    sent.push_back({{"at_s", step.at}, {"ports", Json(step.ports)}, {"reason", reasonName(step.reason)}});
   return {{"spans", std::move(spans)}, {"sent", std::move(sent)}};
 }
 

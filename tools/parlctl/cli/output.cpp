@@ -17,12 +17,6 @@ namespace {
 
 using peer::Failure;
 
-[[noreturn]] void endAsBrokenPipe() {
-  std::signal(SIGPIPE, SIG_DFL);
-  std::raise(SIGPIPE);
-  _exit(128 + SIGPIPE);  // blocked: what a shell would show
-}
-
 void waitForRoom(int descriptor) {
   pollfd entry{.fd = descriptor, .events = POLLOUT, .revents = 0};
   poll(&entry, 1, -1);
@@ -36,7 +30,7 @@ void writeAll(int descriptor, std::string_view text, const std::string& name) {
     } else if (errno == EAGAIN) {
       waitForRoom(descriptor);
     } else if (errno == EPIPE) {
-      endAsBrokenPipe();
+      throw ReaderLeft();
     } else if (errno != EINTR) {
       peer::failWithErrno(Failure::LostOutput, "output lost, " + name);
     }
@@ -44,6 +38,16 @@ void writeAll(int descriptor, std::string_view text, const std::string& name) {
 }
 
 }  // namespace
+
+void noticeLeavingReaders() {
+  std::signal(SIGPIPE, [](int) {});  // a handler, unlike ignoring, is not handed on
+}
+
+void endAsBrokenPipe() {
+  std::signal(SIGPIPE, SIG_DFL);
+  std::raise(SIGPIPE);
+  _exit(128 + SIGPIPE);  // blocked: what a shell would show
+}
 
 void occupyClosedStreams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})

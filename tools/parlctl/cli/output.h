@@ -10,8 +10,16 @@ namespace parlctl {
 // is opened later. First thing in main.
 void occupyClosedStreams();
 
-// Writes all of it to standard output. Throws peer::Error (LostOutput). Where the reader has left, the
-// process ends as SIGPIPE ends it, even when that signal is ignored.
+// From now on a write whose reader has left fails instead of ending the process on the spot. Programs that
+// are started keep what the system does.
+void noticeLeavingReaders();
+
+// Thrown where the reader of an output has left: the process is to end as SIGPIPE ends it, even when that
+// signal is ignored, but not before what it has begun is put in order. No failure that anybody explains.
+struct ReaderLeft {};
+[[noreturn]] void endAsBrokenPipe();
+
+// Writes all of it to standard output. Throws peer::Error (LostOutput) and ReaderLeft.
 void writeOutput(std::string_view text);
 
 // A file to be written at the end. It is opened (and made, if there is none) at once, so that a path that
@@ -27,7 +35,7 @@ class OutputFile {
 
   bool wanted() const { return descriptor_ >= 0; }
   const std::string& path() const { return path_; }
-  // The whole content. Throws peer::Error (LostOutput).
+  // The whole content. Throws peer::Error (LostOutput) and ReaderLeft.
   void write(std::string_view text);
 
  private:

@@ -3,13 +3,18 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace parlctl {
 
 // "backup info + 0x10", "links of ports 0-3"; empty for an address that nobody owns.
 std::string registerName(uint32_t address);
+
+// The ports, from 0, whose links are up, when these bytes are what a register of links holds.
+std::optional<std::vector<unsigned>> linksIn(uint32_t address, std::span<const uint8_t> data);
 
 // What the map says of the space that owns an address.
 struct RegisterSpace {

@@ -21,6 +21,7 @@ Stop::Stop(const std::string& seconds) {
   end_ = seconds.empty() ? Clock::time_point::max() : Clock::now() + duration(seconds);
   std::signal(SIGINT, stopOnSignal);
   std::signal(SIGTERM, stopOnSignal);
+  if (std::signal(SIGHUP, stopOnSignal) == SIG_IGN) std::signal(SIGHUP, SIG_IGN);  // nohup means it
 }
 
 bool Stop::wanted() const {

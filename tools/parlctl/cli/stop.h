@@ -6,8 +6,8 @@
 
 namespace parlctl {
 
-// From its making on, SIGINT and SIGTERM ask for the end instead of ending the process. seconds: after so
-// many it is asked for, too; empty: never.
+// From its making on, SIGINT, SIGTERM and SIGHUP ask for the end instead of ending the process. seconds:
+// after so many it is asked for, too; empty: never.
 class Stop {
  public:
   explicit Stop(const std::string& seconds);  // throws peer::Error (Usage)

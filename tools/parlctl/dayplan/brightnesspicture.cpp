@@ -22,7 +22,6 @@ using map::BrightnessReason;
 constexpr int kDay = 24 * 60 * 60;
 constexpr int kHour = 60 * 60;
 constexpr int kMinute = 60;
-constexpr const char* kReasons[] = {"timetable", "sensor", "fallback", "re-send", "heartbeat"};
 constexpr const char* kWeekdays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                      "Thursday", "Friday", "Saturday"};
 
@@ -40,6 +39,18 @@ std::string percentText(unsigned brightness) {
 }
 
 }  // namespace
+
+const char* reasonName(BrightnessReason reason) {
+  constexpr const char* kReasons[] = {"timetable", "sensor", "fallback", "re-send", "heartbeat"};
+  return kReasons[static_cast<std::size_t>(reason)];
+}
+
+void takeControlSwitch(map::VirtualWall& wall) {
+  constexpr uint8_t kOff = 0;
+  const map::BrightnessFile& file = wall.file();
+  if (record::isMixedFile(file[record::kMode]) && file[record::kControl] == kOff)
+    wall.control().SetBrightnessAdjustTable(record::kControl, {&kOff, 1});
+}
 
 LightOfDay lightFrom(const std::string& argument) {
   if (!argument.empty() && argument.find_first_not_of("0123456789") == std::string::npos) {
@@ -82,6 +93,7 @@ BrightnessPicture::BrightnessPicture(const BrightnessPlan& plan, int64_t midnigh
   BrightnessPlan simulated = plan;
   if (!lit_) simulated.fallback.enabled = false;  // sensors are not failing, they are not known
   map::VirtualWall wall(fileOf(simulated), midnight - kDay);
+  takeControlSwitch(wall);
   if (light)
     wall.light = [light](int64_t at, const map::SensorRecord&) { return light(static_cast<int>(at % kDay)); };
   run(wall);
@@ -196,7 +208,7 @@ std::string BrightnessPicture::dayText(int day) const {
         text += (port == 0 ? "ports " : ", ") + std::to_string(port) + ':' + percentText(step.ports[port]);
     else
       text += percentText(step.ports[0]);
-    text += std::string("  ") + kReasons[static_cast<std::size_t>(step.reason)];
+    text += std::string("  ") + reasonName(step.reason);
   }
   return text;
 }

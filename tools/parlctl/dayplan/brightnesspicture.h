@@ -15,6 +15,9 @@ namespace parlctl {
 
 class Plot;
 
+// "timetable", "sensor", "fallback", "re-send", "heartbeat".
+const char* reasonName(ORVE_MCUC::BrightnessReason reason);
+
 // Light by the second of the day; none: it is not known.
 using LightOfDay = std::function<uint16_t(int secondOfDay)>;
 // One lux all day, or a file of lines "HH:MM LUX" between which the light changes evenly. Throws peer::Error
@@ -71,6 +74,10 @@ class BrightnessPicture {
   std::vector<SlotSpan> spans_;
   std::vector<SentStep> steps_;
 };
+
+// A wall starts as after power-on, when the control switch counts as on: this switches it off where the plan
+// has it off. Before its first tick.
+void takeControlSwitch(ORVE_MCUC::VirtualWall& wall);
 
 // The linear table or the lux map of a plan as a curve.
 std::string luxCurveText(const BrightnessPlan& plan);

@@ -1,4 +1,5 @@
 // board: the simulated board's directory; none of its verbs needs a running daemon.
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -108,11 +109,16 @@ std::string powerCutText(const peer::PowerCut& cut) {
   return "at flash write " + std::to_string(cut.atWrite) + " from now, " + done;
 }
 
+// Null when the board is off.
+Json linksOf(const peer::Board& board) {
+  if (!board.isOn()) return nullptr;
+  return {{"copper", portsWithLink(board, Medium::Copper)},
+          {"fiber1", portsWithLink(board, Medium::Fiber1)},
+          {"fiber2", portsWithLink(board, Medium::Fiber2)}};
+}
+
 Json hardware(const peer::Board& board) {
-  return {{"links",
-           {{"copper", portsWithLink(board, Medium::Copper)},
-            {"fiber1", portsWithLink(board, Medium::Fiber1)},
-            {"fiber2", portsWithLink(board, Medium::Fiber2)}}},
+  return {{"links", linksOf(board)},
           {"faults", faultsOf(board, false)},
           {"fault_plans", faultsOf(board, true)},
           {"power_cut", powerCutText(board.powerCut())},
@@ -123,10 +129,13 @@ std::string boardText(const Json& shown) {
   std::string text = "board    " + shown["board"].get<std::string>() + "\ndaemon   " +
                      (shown["daemon"].get<bool>() ? "answers" : "does not answer");
   if (shown["powered"].get<bool>())
-    text += "\n" + wrapped("links    " + words(shown["links"]), 9) + "\nfaults   " +
-            (shown["fault_plans"].empty() ? "none" : words(shown["fault_plans"])) +
-            "\npower    cut: " + shown["power_cut"].get<std::string>() + "\nclock    " +
-            shown["clock_offset"].dump() + " s from this machine's";
+    text +=
+        "\n" +
+        wrapped("links    " + (shown["links"].is_null() ? "none, the board is off" : words(shown["links"])) +
+                    "\nfaults   " + (shown["fault_plans"].empty() ? "none" : words(shown["fault_plans"])),
+                9) +
+        "\npower    cut: " + shown["power_cut"].get<std::string>() + "\nclock    " +
+        shown["clock_offset"].dump() + " s from this machine's";
   else
     text += "\npower    never switched on";
   text += "\nplugged in";
@@ -159,8 +168,10 @@ void link(const Options& options, const BoardArguments& arguments) {
                                            : Medium::Copper;
   const auto ports = portList(arguments.ports);
   const peer::Board board = poweredBoard(options);
+  if (!board.isOn())
+    throw Error(Failure::Board, "the board is off: its next start makes the links as board.conf has them");
   for (const unsigned port : ports) board.setLink(port, medium, arguments.state == "on");
-  const Json links = hardware(board)["links"];
+  const Json links = linksOf(board);
   options.print({{{"links", links}}, wrapped("links    " + words(links), 9)});
 }
 
@@ -172,6 +183,8 @@ void fault(const Options& options, const BoardArguments& arguments) {
     if (*index >= peer::kFaultRanges)
       throw Error(Failure::Usage, "calls of " + arguments.fault + " have no address");
     std::tie(plan.first, plan.last) = range(arguments.range);
+    if (plan.last == 0)
+      throw Error(Failure::Usage, "the board takes a range of address 0 alone for all addresses");
   }
   const peer::Board board = poweredBoard(options);
   board.setFaultPlan(*index, plan);
@@ -194,11 +207,12 @@ void power(const Options& options, const BoardArguments& arguments) {
   }
   if (arguments.state != "on") board.switchOff();
   const bool taken = board.isTaken();
-  options.print({{{"daemon", taken}},
+  const bool on = board.isOn();
+  options.print({{{"daemon", taken}, {"on", on}},
                  taken ? "power    on: a daemon has the board"
-                 : arguments.state == "off"
-                     ? "power    off: the FPGA has lost what it held"
-                     : "power    the next start of the daemon finds the board switched on afresh"});
+                 : on  ? "power    on: the FPGA holds what it held"
+                       : "power    off: the FPGA has lost what it held, and the next start of the\n"
+                         "         daemon switches the board on"});
 }
 
 void sensor(const Options& options, const BoardArguments& arguments) {
@@ -206,9 +220,12 @@ void sensor(const Options& options, const BoardArguments& arguments) {
   const uint32_t lux = arguments.count == "silent" ? peer::kAlways : number(arguments.count);
   const peer::Board board = poweredBoard(options);
   board.setSensor(index, lux);
+  const auto pluggedInSensors = std::ranges::count_if(
+      pluggedIn(board.directory()), [](const std::string& line) { return line.starts_with("sensor"); });
   options.print({{{"sensor", index}, {"lux", lux == peer::kAlways ? Json() : Json(lux)}},
                  "sensor   " + std::to_string(index) +
-                     (lux == peer::kAlways ? " does not answer" : ": " + std::to_string(lux) + " lux")});
+                     (lux == peer::kAlways ? " does not answer" : ": " + std::to_string(lux) + " lux") +
+                     (index < pluggedInSensors ? "" : ", once board.conf has such a sensor")});
 }
 
 void clock(const Options& options, const BoardArguments& arguments) {

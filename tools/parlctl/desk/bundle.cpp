@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "helptext.h"
 #include "output.h"
 #include "report.h"
 #include "tarfile.h"
@@ -97,9 +98,11 @@ void bundle(const Options& options, const std::string& path) {
   }
   if (!missing.empty()) archive += tarEntry("parlend-bundle/missing.txt", missing, now);
   file.write(archive + tarEnd());
-  options.print({{{"file", path}, {"contents", contents}, {"missing", missing}},
-                 path + ": " + countText(contents.size(), "file") +
-                     (missing.empty() ? "" : "\nmissing:\n" + missing.substr(0, missing.size() - 1))});
+  options.print(
+      {{{"file", path}, {"contents", contents}, {"missing", missing}},
+       path + ": " + countText(contents.size(), "file") +
+           (missing.empty() ? "" : '\n' + wrapped("missing:\n" + missing.substr(0, missing.size() - 1), 4)),
+       missing.empty() ? Outcome::Done : Outcome::Found});
 }
 
 }  // namespace
@@ -109,6 +112,7 @@ void addBundle(Verb& root, const Options& options) {
   Verb& verb =
       root.verb("bundle", "Status, pictures, the end of the trace, journal and versions in one archive");
   verb.option("--output", "FILE", *path, "Where to, a .tar").letter('o').required().isFile();
+  verb.note("Ends with status 1 when a part is missing; missing.txt in the archive says why.");
   verb.example("bundle -o parlend.tar");
   verb.run([&options, path] { bundle(options, *path); });
 }

@@ -56,19 +56,23 @@ Check wallSaved(const Options& options, const WallPlan& plan) {
   return {"saved", health, saved.text};
 }
 
+std::string portsText(const std::vector<unsigned>& ports) {
+  return (ports.size() == 1 ? "port " : "ports ") + rangesText(ports);
+}
+
 Check portsLinked(const WallPlan& plan, const Surroundings& around) {
+  if (!around.links) return {"links", Health::Unknown, "the daemon tells nothing but zeros of the FPGA"};
   std::vector<unsigned> missing;
   for (const WallPort& port : plan.used())
     if (std::ranges::find(*around.links, port.port) == around.links->end()) missing.push_back(port.port);
-  if (missing.empty())
-    return {"links", Health::Good, "all " + countText(plan.used().size(), "port") + " in use are linked"};
-  return {"links", Health::Bad, "in use without a link: ports " + rangesText(missing)};
+  if (missing.empty()) return {"links", Health::Good, "every port in use is linked"};
+  return {"links", Health::Bad, "in use without a link: " + portsText(missing)};
 }
 
 Check cardsAnswer(peer::Peer& daemon, const WallPlan& plan, const Surroundings& around) {
   const WallFacts facts = wallFacts(&daemon, plan, around);
   if (!facts.silentPorts.empty())
-    return {"cards", Health::Bad, "the last card does not answer on ports " + rangesText(facts.silentPorts)};
+    return {"cards", Health::Bad, "the last card does not answer on " + portsText(facts.silentPorts)};
   if (!around.card.measured) return {"cards", Health::Bad, "no card has told its size: it is assumed"};
   return {"cards", Health::Good, "the last card of every linked port in use answers"};
 }

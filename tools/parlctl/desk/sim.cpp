@@ -45,7 +45,9 @@ class Daemon {
  public:
   Daemon(const fs::path& program, const std::string& level, const fs::path& board)
       : output_(board / "daemon.out") {
-    fs::create_directories(board);
+    std::error_code error;
+    fs::create_directories(board, error);
+    if (error) throw Error(Failure::Board, "cannot make " + board.string() + ": " + error.message());
     setenv("PARLEND_BOARD", board.c_str(), 1);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);

@@ -3,14 +3,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 #include "cabfiletext.h"
 #include "cabspace.h"
 #include "calc/rvplayback.h"
 #include "commands.h"
+#include "inputfile.h"
 #include "output.h"
 #include "progress.h"
 #include "readback.h"
@@ -26,20 +25,13 @@ using peer::Bytes;
 using peer::Error;
 using peer::Failure;
 
-constexpr std::size_t kLongTransfer = 64 * 1024;  // bytes
+constexpr std::size_t kLongTransfer = 64 * 1024;     // bytes
+constexpr std::size_t kMostText = 64 * 1024 * 1024;  // a list of the largest file, and its comments
 constexpr uint64_t kLongPlaybackMs = 60'000;
 constexpr uint64_t kMostPlaybackMs = 600'000;
 // A register of the control area that nobody is told of: a write to it has no effect, and is answered when
 // the work before it is done.
 constexpr uint32_t kIdle = rv::kControl + 2;
-
-Bytes bytesOfFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw Error(Failure::Usage, path + " cannot be read");
-  Bytes bytes{std::istreambuf_iterator<char>(in), {}};
-  if (in.bad()) throw Error(Failure::Usage, path + " cannot be read");
-  return bytes;
-}
 
 std::string baseName(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
@@ -95,7 +87,7 @@ Comparison compareWithCopy(const Options& options, peer::Peer& daemon, uint32_t 
 std::vector<CabFile> filesToPut(const std::vector<std::string>& paths, bool force) {
   std::vector<CabFile> files;
   for (const std::string& path : paths) {
-    files.push_back({baseName(path), bytesOfFile(path)});
+    files.push_back({baseName(path), fileBytes(path, rv::kMostFileBytes)});
     const RvPlan plan = ORVE_MCUC::planOf(files.back().bytes);
     if (plan.end != RvEnd::kDone && !force) {
       throw Error(Failure::Usage, path + ": " + faultText(plan.end) + "; --force stores it all the same");
@@ -205,7 +197,7 @@ void play(const Options& options, uint32_t number, bool wait) {
 }
 
 std::string textOfFile(const std::string& path) {
-  const Bytes bytes = bytesOfFile(path);
+  const Bytes bytes = fileBytes(path, kMostText);
   return {bytes.begin(), bytes.end()};
 }
 
@@ -222,7 +214,7 @@ void compile(const Options& options, const std::string& path, const std::string&
 }
 
 void decompile(const Options& options, const std::string& path, const std::string& to) {
-  const Bytes bytes = bytesOfFile(path);
+  const Bytes bytes = fileBytes(path, rv::kMostFileBytes);
   write(options, decompileCabFile(bytes), to, ORVE_MCUC::planOf(bytes));
 }
 

@@ -1,13 +1,12 @@
 // input list, input edid show, input edid set: video inputs and the EDIDs they present to their sources.
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <span>
 
 #include "commands.h"
 #include "edidjudge.h"
 #include "edidtext.h"
+#include "inputfile.h"
 #include "inputgroup.h"
 #include "maps/inputsource.h"
 #include "maps/registermap.h"
@@ -139,9 +138,7 @@ struct SetArguments {
 };
 
 Bytes edidOfFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw Error(Failure::Usage, path + " cannot be read");
-  Bytes edid{std::istreambuf_iterator<char>(in), {}};
+  const Bytes edid = fileBytes(path, kEdidBytes);
   if (edid.size() != kEdidBlock && edid.size() != kEdidBytes) {
     throw Error(Failure::Usage, path + ": an EDID of 128 or 256 bytes is wanted");
   }

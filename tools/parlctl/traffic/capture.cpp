@@ -51,6 +51,7 @@ void capture(const Options& options, const CaptureArguments& arguments) {
   options.print(
       {{{"file", arguments.file}, {"requests", taken}, {"cut", cut}},
        countText(taken, "request") + " in " + arguments.file +
+           (taken == 0 ? "; the trace tells them at -debug alone" : "") +
            (cut == 0 ? ""
                      : "; the trace cut " + std::to_string(cut) + " of them, which cannot be replayed")});
 }

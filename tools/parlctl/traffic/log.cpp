@@ -62,7 +62,11 @@ TraceReader readerOf(const Options& options, const LogArguments& arguments) {
 }
 
 void show(const Options& options, const LogArguments& arguments) {
-  Printer(options, arguments).show(readerOf(options, arguments).more());
+  Printer printer(options, arguments);
+  TraceReader reader = readerOf(options, arguments);
+  if (reader.files().empty())
+    throw peer::Error(peer::Failure::Board, "no trace files in " + reader.directory().string());
+  printer.show(reader.more());
 }
 
 void follow(const Options& options, const LogArguments& arguments) {
@@ -88,7 +92,8 @@ std::shared_ptr<LogArguments> addVerb(Verb& verb, const Options& options,
   verb.flag("--decode", arguments->decode,
             "A request a line: who, what, acknowledge, data, and microseconds, of which the trace tells "
             "thousands; the "
-            "daemon must run with -debug");
+            "daemon must run with -debug")
+      .excludes({"--level"});
   verb.option("--dir", "DIR", arguments->directory, "Where the files lie; without it, log of the board")
       .isFile();
   verb.run([&options, arguments, act] { act(options, *arguments); });

@@ -56,7 +56,7 @@ void replay(const Options& options, const ReplayArguments& arguments) {
     const std::string unlike = arguments.compare ? difference(before, now) : "";
     Result result = decoded(now);
     result.fields.erase("time");
-    result.text = result.text.substr(result.text.find("  ") + 2);
+    result.text = result.text.substr(result.text.find(' ') + 1);
     if (!unlike.empty()) {
       ++different;
       result.outcome = Outcome::Differs;

@@ -42,6 +42,17 @@ int64_t secondsOf(int year, int month, int day, int hour, int minute, int second
   return duration_cast<seconds>(days.time_since_epoch()).count() + hour * 3600 + minute * 60 + second;
 }
 
+bool isDay(int year, int month, int day) {
+  return std::chrono::year_month_day(std::chrono::year(year),
+                                     std::chrono::month(static_cast<unsigned>(month)),
+                                     std::chrono::day(static_cast<unsigned>(day)))
+      .ok();
+}
+
+bool isTime(int hour, int minute, int second) {
+  return hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0 && second <= 60;
+}
+
 std::string firstStamp(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   file.seekg(kHeader);
@@ -184,11 +195,11 @@ int64_t momentOf(const std::string& text, int64_t now) {
   char more = '\0';
   const int fields = std::sscanf(text.c_str(), "%4d-%2d-%2d%*1[T ]%2d:%2d:%2d%c", &year, &month, &day, &hour,
                                  &minute, &second, &more);
-  if (((fields == 3 && text.size() == 10) || fields == 5 || fields == 6) && month >= 1 && month <= 12 &&
-      day >= 1 && day <= 31)
+  const bool time = isTime(hour, minute, second);
+  if (((fields == 3 && text.size() == 10) || fields == 5 || fields == 6) && isDay(year, month, day) && time)
     return secondsOf(year, month, day, hour, minute, second) * 1000;
   const int parts = std::sscanf(text.c_str(), "%2d:%2d:%2d%c", &hour, &minute, &second, &more);
-  if ((parts == 2 || parts == 3) && hour < 24 && minute < 60)
+  if ((parts == 2 || parts == 3) && isTime(hour, minute, second))
     return now / 86'400'000 * 86'400'000 + (hour * 3600 + minute * 60 + second) * 1000;
   throw Error(Failure::Usage, "'" + text + "' is no time: 10m, 2h, 10:20 or 2024-01-02T10:20:30");
 }

@@ -33,6 +33,7 @@ class TraceReader {
   std::vector<TraceLine> more();
   // Names of the files, in the order of their first lines.
   std::vector<std::string> files() const;
+  const std::filesystem::path& directory() const { return directory_; }
 
  private:
   struct Place {

@@ -88,7 +88,7 @@ std::string taskName(uint32_t task) {
   for (const char* name : {"lsd", "vsp", "videod"})
     if (peer::serviceCode(name) == (task & kServiceMask)) return name;
   const std::string text = hexAddress(task);
-  return (task & 0x00FFF000) == 0x000A7000 ? "parlctl " + text.substr(7) : text;
+  return (task & 0x00FFF000) == 0x000A7000 ? "tool " + text.substr(7) : text;
 }
 
 }  // namespace parlctl

@@ -34,7 +34,7 @@ class RequestFolder {
 // carries no data, whatever its length says.
 std::optional<peer::Frame> requestFrame(const TracedRequest& request);
 
-// "lsd", "vsp", "videod", "parlctl 6A0" or the identifier.
+// "lsd", "vsp", "videod", "tool 6A0" or the identifier.
 std::string taskName(uint32_t task);
 
 }  // namespace parlctl

@@ -54,22 +54,6 @@ void preview(const Options& options, const WallArguments& arguments) {
   options.print({fields, wallText(plan) + "\n\n" + wrapped(around.text()) + findingLines(findings)});
 }
 
-void check(const Options& options, const WallArguments& arguments) {
-  const bool described = !arguments.size.empty() || !arguments.blocks.empty();
-  std::optional<WantedWall> wanted;
-  if (described) wanted = describedWall(arguments);
-  std::optional<peer::Peer> daemon = described ? daemonIfThere(options) : options.connect();
-  const Surroundings around = surroundings(pointer(daemon), arguments);
-  const WallPlan plan =
-      described ? complete(*wanted, arguments, around).plan() : readRecord(*daemon).plan(around.card.size);
-  const auto findings = checkWall(plan, wallFacts(pointer(daemon), plan, around));
-  const std::string count = findings.empty() ? "no warnings" : countText(findings.size(), "warning");
-  const bool found = !findings.empty() && arguments.strict;
-  options.print({{{"warnings", findingsJson(findings)}, {"around", around.text()}},
-                 summary(plan) + '\n' + wrapped(around.text()) + findingLines(findings) + '\n' + count,
-                 found ? Outcome::Found : Outcome::Done});
-}
-
 // A record of what is no wall: what it says, and why it is none.
 Result unmapped(const WallRecord& record, const std::string& problem, CardSize card) {
   Json fields = screenJson(record.smart(card));
@@ -81,15 +65,70 @@ Result unmapped(const WallRecord& record, const std::string& problem, CardSize c
           Outcome::Differs};
 }
 
+// The wall that is there, or what there is instead of one.
+struct Recorded {
+  std::optional<WallPlan> plan;
+  Result instead;
+};
+
+Recorded recorded(const WallRecord& record, CardSize card) {
+  const std::string problem =
+      record.isAdvanced() ? wallProblem(record.advanced(), card) : wallProblem(record.smart(card));
+  if (!problem.empty()) return {std::nullopt, unmapped(record, problem, card)};
+  return {record.plan(card), {}};
+}
+
+void printNoWall(const Options& options, Result instead, const OutputFile& svg) {
+  if (svg.wanted()) {
+    instead.text += "\nnothing is drawn into " + svg.path();
+    if (instead.outcome == Outcome::Done) instead.outcome = Outcome::Found;
+  }
+  options.print(instead);
+}
+
+// The wall to look at: the one described, or the one that is there.
+struct Judged {
+  std::optional<peer::Peer> daemon;
+  Surroundings around;
+  Recorded wall;
+};
+
+Judged judged(const Options& options, const WallArguments& arguments) {
+  const bool described = !arguments.size.empty() || !arguments.blocks.empty();
+  if (!described && arguments.detailed())
+    throw Error(Failure::Usage, "--cards, --ports and --mode describe a wall of SIZE, which is missing");
+  std::optional<WantedWall> wanted;
+  if (described) wanted = describedWall(arguments);
+  Judged judged{described ? daemonIfThere(options) : options.connect(), {}, {}};
+  judged.around = surroundings(pointer(judged.daemon), arguments);
+  if (described)
+    judged.wall.plan = complete(*wanted, arguments, judged.around).plan();
+  else
+    judged.wall = recorded(readRecord(*judged.daemon), judged.around.card.size);
+  return judged;
+}
+
+void check(const Options& options, const WallArguments& arguments) {
+  auto [daemon, around, wall] = judged(options, arguments);
+  if (!wall.plan) {
+    if (arguments.strict && wall.instead.outcome == Outcome::Done) wall.instead.outcome = Outcome::Found;
+    return options.print(wall.instead);
+  }
+  const auto findings = checkWall(*wall.plan, wallFacts(pointer(daemon), *wall.plan, around));
+  const std::string count = findings.empty() ? "no warnings" : countText(findings.size(), "warning");
+  const bool found = !findings.empty() && arguments.strict;
+  options.print({{{"warnings", findingsJson(findings)}, {"around", around.text()}},
+                 summary(*wall.plan) + '\n' + wrapped(around.text()) + findingLines(findings) + '\n' + count,
+                 found ? Outcome::Found : Outcome::Done});
+}
+
 void show(const Options& options, const WallArguments& arguments) {
   OutputFile svg(arguments.svg);
   peer::Peer daemon = options.connect();
   const WallRecord record = readRecord(daemon);
-  const CardSize card = cardSize(daemon).size;
-  const std::string problem =
-      record.isAdvanced() ? wallProblem(record.advanced(), card) : wallProblem(record.smart(card));
-  if (!problem.empty()) return options.print(unmapped(record, problem, card));
-  const WallPlan plan = record.plan(card);
+  const Recorded there = recorded(record, cardSize(daemon).size);
+  if (!there.plan) return printNoWall(options, there.instead, svg);
+  const WallPlan& plan = *there.plan;
   const Seen seen = lookAtFpga(options, daemon, plan);
   svg.write(wallSvg(
       plan, {"Record: " + record.statusText() + "; FPGA: " + seen.text.substr(0, seen.text.find('\n'))}));
@@ -134,9 +173,11 @@ Verdict verify(const Options& options, peer::Peer& daemon, const WantedWall& wan
 // Sends a record, waits if that is wanted, and says what came of it. The one that was there is kept for undo.
 void apply(const Options& options, peer::Peer& daemon, const WantedWall& wanted, const WallRecord& before,
            const WallArguments& arguments, const std::vector<Finding>& findings, OutputFile& svg) {
-  const std::string notKept = keepWall(options, before);
   WallRecord after = before;
   wanted.putInto(after);
+  // Sent once more it is no other wall, and the one before it stays kept.
+  const bool same = before.isAdvanced() == wanted.isAdvanced() && after.bytes() == before.bytes();
+  const std::string notKept = same ? "" : keepWall(options, before);
   std::optional<CalculationWitness> witness;
   if (arguments.wait) witness.emplace(daemon, wanted.plan());
   (wanted.isAdvanced() ? submitAdvanced : submitSmart)(daemon, after);
@@ -219,13 +260,9 @@ void wiring(const Options& options, const WallArguments& arguments) {
   WiringView view{.rear = arguments.rear, .port = std::nullopt};
   if (!arguments.port.empty()) view.port = number(arguments.port, ORVE_MCUC::kMappedPorts - 1);
   OutputFile svg(arguments.svg);
-  const bool described = !arguments.size.empty() || !arguments.blocks.empty();
-  std::optional<WantedWall> wanted;
-  if (described) wanted = describedWall(arguments);
-  std::optional<peer::Peer> daemon = described ? daemonIfThere(options) : options.connect();
-  const Surroundings around = surroundings(pointer(daemon), arguments);
-  const WallPlan plan =
-      described ? complete(*wanted, arguments, around).plan() : readRecord(*daemon).plan(around.card.size);
+  const Recorded wall = judged(options, arguments).wall;
+  if (!wall.plan) return printNoWall(options, wall.instead, svg);
+  const WallPlan& plan = *wall.plan;
   if (view.port && !plan.ports()[*view.port].used)
     throw Error(Failure::Usage, "port " + arguments.port + " has no cards of its own in this wall");
   svg.write(wiringSvg(plan, view));
@@ -247,11 +284,17 @@ std::shared_ptr<WallArguments> addVerb(Verb& verb, const Options& options, Act a
   return arguments;
 }
 
+// A verb that takes the description of a wall and draws it.
+std::shared_ptr<WallArguments> addDrawing(Verb& verb, const Options& options, Act act, bool sizeRequired) {
+  auto arguments = addVerb(verb, options, act);
+  addScreen(verb, *arguments, sizeRequired);
+  addSvg(verb, *arguments);
+  return arguments;
+}
+
 void addSet(Verb& wall, const Options& options) {
   Verb& verb = wall.verb("set", "Configure the daemon for a wall");
-  const auto arguments = addVerb(verb, options, &set);
-  addScreen(verb, *arguments, true);
-  addSvg(verb, *arguments);
+  const auto arguments = addDrawing(verb, options, &set, true);
   addWait(verb, *arguments);
   verb.flag("--plan", arguments->plan, "Show what would change, and send nothing").excludes({"--wait"});
   verb.flag("--force", arguments->force, "Send what the daemon will not map, too");
@@ -262,11 +305,9 @@ void addSet(Verb& wall, const Options& options) {
 void addPreview(Verb& wall, const Options& options) {
   Verb& verb =
       wall.verb("preview", "What a wall would be; links and card size are the daemon's when there is one");
-  const auto arguments = addVerb(verb, options, &preview);
-  addScreen(verb, *arguments, true);
+  const auto arguments = addDrawing(verb, options, &preview, true);
   verb.option("--card-size", "WxH", arguments->cardSize,
               "WIDTHxHEIGHT of a card in pixels, whatever the cards say");
-  addSvg(verb, *arguments);
   verb.example("wall preview 4x6 --cards 12 --mode bottom-right-columns --svg wall.svg");
 }
 
@@ -301,11 +342,9 @@ void addWall(Verb& root, const Options& options) {
   addWait(back, *undone);
 
   Verb& cables = wall.verb("wiring", "Cables to print: of the wall that is there, or of the one described");
-  const auto arguments = addVerb(cables, options, &wiring);
-  addScreen(cables, *arguments, false);
+  const auto arguments = addDrawing(cables, options, &wiring, false);
   cables.flag("--rear", arguments->rear, "As somebody behind the wall sees it");
   cables.option("--port", "N", arguments->port, "This port alone");
-  addSvg(cables, *arguments);
   cables.example("wall wiring --rear --svg wiring.svg");
 }
 

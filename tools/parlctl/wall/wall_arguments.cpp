@@ -51,11 +51,11 @@ void addScreen(Verb& verb, WallArguments& arguments, bool sizeRequired) {
   verb.option(
       "--mode", "MODE", arguments.mode,
       "Connection mode, 0 to 7 or CORNER-rows, CORNER-columns: where the chain of a port begins (top-left, "
-      "top-right, bottom-left, bottom-right) and what it runs along");
+      "top-right, bottom-left, bottom-right) and what it runs along. Without it: 0, top-left-rows");
   verb.option(
           "--blocks", "FILE", arguments.blocks,
           "A block for each port instead: lines such as '0: 2x3 at 0,0 top-left-rows'; - is standard input")
-      .excludes({"--cards", "--ports"})
+      .excludes({"--cards", "--ports", "--mode"})
       .isFile();
 }
 
@@ -64,15 +64,14 @@ void addSvg(Verb& verb, WallArguments& arguments) {
 }
 
 std::string Surroundings::text() const {
-  if (!links)
-    return "assumed: cards of " + sizeText({card.size.width, card.size.height}) + ", every port linked";
-  return "from the daemon: ports with a link " + rangesText(*links) + "; cards of " +
-         sizeText({card.size.width, card.size.height}) +
-         (card.measured ? ", measured" : ", assumed by the daemon");
+  const std::string cards = "cards of " + sizeText({card.size.width, card.size.height});
+  if (!asked) return "assumed: " + cards + ", every port linked";
+  return "from the daemon: " + (links ? "ports with a link " + rangesText(*links) : "links not told") + "; " +
+         cards + (card.measured ? ", measured" : ", assumed by the daemon");
 }
 
 Surroundings surroundings(peer::Peer* daemon, const WallArguments& arguments) {
-  Surroundings around{{kAssumedCard, false}, std::nullopt};
+  Surroundings around{{kAssumedCard, false}, std::nullopt, daemon != nullptr};
   if (daemon != nullptr) {
     around.links = linkedPorts(*daemon);
     around.card = cardSize(*daemon);
@@ -115,7 +114,7 @@ WantedWall describedWall(const WallArguments& arguments) {
   SmartScreen screen{.rows = static_cast<uint16_t>(rows),
                      .columns = static_cast<uint16_t>(columns),
                      .cardsPerPort = 0,
-                     .mode = modeNumber(arguments.mode),
+                     .mode = arguments.mode.empty() ? uint8_t{0} : modeNumber(arguments.mode),
                      .card = {}};
   if (!arguments.cards.empty()) screen.cardsPerPort = static_cast<uint16_t>(fromOne(arguments.cards, 0xFFFF));
   if (!arguments.ports.empty()) fromOne(arguments.ports, map::kMappedPorts);
@@ -136,7 +135,8 @@ WallFacts wallFacts(peer::Peer* daemon, const WallPlan& plan, const Surroundings
   if (daemon == nullptr) return facts;
   facts.cardMeasured = around.card.measured;
   for (const WallPort& port : plan.used())
-    if (std::ranges::find(*around.links, port.port) != around.links->end() && !lastCardAnswers(*daemon, port))
+    if ((!around.links || std::ranges::find(*around.links, port.port) != around.links->end()) &&
+        !lastCardAnswers(*daemon, port))
       facts.silentPorts.push_back(port.port);
   return facts;
 }

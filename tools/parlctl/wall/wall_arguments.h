@@ -12,7 +12,7 @@ struct WallArguments {
   std::string blocks;  // a file
   std::string cards;
   std::string ports;
-  std::string mode = "0";
+  std::string mode;      // empty: 0
   std::string cardSize;  // empty: as the daemon says, or 128x128
   std::string svg;
   std::string port;
@@ -21,6 +21,9 @@ struct WallArguments {
   bool plan = false;
   bool strict = false;
   bool rear = false;
+
+  // Whether there is something that means nothing without SIZE.
+  bool detailed() const { return !cards.empty() || !ports.empty() || !mode.empty(); }
 };
 
 void addScreen(Verb& verb, WallArguments& arguments, bool sizeRequired);
@@ -29,8 +32,9 @@ void addSvg(Verb& verb, WallArguments& arguments);
 // What stands around the wall: asked of the daemon, or assumed when there is none.
 struct Surroundings {
   MeasuredCard card;
-  std::optional<std::vector<unsigned>> links;  // nothing: nobody was asked
-  std::string text() const;                    // where they come from
+  std::optional<std::vector<unsigned>> links;  // nothing: nobody was asked, or nobody told
+  bool asked = false;
+  std::string text() const;  // where they come from
 };
 Surroundings surroundings(peer::Peer* daemon, const WallArguments& arguments);
 

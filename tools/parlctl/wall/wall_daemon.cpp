@@ -64,7 +64,7 @@ Seen compared(const WallPlan& plan, const ReadBack& way, Scope scope, const char
 }  // namespace
 
 MeasuredCard cardSize(peer::Peer& daemon) {
-  for (const unsigned port : linkedPorts(daemon)) {
+  for (const unsigned port : linkedPorts(daemon).value_or(std::vector<unsigned>{})) {
     if (port >= map::kMappedPorts) break;
     if (const auto size = askCard(daemon, port)) return {*size, true};
   }
@@ -158,8 +158,9 @@ uint16_t copperLinks(std::span<const uint8_t> registers) {
   return fpga::netLinkWord(bytes);
 }
 
-std::vector<unsigned> linkedPorts(peer::Peer& daemon) {
+std::optional<std::vector<unsigned>> linkedPorts(peer::Peer& daemon) {
   const Bytes registers = daemon.read(reg::kTestPrint, fpga::kFiberBelowLink + 4);
+  if (std::ranges::all_of(registers, [](uint8_t byte) { return byte == 0; })) return std::nullopt;
   const unsigned links = copperLinks(registers) | map::le16(registers, fpga::kFiberBelowLink) |
                          map::le16(registers, fpga::kFiberBelowLink + 2);
   std::vector<unsigned> ports;

@@ -48,8 +48,9 @@ WallRecord readRecord(peer::Peer& daemon);
 void submitSmart(peer::Peer& daemon, const WallRecord& record);
 void submitAdvanced(peer::Peer& daemon, const WallRecord& record);
 
-// Ports 0..15 with a link, over copper or fiber.
-std::vector<unsigned> linkedPorts(peer::Peer& daemon);
+// Ports 0..15 with a link, over copper or fiber. Nothing when all registers there are zero, which is also
+// what the daemon says of an FPGA that it cannot read.
+std::optional<std::vector<unsigned>> linkedPorts(peer::Peer& daemon);
 // Copper links of ports 0..15 from the feature registers, of which at least 0x128 are given.
 uint16_t copperLinks(std::span<const uint8_t> registers);
 

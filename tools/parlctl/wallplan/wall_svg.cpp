@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <sstream>
 
+#include "helptext.h"
 #include "svgsheet.h"
 #include "values.h"
 #include "wallpicture.h"
@@ -101,6 +103,16 @@ std::string chainsText(const WallPlan& plan) {
   if (!plan.smart()) return "A block for each port, " + cards + ports;
   return "Mode " + modeText(plan.smart()->mode) + ", " + cards +
          countText(plan.smart()->cardsPerPort, "card") + " per port, " + ports;
+}
+
+// Lines that the narrowest sheet has room for.
+std::vector<std::string> linesOf(const std::vector<std::string>& notes) {
+  std::vector<std::string> lines;
+  for (const std::string& note : notes) {
+    std::istringstream rows(wrapped(note, 4));
+    for (std::string row; std::getline(rows, row);) lines.push_back(row);
+  }
+  return lines;
 }
 
 void drawHeading(SvgSheet& sheet, const WallPlan& plan, const Layout& layout,
@@ -260,10 +272,11 @@ const char* portColour(unsigned port) {
 }
 
 std::string wallSvg(const WallPlan& plan, const std::vector<std::string>& notes) {
-  const Layout layout(plan, notes.size());
+  const std::vector<std::string> lines = linesOf(notes);
+  const Layout layout(plan, lines.size());
   SvgSheet sheet(layout.sheetWidth(), layout.sheetHeight());
   const auto used = plan.used();
-  drawHeading(sheet, plan, layout, notes);
+  drawHeading(sheet, plan, layout, lines);
   drawListOfPorts(sheet, plan, layout);
   drawAxes(sheet, plan, layout);
   for (const WallPort& port : used) {

@@ -95,7 +95,7 @@ TEST_F(SenderTest, CardCountsLieInFiveBlocksAndAShortAccessTouchesItsOwn) {
   EXPECT_THAT(read(0x031002F8, 16), CarriesNothing());
   daemon.write(0x031002FE, {1, 2, 3, 4});
   EXPECT_EQ(daemon.workOff(), 0U);
-  daemon.board.fault(Fault::FpgaRead, {.count = kAlways, .after = 2});
+  daemon.board.fault(Fault::FpgaRead, {kAlways, 2});
   EXPECT_THAT(read(0x03100000, 16), CarriesNothing());
 }
 

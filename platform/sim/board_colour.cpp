@@ -105,7 +105,7 @@ void HDR10GammaCalculation(uint16_t peak_light, uint16_t ambient_light, uint8_t 
   const double peak = std::max<double>(peak_light, 1);
   // Ambient light hides dark levels: a smaller exponent lifts them, as the low-grey effect does.
   const double exponent = (1 - low_gray_effect / 1020.0) / (1 + ambient_light / 1000.0);
-  const double gain = brightness / 255.0 * (1 + high_gray_effect / 1020.0);
+  const double gain = std::min<int>(brightness, 100) / 100.0 * (1 + high_gray_effect / 1020.0);
   fillTable(table, [&](double signal) { return gain * std::pow(pqToLight(signal) / peak, exponent); });
   if (journalsWrites()) {
     JournalLine("colour")

@@ -45,8 +45,8 @@ void BrightnessControl::SmartAdjustGlobalBrightness(const BrightnessChange& chan
   for (int value = change.from; value != change.to;) {
     value += direction;
     device_.sendBrightness(kEveryPort, static_cast<uint8_t>(value), change.reason);
-    if (device_.resetRequested()) return;
     device_.pause(kStepPauseMs);
+    if (device_.resetRequested()) return;
     if (overtaken(plan)) {
       locked([](BrightnessSchedule& schedule) { schedule.applyAgain(); });
       return;

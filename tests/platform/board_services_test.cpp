@@ -74,10 +74,10 @@ TEST_F(BoardTest, CurvesRiseFromBlackToAsMuchAsTheBrightnessAllows) {
     EXPECT_EQ(values.back(), last);
     EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
   };
-  HDR10GammaCalculation(1000, 5, 255, 10, 0, 0, table.data());
+  HDR10GammaCalculation(1000, 5, 100, 10, 0, 0, table.data());
   expectCurve(65535);
   EXPECT_NEAR(entries(table)[3079], 65535, 200) << "this signal is 1000 cd/m2";
-  HDR10GammaCalculation(10000, 0, 51, 10, 0, 0, table.data());
+  HDR10GammaCalculation(10000, 0, 20, 10, 0, 0, table.data());
   expectCurve(65535 / 5);
   HDR10GammaCalculation(0, kMost, 255, 10, 255, 255, table.data());
   expectCurve(65535);

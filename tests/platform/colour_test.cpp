@@ -25,12 +25,12 @@ struct Sample {
 // SMPTE ST 2084: code values of ITU-R BT.2408 for known luminances, full-range signal to cd/m2.
 TEST(ColourLibraryTest, Hdr10IsThePerceptualQuantizerUpToThePeak) {
   Table table{};
-  HDR10GammaCalculation(10000, 0, 255, 10, 0, 0, table.data());
+  HDR10GammaCalculation(10000, 0, 100, 10, 0, 0, table.data());
   for (const auto& [signal, light] : {Sample{0.5081, 100}, Sample{0.5807, 203}, Sample{0.7518, 1000},
                                       Sample{0.9026, 4000}, Sample{1, 10000}})
     EXPECT_NEAR(lightAt(table, signal) * 10000, light, light * 0.004) << signal;
   EXPECT_EQ(lightAt(table, 0), 0);
-  HDR10GammaCalculation(1000, 0, 255, 10, 0, 0, table.data());
+  HDR10GammaCalculation(1000, 0, 100, 10, 0, 0, table.data());
   EXPECT_NEAR(lightAt(table, 0.5081), 0.1, 0.0005);
   EXPECT_EQ(lightAt(table, 0.7530), 1) << "cut at the peak";
 }

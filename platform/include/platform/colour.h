@@ -15,8 +15,9 @@ enum {
   COLOUR_COEFFICIENTS_SIZE = 32 /* bytes of a conversion's coefficients */
 };
 
-/* HDR10 curve (SMPTE ST 2084): peak and ambient light in cd/m2, brightness 0..255, bit depth (10), effects on
- * low and high grey levels 0..255. Fills COLOUR_TABLE_SIZE bytes. */
+/* HDR10 curve (SMPTE ST 2084): peak and ambient light in cd/m2, brightness of the cards in percent (above 100
+ * counts as 100), bit depth (10), effects on low and high grey levels 0..255. Fills COLOUR_TABLE_SIZE bytes.
+ */
 void HDR10GammaCalculation(uint16_t peak_light, uint16_t ambient_light, uint8_t brightness, int bit_depth,
                            uint8_t low_gray_effect, uint8_t high_gray_effect, unsigned char* table);
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 #include "brightness_plans.h"
@@ -81,6 +82,45 @@ TEST(BrightnessFaultTest, AFailedReadChangesNeitherMirrorNorFile) {
   wall.control().takeSerialTimeout(77);
   wall.control().takeSerialTimeout(0);
   EXPECT_EQ(wall.writes, 3);
+}
+
+// A wall where something comes to pass before the n-th send or in the n-th pause.
+class InterruptedWall : public VirtualWall {
+ public:
+  using VirtualWall::VirtualWall;
+  int sendsLeft = 0;
+  int pausesLeft = 0;
+  std::function<void()> interrupt;
+  bool reset = false;
+  void sendBrightness(uint8_t port, uint8_t value, BrightnessReason reason) override {
+    if (--sendsLeft == 0) interrupt();
+    VirtualWall::sendBrightness(port, value, reason);
+  }
+  void pause(int milliseconds) override {
+    VirtualWall::pause(milliseconds);
+    if (--pausesLeft == 0) interrupt();
+  }
+  bool resetRequested() override { return reset; }
+};
+
+TEST(BrightnessInterruptTest, AResetEndsAGradualChangeAfterTheStepAtHand) {
+  for (const auto& [sends, pauses] : {std::pair{4, 0}, {0, 3}}) {
+    InterruptedWall wall(mixedPlan({{12, 0, 0}, {12, 1, 100}}, true), at(2024, 6, 1, 12));
+    wall.sendsLeft = sends;
+    wall.pausesLeft = pauses;
+    wall.interrupt = [&] { wall.reset = true; };
+    // There are no further ticks while a reset waits.
+    while (!wall.reset && wall.localSeconds() < at(2024, 6, 1, 12, 2)) wall.tick();
+    EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 3)) << sends;
+  }
+}
+
+TEST(BrightnessInterruptTest, APlanWhoseFirstBrightnessAStepOvertakesPrevails) {
+  InterruptedWall wall(mixedPlan({{12, 0, 0}, {12, 1, 100}}, true), at(2024, 6, 1, 12));
+  wall.sendsLeft = 4;
+  wall.interrupt = [&] { write(wall, mixedPlan({{0, 0, 80}}, true), kTestLength); };
+  wall.runUntil(at(2024, 6, 1, 12, 1, 20));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 204, 3, 204));
 }
 
 TEST(BrightnessWriteTest, ChunksAreStoredWhereTheyBelongAndNotBeyond) {

@@ -61,7 +61,7 @@ TEST_F(SenderTest, PositionsAreThoseOfTheFpga) {
   EXPECT_THAT(read(0x03009FF0, 32), CarriesNothing());
   write(0x03009FF0, counting(32));
   EXPECT_EQ(fpga(0x600000 + 0x9FF0, 32), Bytes(32, 0)) << "it ends behind the tables";
-  daemon.board.failNext(Fault::FpgaRead, 1);
+  daemon.board.failNext(Fault::FpgaRead, kAlways);
   EXPECT_THAT(read(0x03000100, 16), CarriesNothing());
 }
 
@@ -95,7 +95,7 @@ TEST_F(SenderTest, CardCountsLieInFiveBlocksAndAShortAccessTouchesItsOwn) {
   EXPECT_THAT(read(0x031002F8, 16), CarriesNothing());
   daemon.write(0x031002FE, {1, 2, 3, 4});
   EXPECT_EQ(daemon.workOff(), 0U);
-  daemon.board.failCall(Fault::FpgaRead, 3);
+  daemon.board.fault(Fault::FpgaRead, {kAlways, 2});
   EXPECT_THAT(read(0x03100000, 16), CarriesNothing());
 }
 
@@ -181,7 +181,7 @@ INSTANTIATE_TEST_SUITE_P(Types, ResetTest,
                                          Reset{"Fiber0", kFiber, 0, true, false, kMeasured},
                                          Reset{"NoLink2", kNoLink, 2, true, true, kAssumed},
                                          Reset{"Unknown", kCopper, kUnknownType, true, false, kMeasured}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SenderTest, AResetGoesOnBehindWhateverFailsAndIsNotLostToAReload) {
   for (const Fault kind : {Fault::FlashRead, Fault::FactoryWrite, Fault::CardWrite, Fault::FpgaWrite}) {

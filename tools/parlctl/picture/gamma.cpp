@@ -84,7 +84,7 @@ struct LoadArguments {
 
 std::string textOfFile(const std::string& path) {
   constexpr std::size_t kLargest = 1 << 20;
-  const Bytes bytes = bytesOfFile(path, kLargest);
+  const Bytes bytes = fileBytes(path, kLargest);
   return {bytes.begin(), bytes.end()};
 }
 
@@ -127,7 +127,7 @@ void load(const Options& options, const LoadArguments& arguments) {
   if (before.mark != kHdrMark)
     seen = lookUntil(options.patience(), [&] { return compareTables(daemon, tables); });
   if (before.mark != kHdrMark && (before.mark == map::kBank12Bit) == tenBit)
-    seen.text += "\nthe device is set to the other bank, which it loads again at the next start";
+    seen.text += "\nby its mark the device has the other bit depth: hdr off loads the other bank";
   options.print({{{"bank", number(arguments.bank)}, {"bytes", 3 * map::kGammaTableBytes}},
                  arguments.bank + "-bit tables of " + arguments.file + '\n' + seen.text,
                  seen.outcome});
@@ -165,8 +165,8 @@ void make(const Options& options, const MakeArguments& arguments) {
   const std::string text = textOfGamma(curve);
   if (svg.wanted()) svg.write(gammaSvg("Gamma curve: " + name, {curve, curve, curve}));
   if (to.wanted()) to.write(text + '\n');
-  options.print(
-      {{{"curve", name}, {"table", curve}}, to.wanted() ? name + ": 4096 entries in " + to.path() : text});
+  options.print({{{"curve", name}, {"table", curve}},
+                 arguments.to.empty() ? text : name + ": 4096 entries in " + arguments.to});
 }
 
 void addMake(Verb& gamma, const Options& options) {

@@ -38,8 +38,9 @@ const char* typeName(uint8_t type) {
 }
 
 std::string curveText(const LoadedCurve& curve) {
-  return std::string(curve.isHdr() ? "an HDR curve" : "gamma tables") + ", white is " +
-         std::to_string(curve.white * 100 / 65535) + " %";
+  std::string text = curve.isHdr() ? "an HDR curve" : "gamma tables";
+  text += ", white is " + std::to_string(curve.white * 100 / 65535) + " %";
+  return text;
 }
 
 Result described(const Settings& settings, const LoadedCurve& curve) {
@@ -65,9 +66,9 @@ void show(const Options& options) {
   if ((settings.type == kHdr10 || settings.type == kHlg) != curve.isHdr()) {
     result.outcome = Outcome::Differs;
     result.text += "\ndiffers: the FPGA does not have what is set";
-  } else if (curve.white == 0) {
+  } else if (curve.isHdr() && curve.white == 0) {
     result.outcome = Outcome::Found;
-    result.text += "\nfound: white is dark, so the wall is; the cards' brightness counts for HDR10";
+    result.text += "\nfound: the curve is dark, and so is the wall; HDR10 takes the cards' brightness";
   }
   options.print(result);
 }

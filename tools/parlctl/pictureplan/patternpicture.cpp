@@ -19,7 +19,7 @@ constexpr double kTop = 92;
 constexpr double kWidest = 1040;
 constexpr double kHighest = 640;
 constexpr double kNarrowest = 420;  // the title and the legend need as much
-constexpr uint32_t kMostIntervals = 100;
+constexpr uint32_t kMostIntervals = 50;
 
 // Neighbouring lit pixels of a row, and of the rows below that have the same ones.
 struct Run {

@@ -31,7 +31,7 @@ struct WallSize {
 };
 // Letters for the upper left corner of a wall, at most 72 columns, and what a letter stands for.
 std::string patternText(const PatternBytes& image, WallSize wall);
-// The wall true to scale; of more than 100 intervals an axis the first 100.
+// The wall true to scale; of more than 50 intervals an axis the first 50.
 std::string patternSvg(const PatternBytes& image, WallSize wall, const std::string& title);
 
 }  // namespace parlctl

@@ -90,9 +90,10 @@ Result foundAgain(const Options& options, Clock::time_point end) {
   const Feature& role = featureAt(ORVE_MCUC::fpga::kBackupMark);
   const std::string roleWord = valueText(role, readFeature(daemon, role));
   const std::string wall = std::to_string(screen.rows) + " x " + std::to_string(screen.columns);
+  std::string text = good ? "verified" : "mismatch";
+  text += ": the device is back after its reboot, with a wall of " + wall + " cards, as a " + roleWord;
   return {{{"rows", screen.rows}, {"columns", screen.columns}, {"role", roleWord}},
-          std::string(good ? "verified" : "mismatch") +
-              ": the device is back after its reboot, with a wall of " + wall + " cards, as a " + roleWord,
+          text,
           good ? Outcome::Verified : Outcome::Mismatch};
 }
 
@@ -114,8 +115,13 @@ void addReset(Verb& root, const Options& options) {
   const auto arguments = std::make_shared<ResetArguments>();
   Verb& verb = root.verb("reset", "Back to the factory settings")
                    .verb("factory", "Reset the device, and wait until it is back after its reboot");
-  verb.option("--type", "N", arguments->type, 0, 2,
-              std::string("0: ") + kTypes[0] + ". 1: " + kTypes[1] + ". 2: " + kTypes[2]);
+  std::string types;
+  for (unsigned type = 0; type < std::size(kTypes); ++type) {
+    types += types.empty() ? "" : ". ";
+    types += std::to_string(type) + ": ";
+    types += kTypes[type];
+  }
+  verb.option("--type", "N", arguments->type, 0, 2, types);
   verb.flag("--yes-reset", arguments->yes, "Do not ask for the word RESET; needed without a terminal");
   verb.option("--wait", "S", arguments->wait, "How long the device may take, in seconds");
   verb.example("reset factory --type 2");

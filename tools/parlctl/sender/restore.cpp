@@ -38,7 +38,7 @@ std::string shortHex(const Bytes& bytes) {
 }
 
 // From the first byte that differs on.
-std::string lineOf(const Change& change) {
+std::string lineOf(const RegisterChange& change) {
   const auto [want, got] = std::ranges::mismatch(change.wanted, change.found);
   const auto rest = [](const Bytes& bytes, auto at) { return Bytes(at, bytes.end()); };
   return change.place + ": " + shortHex(rest(change.found, got)) + " -> " +
@@ -63,7 +63,7 @@ void restoreWall(const Options& options, peer::Peer& daemon, const Bytes& wanted
   if (seen.outcome != Outcome::Verified) done.wrong.push_back("wall: " + seen.text);
 }
 
-void restoreChange(const Options& options, peer::Peer& daemon, const Change& change, Restored& done) {
+void restoreChange(const Options& options, peer::Peer& daemon, const RegisterChange& change, Restored& done) {
   daemon.write(change.address, change.wanted);
   const Comparison seen = readBack(daemon,
                                    {.code = peer::kWrite,
@@ -123,7 +123,7 @@ void restoreSection(const Options& options, peer::Peer& daemon, const BackupSect
   if (section.restoring == Restoring::Wall) return restoreWall(options, daemon, wanted, dryRun, done);
   const RestorePlan plan = planSection(section, wanted, readSection(daemon, section));
   done.kept.insert(done.kept.end(), plan.kept.begin(), plan.kept.end());
-  for (const Change& change : plan.changes) {
+  for (const RegisterChange& change : plan.changes) {
     ++done.differences;
     done.lines.push_back(lineOf(change));
     if (!dryRun) restoreChange(options, daemon, change, done);

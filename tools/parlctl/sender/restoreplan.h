@@ -10,7 +10,7 @@
 namespace parlctl {
 
 // One write, with what is there now.
-struct Change {
+struct RegisterChange {
   std::string place;  // "features: screen-width", "positions + 0x400"
   uint32_t address;
   peer::Bytes wanted;
@@ -18,8 +18,8 @@ struct Change {
 };
 
 struct RestorePlan {
-  std::vector<Change> changes;    // in the order of the writes
-  std::vector<std::string> kept;  // differs, and is not restored
+  std::vector<RegisterChange> changes;  // in the order of the writes
+  std::vector<std::string> kept;        // differs, and is not restored
 };
 
 // Writes that make a section as it was in the backup; walls and gamma curves are restored as wholes.

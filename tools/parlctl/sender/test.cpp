@@ -22,9 +22,10 @@ void run(const Options& options, const std::string& word) {
   daemon.write(ORVE_MCUC::reg::ofFeature(kTestSwitch), {state});
   const Result kept = setFeature(options, daemon, height, before);
   const bool good = kept.outcome == Outcome::Verified;
+  std::string text = state != 0 ? "accepted: the test runs" : "accepted: the test ends";
+  text += good ? ", and the output height is as it was" : "\n" + kept.text;
   options.print({{{"test", "fpga"}, {"state", word}, {"output_height", kept.fields["value"]}},
-                 std::string("accepted: the test ") + (state != 0 ? "runs" : "ends") +
-                     (good ? ", and the output height is as it was" : "\n" + kept.text),
+                 text,
                  good ? Outcome::Accepted : kept.outcome});
 }
 
@@ -37,8 +38,9 @@ void addTest(Verb& root, const Options& options) {
       .operand("WHAT", *word, "What to do")
       .oneOf({"start", "stop"})
       .note(
-          "The result is in the card's log. The switch shares a byte with the output height, which is "
-          "wrong for a moment")
+          "The result is in the card's log. The patterns overwrite the port tables, which 'reload' brings "
+          "back. "
+          "The switch shares a byte with the output height, which is wrong for a moment")
       .example("test fpga start")
       .run([&options, word] { run(options, *word); });
 }

@@ -21,7 +21,7 @@ namespace {
 constexpr mode_t kFileMode = 0664;
 constexpr uint8_t kAllPorts = 0xFF;
 constexpr uint16_t kAllBoards = 0xFFFF;
-constexpr int64_t kLongestPlaybackUs = 10 * 60 * int64_t{1000000};
+constexpr int64_t kLongestPlaybackUs = int64_t{10} * 60 * 1000000;
 constexpr int kLongestSleepMs = 100;  // for so long nobody who wants a playback to end waits
 
 FilePlace storedFile(unsigned int number) {

@@ -12,6 +12,7 @@
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "platform/board.h"
+#include "platform/lineecho.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -91,14 +92,14 @@ int DriverUtil::SetClock(unsigned char channel, unsigned int frequency) {
   char path[PATH_MAX];
   const int device = board_path("/dev/i2cdev9", path, sizeof path) == 0 ? open(path, O_RDWR | O_CLOEXEC) : -1;
   if (device < 0) {
-    std::puts("fail to open!!!");
+    platform::LineEcho().write("fail to open!!!\n");
     return kClockFailed;
   }
   auto request = clockRequest(channel, frequency);
   const int sent = ioctl(device, kClockConfigRequest, request.data());
   close(device);
   if (sent < 0) {
-    std::puts("fail to ioctl config!!!");
+    platform::LineEcho().write("fail to ioctl config!!!\n");
     return kClockFailed;
   }
   return 0;

@@ -30,6 +30,7 @@ void CTrace::CLogRecorder::advance(const char* text) {
 void CTrace::CLogRecorder::advance(std::string_view text) {
   // The end may already lie within the bytes that are never filled; a difference would then wrap.
   if (m_dwSize <= kNeverFilled || m_dwPos >= m_dwSize - kNeverFilled) return;
+  if (text.empty()) return;  // which may have no address
   const std::size_t count = std::min(text.size(), m_dwSize - kNeverFilled - m_dwPos);
   std::memcpy(m_lpszBuf + m_dwPos, text.data(), count);
   m_dwPos += count;

@@ -51,6 +51,7 @@ int localText(Fault fault, const char* format, char* text) {
   timespec now{};
   board_clock(&now);
   tm local{};
+  tzset();  // somebody may have changed the time zone
   if (localtime_r(&now.tv_sec, &local) == nullptr) return -1;
   return std::strftime(text, kTextSize, format, &local) > 0 ? 0 : -1;
 }

@@ -8,7 +8,7 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr int64_t kTickMs = 200;
-constexpr int64_t kDay = 24 * 60 * 60;
+constexpr int64_t kDay = int64_t{24} * 60 * 60;
 
 }  // namespace
 

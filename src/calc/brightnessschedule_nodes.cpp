@@ -6,11 +6,11 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr int64_t kDay = 24 * 60 * 60;
+constexpr int64_t kDay = int64_t{24} * 60 * 60;
 constexpr int64_t kMinute = 60;
 constexpr int kWindow = 4;  // seconds into its minute that a node is seen
 // Clocks are set by peers and by daylight saving. A step back of less than this leaves the cycle as it is.
-constexpr int64_t kLargeStep = 2 * 60 * 60;
+constexpr int64_t kLargeStep = int64_t{2} * 60 * 60;
 // A clock that was set has to stay where it is for a minute of checks before the plan follows.
 constexpr uint32_t kSettledChecks = 30;
 

@@ -20,10 +20,10 @@ namespace gammacurve {
 // e to a power, and the natural logarithm of a number in (0, 1]: <cmath> has them for the compiler only as an
 // extension of one compiler.
 constexpr double exponential(double x) {
-  double halvings = 1;
+  int halvings = 0;
   while (x < -0.5 || x > 0.5) {
     x /= 2;
-    halvings *= 2;
+    ++halvings;
   }
   double sum = 1;
   double term = 1;
@@ -31,13 +31,16 @@ constexpr double exponential(double x) {
     term *= x / n;
     sum += term;
   }
-  for (; halvings > 1; halvings /= 2) sum *= sum;
+  for (; halvings > 0; --halvings) sum *= sum;
   return sum;
 }
 constexpr double logarithm(double x) {
   constexpr double kLn2 = 0.693147180559945309417;
   double shift = 0;
-  for (; x < 0.75; x *= 2) shift -= kLn2;
+  while (x < 0.75) {
+    x *= 2;
+    shift -= kLn2;
+  }
   const double t = (x - 1) / (x + 1);
   double sum = 0;
   double power = t;

@@ -1,12 +1,13 @@
 // The EDIDs of the inputs: stored modes, and what is loaded for them.
 #include <algorithm>
-#include <cstdio>
+#include <string>
 
 #include "calc/inputmode.h"
 #include "hextext.h"
 #include "maps/flashmap.h"
 #include "mcucdatablock.h"
 #include "mcuctrace.h"
+#include "platform/lineecho.h"
 #include "process/inputSource.h"
 #include "proto/store/deviceaccess.h"
 
@@ -70,7 +71,7 @@ int InputSource::ReadEDIDInfo(int group, std::span<uint8_t, kEdidBytes> out) {
   if (result == 0) {
     std::copy(edid.begin(), edid.end(), out.begin());
   } else {
-    std::printf("GetEDIDInfo error %d \n", result);
+    platform::LineEcho().write("GetEDIDInfo error " + std::to_string(result) + " \n");
     PARLEND_TRACE(kError) << "GetEDIDInfo error " << result << " ";
   }
   return result;

@@ -1,13 +1,14 @@
 #include "process/rvconfigspace.h"
 
 #include <array>
-#include <cstdio>
+#include <string>
 #include <utility>
 
 #include "driverutil.h"
 #include "maps/flashmap.h"
 #include "maps/rvconfigmap.h"
 #include "mcuctrace.h"
+#include "platform/lineecho.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
 #include "singleton.h"
@@ -146,7 +147,8 @@ void RvConfigSpace::storeBody(uint32_t registerAddress, std::span<const uint8_t>
   auto& storage = WriteRvFilePara.StorageName[k];
   if (registerAddress == start) {  // of an old file no tail shall be left
     storage = rvStorageName(number);
-    std::printf("##################File Name::%s\n", storage.name.data());
+    std::string name = "##################File Name::";
+    platform::LineEcho().write(name.append(storage.name.data()) += '\n');
     PARLEND_TRACE(kInfo) << "Remove Rvfile " << k << " File"
                          << "Name:" << storage.name.data();
     driver().RemoveRvFile(nullptr, static_cast<int>(number));

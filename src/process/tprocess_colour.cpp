@@ -7,6 +7,7 @@
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/paratables.h"
 
 namespace ORVE_MCUC {
@@ -15,7 +16,11 @@ namespace {
 constexpr std::size_t kStoredRecord = 32;
 constexpr int kWarmUpSize = 2;
 
+// What is put into the table must not be lost to a later read of one that could not be loaded.
 void keep(para::Field field, uint16_t value) {
+  Data_Global& store = *Data_Global::getInstance();
+  const CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+  if (store.loadFailures.global) loadGlobal(store);
   ParaTable.putLe16(field, value);
 }
 

@@ -284,6 +284,11 @@ TEST_F(BoardTest, SettingTheClockMovesTheBoardsTimeAndNotTheHosts) {
   EXPECT_EQ(sysconf_get_date_ymd(date), 0);
   EXPECT_STREQ(date, "1971-01-01");
   EXPECT_GT(time(nullptr), 31622400);
+  setenv("TZ", "EST5", 1);
+  EXPECT_EQ(sysconf_get_date_ymd(date), 0);
+  EXPECT_STREQ(date, "1970-12-31") << "nobody but the caller notices another time zone";
+  setenv("TZ", "UTC", 1);
+  tzset();
 }
 
 TEST_F(BoardTest, TheJournalTellsWhatChangedTheBoardInItsOrder) {

@@ -249,6 +249,8 @@ TEST_F(TraceTest, AFileThatIsEmptiedOrSpoiltWhileItIsWrittenBeginsAnewAndADelete
 }
 
 TEST_F(TraceTest, EmptyingTheFileAgainAndAgainNeverEndsTheWriter) {
+  struct sigaction before {};
+  sigaction(SIGBUS, nullptr, &before);
   CTrace trace("Log");
   const fs::path path = file("01022024", 0);
   std::atomic<bool> done{false};
@@ -262,7 +264,7 @@ TEST_F(TraceTest, EmptyingTheFileAgainAndAgainNeverEndsTheWriter) {
   EXPECT_THAT(lines(path).back(), EndsWith("Info:after"));
   struct sigaction handling {};
   sigaction(SIGBUS, nullptr, &handling);
-  EXPECT_EQ(handling.sa_handler, SIG_DFL);
+  EXPECT_EQ(handling.sa_handler, before.sa_handler);
 }
 
 TEST_F(TraceTest, WithoutMemoryForANewFileLinesStayInTheOldOneAndTheNextLineTriesAgain) {

@@ -115,8 +115,8 @@ void Data_Global::ReadHardwareInfo() {
 
 void Data_Preset::SaveBasicParaToFlash() {
   constexpr uint8_t kSaved = 0x55;
-  writeFlash(flash::kBasicHardwareSaved, {&kSaved, 1});
-  writeFlash(flash::kBasicHardwarePage, std::span(BasicHardWareReg).first<16>());
+  writeFlash(flash::kBasicHardwareSaved, {&kSaved, 1}, "SaveBasicParaToFlash");
+  writeFlash(flash::kBasicHardwarePage, std::span(BasicHardWareReg).first<16>(), "SaveBasicParaToFlash");
 }
 
 }  // namespace ORVE_MCUC

@@ -35,7 +35,7 @@ std::array<char, kSerialTextLength> fixedText(std::string_view stored) {
 }
 
 void storeInFlash(const SerialNumber& serial) {
-  writeFlash(flash::kSerialNumber, serial);
+  writeFlash(flash::kSerialNumber, serial, "SNTransfer");
 }
 
 void setDefaultText() {

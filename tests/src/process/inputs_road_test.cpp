@@ -1,5 +1,7 @@
 // Written EDIDs and configuration files on their whole road: request, work item, hardware, restart.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "calc/inputmode.h"
 #include "maps/inputsource.h"
@@ -39,6 +41,22 @@ TEST_F(InputsRoad, ReadsAreAnsweredAtTheOneAddressAndInTheThreeLengths) {
   EXPECT_EQ(daemon.read(reg::kEdid, 128).data.size(), 128U);
   EXPECT_TRUE(daemon.read(reg::kEdid, 64).data.empty());
   EXPECT_TRUE(daemon.read(reg::kEdid + 1, 128).data.empty());
+}
+
+TEST_F(InputsRoad, AStandardOutputThatNobodyReadsHoldsNothingUp) {
+  fflush(stdout);
+  const int before = dup(STDOUT_FILENO);
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  fcntl(ends[1], F_SETFL, O_NONBLOCK);
+  while (write(ends[1], "full", 4) > 0) {
+  }
+  fcntl(ends[1], F_SETFL, 0);
+  dup2(ends[1], STDOUT_FILENO);
+  for (int i = 0; i < 400; ++i) presented();  // each says that there is no input
+  fflush(stdout);
+  dup2(before, STDOUT_FILENO);
+  for (const int descriptor : {before, ends[0], ends[1]}) close(descriptor);
 }
 
 TEST_F(InputsRoad, AMissingOrFailingPieceAtAnyCallIsMadeUpForByTheNextWrite) {

@@ -28,8 +28,11 @@ bool failAllocation(std::size_t n, const std::function<void()>& step) {
 }
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc)
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return ++counted == failing ? nullptr : std::malloc(size);
+}
 void* operator new(std::size_t size) {
-  void* memory = ++counted == failing ? nullptr : std::malloc(size);
+  void* memory = operator new(size, std::nothrow);
   if (memory != nullptr) return memory;
   throw std::bad_alloc();
 }

@@ -19,7 +19,8 @@ constexpr int kLongKeyLineRoom = 2304;
 constexpr std::size_t kWritableScreenPara = 32;
 
 Singleton<Tprocess>& holder() {
-  static Singleton<Tprocess> instance;
+  // Never destroyed: the dispatcher's end, which comes later, still uses it.
+  static Singleton<Tprocess>& instance = *new Singleton<Tprocess>;
   return instance;
 }
 

@@ -28,7 +28,8 @@ class ParlctlFixture : public testing::Test {
            daemon.board().directory().string() + " " + arguments + " 2>&1";
   }
   Outcome run(const std::string& arguments) const {
-    FILE* pipe = popen(commandLine(arguments).c_str(), "r");
+    const std::string line = "</dev/null " + commandLine(arguments);
+    FILE* pipe = popen(line.c_str(), "r");
     std::string output;
     std::array<char, 4096> piece{};
     while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))

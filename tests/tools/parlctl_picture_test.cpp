@@ -1,41 +1,18 @@
 // parlctl hdr, picture, gamma, pattern, warmup and devcom against a running daemon.
-#include <gmock/gmock.h>
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
-#include "daemon_process.h"
+#include "parlctl_fixture.h"
 
 using nlohmann::json;
 using testing::HasSubstr;
 
 namespace {
 
-struct Outcome {
-  int status;
-  std::string output;
-};
-
-class ParlctlPictureTest : public testing::Test {
+class ParlctlPictureTest : public ParlctlFixture {
  protected:
   void SetUp() override {
     daemon.prepare("board.conf", "card_brightness = 0x80\n");
     daemon.start();
-  }
-  std::string path(const std::string& name) const { return (daemon.board().directory() / name).string(); }
-  Outcome run(const std::string& arguments) const {
-    const std::string line =
-        std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " + arguments + " 2>&1";
-    FILE* pipe = popen(line.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
-      output.append(piece.data(), got);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
   }
   json told(const std::string& arguments) const { return json::parse(run("--json " + arguments).output); }
   // Runs it and expects the status and a piece of the text.
@@ -52,7 +29,6 @@ class ParlctlPictureTest : public testing::Test {
       file << value << ',' << value << ',' << value << '\n';
     }
   }
-  DaemonProcess daemon;
 };
 
 TEST_F(ParlctlPictureTest, HdrIsSwitchedVerifiedAndSeenInTheFpga) {

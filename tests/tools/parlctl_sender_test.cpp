@@ -1,13 +1,7 @@
 // parlctl's nouns of the sending card against a running daemon.
-#include <gmock/gmock.h>
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
-#include "daemon_process.h"
+#include "parlctl_fixture.h"
 
 using nlohmann::json;
 using testing::HasSubstr;
@@ -15,31 +9,13 @@ using testing::Not;
 
 namespace {
 
-struct Outcome {
-  int status;
-  std::string output;
-};
-
-class ParlctlSenderTest : public testing::Test {
+class ParlctlSenderTest : public ParlctlFixture {
  protected:
-  Outcome run(const std::string& arguments) const {
-    const std::string line = std::string(PARLCTL) + " --board " + daemon.board().directory().string() + " " +
-                             arguments + " 2>&1 </dev/null";
-    FILE* pipe = popen(line.c_str(), "r");
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (const std::size_t got = fread(piece.data(), 1, piece.size(), pipe))
-      output.append(piece.data(), got);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-  }
   void succeeds(const std::string& arguments, const std::string& text) const {
     const Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.status, 0) << arguments << ": " << outcome.output;
     EXPECT_THAT(outcome.output, HasSubstr(text)) << arguments;
   }
-  std::string path(const std::string& name) const { return (daemon.board().directory() / name).string(); }
-  DaemonProcess daemon;
 };
 
 TEST_F(ParlctlSenderTest, FeaturesAreWrittenAndReadByName) {

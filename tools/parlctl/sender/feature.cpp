@@ -74,13 +74,12 @@ Setting settingOf(const std::string& item) {
   const std::size_t equals = item.find('=');
   if (equals == std::string::npos)
     throw Error(Failure::Usage, "'" + item + "' is not NAME=VALUE or ADDRESS=VALUE");
-  Setting setting{featureOf(item.substr(0, equals)), {}};
+  const std::string place = item.substr(0, equals);
   const std::string value = item.substr(equals + 1);
-  if (setting.feature.kind == FeatureKind::Bytes && !setting.feature.hardware && item.starts_with("0x") &&
-      item.substr(0, equals).find(':') == std::string::npos && setting.feature.name.starts_with("0x")) {
-    setting.bytes = peer::fromHex(value);  // as long as its bytes are
-    setting.feature = featureOf(item.substr(0, equals) + ":" + std::to_string(setting.bytes.size()));
-  }
+  Setting setting{featureOf(place), {}};
+  const bool isBareAddress = setting.feature.name.starts_with("0x") && place.find(':') == std::string::npos;
+  if (isBareAddress)  // it is as long as its bytes are
+    setting.feature = featureOf(place + ":" + std::to_string(peer::fromHex(value).size()));
   if (setting.feature.hardware)
     throw Error(Failure::Usage, setting.feature.name + " is what the hardware shows; nothing was sent");
   setting.bytes = valueBytes(setting.feature, value);

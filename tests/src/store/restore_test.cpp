@@ -2,6 +2,7 @@
 #include "maps/cardmap.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
+#include "maps/shortcutrecord.h"
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
@@ -83,7 +84,61 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
-  ASSERT_EQ(store().loadFailures.portTables, 0);
+  for (const LoadFailure& failure : store().loadFailures.portTables) EXPECT_FALSE(failure);
+}
+
+TEST_F(RestoreTest, WhatCouldNotBeLoadedReachesTheFpgaWhenItIsAndNoZerosBefore) {
+  const uint32_t onFpga[] = {
+      0x20,    0x51, portTableOnFpga(0), portTableOnFpga(9) + 0xFFF, cardCountOnFpga(0), cardCountOnFpga(9),
+      0x500100};
+  const auto expectEverywhere = [&](uint8_t value) {
+    for (const uint32_t at : onFpga) EXPECT_EQ(board.fpga(at, 1), Bytes{value}) << at;
+  };
+  for (const uint32_t at : onFpga) board.setFpga(at, {0x44});
+  board.setFpga(0x1D7, {0x55});
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.restart();
+  store().FpgaOnlineFlag = 1;
+  store().RestoreFPGA();
+  expectEverywhere(0x44);
+  board.clearFaults();
+  Tprocess::Sprocess_SaveSendCardPara(0, nullptr);
+  expectEverywhere(kPattern);
+  EXPECT_EQ(store().SendParameterReg[0x1D7], 0x55) << "of today's hardware";
+  // From now on memory knows better than a flash that cannot be read.
+  for (const uint32_t at : onFpga) board.setFpga(at, {0x44});
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  store().RestoreFPGA();
+  expectEverywhere(kPattern);
+}
+
+TEST_F(RestoreTest, NoPortGetsARoleThatTheDeviceIsNotKnownToHave) {
+  constexpr Area kRole{"role", flash::kRole, 1};
+  const auto roles = [this] {
+    return std::pair(board.fpga(fpga::kMasterSlavePorts1To4, 4), board.fpga(fpga::kMasterSlavePorts9To16, 8));
+  };
+  board.setFlash(kRole.first, {1});
+  failReads(kRole);
+  daemon.restart();
+  store().FpgaOnlineFlag = 1;
+  store().RestoreFPGA();
+  const auto before = roles();
+  std::array<char, 32> record{};
+  for (const std::size_t at : {shortcut::kRowsAt, shortcut::kColumnsAt, shortcut::kCardsPerPortAt})
+    record[at] = 1;
+  board.setFlash(flash::kShortcutConfig, Bytes(record.begin(), record.end()));
+  const auto calculate = [&] {
+    Tprocess::Sprocess_CalculateParaOfSender(record.size(), record.data());
+    Tprocess::CalculateParaOfSenderHandler();
+  };
+  EXPECT_THAT(errorsOf([&] { calculate(); }), Contains(HasSubstr("the ports keep theirs")));
+  char one = 1;
+  Tprocess::Sprocess_AdvCalcParaOfSender(1, &one);
+  EXPECT_EQ(roles(), before);
+  Tprocess::Sprocess_CalculateParaOfSender(record.size(), record.data());
+  board.clearFaults();
+  Tprocess::CalculateParaOfSenderHandler();
+  EXPECT_EQ(roles(), std::pair(Bytes(4, fpga::kBackup), Bytes(8, fpga::kBackup)));
 }
 
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {

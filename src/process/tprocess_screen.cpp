@@ -193,6 +193,8 @@ void Tprocess::CalculateParaOfSenderHandler() {
   global.SendRVCardWHtoLSD();
   global.ShortCfgReadRvStatus = 0;
   if (record) takeStored(*record);
+  loadWhatIsMissing(global);
+  MyTempParaCharTable[kTempRoleAt] = global.PbufMorSMode;  // it may have been unread at the submission
   PARLEND_TRACE(kInfo) << kBanner;
   global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);
   setConfigStatus(shortcut::kSmart);

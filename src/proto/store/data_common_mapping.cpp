@@ -151,7 +151,7 @@ bool mapScreen(Data_Global& store, FeatureDraft& draft, const SmartScreen& scree
   putWindows(draft, screen, split);
   countCards(store, split);
   if (!placeCards(store, screen, split)) return false;
-  assignRoles(store, draft, split, backup);
+  if (store.roleKnown) assignRoles(store, draft, split, backup);
   return true;
 }
 

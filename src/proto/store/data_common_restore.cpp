@@ -86,14 +86,7 @@ void takeCardSizeOfReset(Data_Global& store) {
 
 // The flash holds these registers as they were in the last run.
 void readHardwareStatus(RegisterImages& images) {
-  struct Run {
-    uint32_t first;
-    std::size_t length;
-  };
-  constexpr Run kRuns[] = {
-      {fpga::kRedundancyPorts1To4, 2}, {fpga::kRedundancyPorts5To8, 2}, {fpga::kRedundancyPorts9To16, 2},
-      {fpga::kNetLinkPorts9To16, 2},   {fpga::kFiberLink, 1},           {fpga::kFiberToNetStatus, 2}};
-  for (const Run& run : kRuns) {
+  for (const HardwareStatus& run : kHardwareStatus) {
     std::array<uint8_t, 2> bytes{};
     const int ret = readThrough(images, images.SendParameterReg, run.first, run.first,
                                 std::span(bytes).first(run.length));
@@ -144,25 +137,35 @@ void mendImage(RegisterImages& images) {
   putFeature(images, mended);
 }
 
-void restoreFeature(RegisterImages& images) {
-  putFeature(images, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
+// What was never loaded is not written, here and below: the FPGA keeps what it has until a later load.
+bool restoreFeature(RegisterImages& images) {
+  if (!images.loadFailures.featureLoaded) return false;
+  const int ret = putFeature(images, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
   applyScreenOffset(images);
+  return ret == 0;
 }
 
-void restorePortTables(RegisterImages& images, bool online) {
+// Whether all tables are in the FPGA now.
+bool restorePortTables(RegisterImages& images, bool online) {
+  bool whole = online;
   PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
     const int ret = loadPortTable(images, port);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
     if (!online) continue;
+    const bool loaded = (images.loadFailures.portTablesLoaded >> port & 1) != 0;
+    whole = whole && loaded;
+    if (!loaded) continue;
     const int written = rewritePortTable(images, port);
     PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
+    whole = whole && written == 0;
   }
+  return whole;
 }
 
-void writeNumberParts(const RegisterImages& images) {
+bool writeNumberParts(const RegisterImages& images) {
   struct Step {
     NumberPart part;
     const char* written;
@@ -173,14 +176,17 @@ void writeNumberParts(const RegisterImages& images) {
       {kNumberPorts8To11, "Write Port 8 ~ 11 vspara to FPGA , the ret = "},
       {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
   };
+  bool whole = true;
   for (const auto& [part, written] : kSteps) {
     const int ret = writeImage(images, VsPartPara, part.at, part.length, part.fpga);
+    whole = whole && ret == 0;
     PARLEND_TRACE(kInfo) << written << ret;
   }
   PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << VsPartPara[kBitDepthMarkAt];
+  return whole;
 }
 
-void restoreNumberTable(RegisterImages& images, bool online) {
+bool restoreNumberTable(RegisterImages& images, bool online) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
   if (const int ret = loadNumberTable(images))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
@@ -188,42 +194,61 @@ void restoreNumberTable(RegisterImages& images, bool online) {
     const auto table = VsPartPara.bytes();
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
   }
-  if (online) writeNumberParts(images);
+  return online && images.loadFailures.numberLoaded && writeNumberParts(images);
 }
 
-void endRestore(Data_Global& store) {
+void endRestore(Data_Global& store, bool written) {
   constexpr uint8_t kClosed = 0;
   if (writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1}) !=
       0)
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the output was not closed.";
   store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
   resetScreenChangeCounter(kCaller);
-  store.FpgaParaLoadFinish = true;
+  store.FpgaParaLoadFinish = written;
 }
 
 void restoreConfigured(Data_Global& store) {
   const bool online = isOnline(store);
   mendImage(store);
-  if (online) restoreFeature(store);
+  const bool feature = online && restoreFeature(store);
   factory_flag = 0U;
   PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
-  restorePortTables(store, online);
-  restoreNumberTable(store, online);
-  if (online) endRestore(store);
+  const bool tables = restorePortTables(store, online);
+  const bool number = restoreNumberTable(store, online);
+  if (online) endRestore(store, feature && tables && number);
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
   if (const int ret = loadScreenPara(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
 }
 
+// The output stays closed as the restore left it.
+void restoreFeatureLate(Data_Global& store) {
+  const bool closed = store.SendParameterReg[fpga::kOutputEnable] == kOutputRestored;
+  if (loadFeatureLate(store) != 0) return;
+  if (closed) store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
+  mendImage(store);
+  if (isOnline(store)) restoreFeature(store);
+  if (closed) store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
+}
+
 }  // namespace
 
-void Data_Global::BootRecover() {
-  uint8_t role = 0;
-  if (readFlash(flash::kRole, {&role, 1},
-                {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "}) == 0) {
-    PbufMorSMode = role;
+void loadWhatIsMissing(Data_Global& store) {
+  const LoadFailures& failed = store.loadFailures;
+  if (failed.feature) restoreFeatureLate(store);
+  if (failed.global) loadGlobal(store);
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
+    if ((failed.portTables >> port & 1) == 0 || loadPortTable(store, port) != 0) continue;
+    if (isOnline(store)) rewritePortTable(store, port);
   }
+  if (failed.number && loadNumberTable(store) == 0 && isOnline(store)) writeNumberParts(store);
+  if (failed.screen) loadScreenPara(store);
+  if (!store.roleKnown) loadRole(store);
+}
+
+void Data_Global::BootRecover() {
+  loadRole(*this);
   if (isOnline(*this)) {
     uint8_t mark = 0;
     readFpga(fpga::kBackupMark, {&mark, 1});

@@ -101,25 +101,25 @@ void savePortTables(const RegisterImages& images) {
   }
 }
 
-void saveParameters(RegisterImages& images) {
+void saveParameters(Data_Global& store) {
   const bool newTag = formatTagDiffers();
-  logSoundness(images.SendParameterReg);
-  loadWhatIsMissing(images);
-  const LoadFailures& failures = images.loadFailures;
+  logSoundness(store.SendParameterReg);
+  loadWhatIsMissing(store);
+  const LoadFailures& failures = store.loadFailures;
   if (mayBeSaved(failures.feature, "the feature image")) {
-    saveImage<512>(images, images.SendParameterReg, flash::kFeature,
+    saveImage<512>(store, store.SendParameterReg, flash::kFeature,
                    {"Save feature para to flash :", "=== Save feature para to flash failed! ret = "});
   }
   if (mayBeSaved(failures.global, "the parameter table")) {
     saveImage<kGlobalParaSize>(
-        images, ParaTable, flash::kGlobalPara,
+        store, ParaTable, flash::kGlobalPara,
         {"Save Global para to flash :", "=== Save Global para to flash failed! ret = "});
   }
   if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, kCaller);
-  savePortTables(images);
+  savePortTables(store);
   if (mayBeSaved(failures.number, "the number table")) {
     saveImage<VsPartPara.size()>(
-        images, VsPartPara, flash::kNumberTable,
+        store, VsPartPara, flash::kNumberTable,
         {"Save number para to flash :", "=== Save number para to flash failed! ret = "});
   }
   DriverUtil::getInstance()->runCommand("sync");

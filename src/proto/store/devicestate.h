@@ -7,8 +7,9 @@
 namespace ORVE_MCUC {
 
 struct DeviceState {
-  RelaxedByte PbufMorSMode;    // 0 master, 1 slave
-  RelaxedByte FpgaOnlineFlag;  // 1: the device has loaded the FPGA; set by the flag and status thread
+  RelaxedByte PbufMorSMode;      // 0 master, 1 slave
+  RelaxedValue<bool> roleKnown;  // it was read, or a peer has set it
+  RelaxedByte FpgaOnlineFlag;    // 1: the device has loaded the FPGA; set by the flag and status thread
   RelaxedValue<bool> FpgaParaLoadFinish;  // a restore has written the FPGA
   RelaxedByte factoryflag;
   WaitableByte RWFPGATestflag;  // 1: the report thread tests FPGA tables

@@ -25,8 +25,24 @@ int remember(RelaxedValue<bool>& failed, int ret) {
 int loadFeature(RegisterImages& images) {
   std::array<uint8_t, 512> bytes{};
   const int ret = Data_Global::RestoreDataFromFlash(1, bytes);
-  if (ret == 0) putBytes(images, images.SendParameterReg, 0, bytes);
+  if (ret == 0) {
+    putBytes(images, images.SendParameterReg, 0, bytes);
+    images.loadFailures.featureLoaded = true;
+  }
   return remember(images.loadFailures.feature, ret);
+}
+
+int loadFeatureLate(RegisterImages& images) {
+  std::array<uint8_t, 512> bytes{};
+  if (const int ret = Data_Global::RestoreDataFromFlash(1, bytes)) return ret;
+  changeFeature(images, [&](ByteImage<512>& image) {
+    for (const auto& [first, length] : kHardwareStatus)
+      static_cast<void>(image.copyTo(std::span(bytes).subspan(first, length), first));
+    static_cast<void>(image.copyFrom(bytes, 0));
+  });
+  images.loadFailures.featureLoaded = true;
+  images.loadFailures.feature = false;
+  return 0;
 }
 
 int loadGlobal(RegisterImages& images) {
@@ -42,14 +58,17 @@ int loadPortTable(RegisterImages& images, unsigned port) {
   const int ret =
       load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at);
   RelaxedValue<uint16_t>& failed = images.loadFailures.portTables;
+  RelaxedValue<uint16_t>& loaded = images.loadFailures.portTablesLoaded;
   const auto bit = static_cast<uint16_t>(1U << port);
+  if (ret == 0) loaded = static_cast<uint16_t>(loaded | bit);
   failed = static_cast<uint16_t>(ret == 0 ? failed & ~bit : failed | bit);
   return ret;
 }
 
 int loadNumberTable(RegisterImages& images) {
-  return remember(images.loadFailures.number,
-                  load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0));
+  const int ret = load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0);
+  if (ret == 0) images.loadFailures.numberLoaded = true;
+  return remember(images.loadFailures.number, ret);
 }
 
 int loadScreenPara(RegisterImages& images) {
@@ -57,15 +76,14 @@ int loadScreenPara(RegisterImages& images) {
                   load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg, 0));
 }
 
-void loadWhatIsMissing(RegisterImages& images) {
-  const LoadFailures& failed = images.loadFailures;
-  if (failed.feature) loadFeature(images);
-  if (failed.global) loadGlobal(images);
-  for (unsigned port = 0; port < kMappedPorts; ++port) {
-    if ((failed.portTables >> port & 1) != 0) loadPortTable(images, port);
-  }
-  if (failed.number) loadNumberTable(images);
-  if (failed.screen) loadScreenPara(images);
+int loadRole(Data_Global& store) {
+  uint8_t role = 0;
+  const int ret = readFlash(flash::kRole, {&role, 1},
+                            {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "});
+  if (ret != 0) return ret;
+  store.PbufMorSMode = role;
+  store.roleKnown = true;
+  return 0;
 }
 
 }  // namespace ORVE_MCUC

@@ -21,6 +21,10 @@ struct LoadFailures {
   RelaxedValue<bool> number;
   RelaxedValue<bool> screen;
   RelaxedValue<uint16_t> portTables;  // bit p: table of port p
+  // Loaded at least once: only such images are restored to the FPGA, even when a later read of them fails.
+  RelaxedValue<bool> featureLoaded;
+  RelaxedValue<bool> numberLoaded;
+  RelaxedValue<uint16_t> portTablesLoaded;
 };
 
 struct RegisterImages {

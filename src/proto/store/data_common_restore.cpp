@@ -111,17 +111,20 @@ void restoreFirstBoot(Data_Global& store) {
   if (isOnline(store)) store.FpgaParaLoadFinish = true;
 }
 
-void restorePortTables(Data_Global& store) {
+// Each table that is in flash, and whether the FPGA has all of them now.
+bool restorePortTables(Data_Global& store) {
+  bool whole = true;
   PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
     const int ret = loadPortTable(store, port);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
-    restorePortTable(store, port);
+    whole = restorePortTable(store, port) && whole;
   }
+  return whole;
 }
 
-void loadAndRestoreNumberTable(Data_Global& store) {
+bool loadAndRestoreNumberTable(Data_Global& store) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
   if (const int ret = loadNumberTable(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
@@ -129,27 +132,29 @@ void loadAndRestoreNumberTable(Data_Global& store) {
     const auto table = VsPartPara.bytes();
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
   }
-  restoreNumberTable(store);
+  return restoreNumberTable(store);
 }
 
-void endRestore(Data_Global& store) {
+void closeOutput(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
   if (writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1}) !=
       0)
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the output was not closed.";
   store.SendParameterReg[fpga::kOutputEnable] = fpga::kOutputRestored;
-  resetScreenChangeCounter(kCaller);
-  store.FpgaParaLoadFinish = true;
 }
 
 void restoreConfigured(Data_Global& store) {
-  restoreFeature(store);
+  const bool feature = restoreFeature(store);
   factory_flag = 0U;
   PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
-  restorePortTables(store);
-  loadAndRestoreNumberTable(store);
-  if (isOnline(store)) endRestore(store);
+  const bool tables = restorePortTables(store);
+  const bool number = loadAndRestoreNumberTable(store);
+  if (isOnline(store)) {
+    closeOutput(store);
+    resetScreenChangeCounter(kCaller);
+    store.FpgaParaLoadFinish = feature && tables && number;
+  }
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
   if (const int ret = loadScreenPara(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;

@@ -31,22 +31,24 @@ bool isOnline(const Data_Global& store) {
   return store.FpgaOnlineFlag == 1;
 }
 
-void restoreFeature(Data_Global& store) {
+bool restoreFeature(Data_Global& store) {
   mendImage(store);
-  if (!isOnline(store) || store.loadFailures.feature) return;
-  putFeature(store, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
+  if (!isOnline(store) || store.loadFailures.feature) return false;
+  const int ret = putFeature(store, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
   applyScreenOffset(store);
+  return ret == 0;
 }
 
-void restorePortTable(Data_Global& store, unsigned port) {
-  if (!isOnline(store) || store.loadFailures.portTables.at(port)) return;
+bool restorePortTable(Data_Global& store, unsigned port) {
+  if (!isOnline(store) || store.loadFailures.portTables.at(port)) return false;
   const int written = rewritePortTable(store, port);
   PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
+  return written == 0;
 }
 
-void restoreNumberTable(Data_Global& store) {
-  if (!isOnline(store) || store.loadFailures.number) return;
+bool restoreNumberTable(Data_Global& store) {
+  if (!isOnline(store) || store.loadFailures.number) return false;
   struct Step {
     NumberPart part;
     const char* written;
@@ -57,11 +59,14 @@ void restoreNumberTable(Data_Global& store) {
       {kNumberPorts8To11, "Write Port 8 ~ 11 vspara to FPGA , the ret = "},
       {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
   };
+  bool whole = true;
   for (const auto& [part, written] : kSteps) {
     const int ret = writeImage(store, VsPartPara, part.at, part.length, part.fpga);
     PARLEND_TRACE(kInfo) << written << ret;
+    whole = whole && ret == 0;
   }
   PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << VsPartPara[kBitDepthMarkAt];
+  return whole;
 }
 
 // The flash holds these registers as they were in the last run.

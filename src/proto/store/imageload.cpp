@@ -1,6 +1,7 @@
 #include "proto/store/imageload.h"
 
 #include "maps/flashmap.h"
+#include "maps/fpgamap.h"
 #include "proto/store/data_common.h"
 #include "proto/store/fpgarestore.h"
 #include "proto/store/porttables.h"
@@ -14,6 +15,16 @@ int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image, st
   const int ret = readFlash(address, bytes);
   if (ret == 0) putBytes(images, image, at, bytes);
   return ret;
+}
+
+// An output that was closed, or opened since, stays so, and the status stays today's.
+void loadFeatureLate(Data_Global& store) {
+  const uint8_t output = store.SendParameterReg[fpga::kOutputEnable];
+  if (loadFeature(store) != 0 || !isOnline(store)) return;
+  store.SendParameterReg[fpga::kOutputEnable] = output;
+  restoreFeature(store);
+  store.SendParameterReg[fpga::kOutputEnable] = output;
+  readHardwareStatus(store);
 }
 
 }  // namespace
@@ -55,10 +66,7 @@ int loadRole(Data_Global& store) {
 
 void loadWhatIsMissing(Data_Global& store) {
   const LoadFailures& failed = store.loadFailures;
-  if (failed.feature && loadFeature(store) == 0) {
-    restoreFeature(store);
-    readHardwareStatus(store);
-  }
+  if (failed.feature) loadFeatureLate(store);
   if (failed.global) loadGlobal(store);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
     if (failed.portTables[port] && loadPortTable(store, port) == 0) restorePortTable(store, port);

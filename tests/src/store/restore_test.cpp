@@ -2,7 +2,6 @@
 #include "maps/cardmap.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
-#include "maps/shortcutrecord.h"
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
@@ -87,60 +86,6 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   for (const LoadFailure& failure : store().loadFailures.portTables) EXPECT_FALSE(failure);
 }
 
-TEST_F(RestoreTest, WhatCouldNotBeLoadedReachesTheFpgaWhenItIsAndNoZerosBefore) {
-  const uint32_t onFpga[] = {
-      0x20,    0x51, portTableOnFpga(0), portTableOnFpga(9) + 0xFFF, cardCountOnFpga(0), cardCountOnFpga(9),
-      0x500100};
-  const auto expectEverywhere = [&](uint8_t value) {
-    for (const uint32_t at : onFpga) EXPECT_EQ(board.fpga(at, 1), Bytes{value}) << at;
-  };
-  for (const uint32_t at : onFpga) board.setFpga(at, {0x44});
-  board.setFpga(0x1D7, {0x55});
-  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
-  daemon.restart();
-  store().FpgaOnlineFlag = 1;
-  store().RestoreFPGA();
-  expectEverywhere(0x44);
-  board.clearFaults();
-  Tprocess::Sprocess_SaveSendCardPara(0, nullptr);
-  expectEverywhere(kPattern);
-  EXPECT_EQ(store().SendParameterReg[0x1D7], 0x55) << "of today's hardware";
-  // From now on memory knows better than a flash that cannot be read.
-  for (const uint32_t at : onFpga) board.setFpga(at, {0x44});
-  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
-  store().RestoreFPGA();
-  expectEverywhere(kPattern);
-}
-
-TEST_F(RestoreTest, NoPortGetsARoleThatTheDeviceIsNotKnownToHave) {
-  constexpr Area kRole{"role", flash::kRole, 1};
-  const auto roles = [this] {
-    return std::pair(board.fpga(fpga::kMasterSlavePorts1To4, 4), board.fpga(fpga::kMasterSlavePorts9To16, 8));
-  };
-  board.setFlash(kRole.first, {1});
-  failReads(kRole);
-  daemon.restart();
-  store().FpgaOnlineFlag = 1;
-  store().RestoreFPGA();
-  const auto before = roles();
-  std::array<char, 32> record{};
-  for (const std::size_t at : {shortcut::kRowsAt, shortcut::kColumnsAt, shortcut::kCardsPerPortAt})
-    record[at] = 1;
-  board.setFlash(flash::kShortcutConfig, Bytes(record.begin(), record.end()));
-  const auto calculate = [&] {
-    Tprocess::Sprocess_CalculateParaOfSender(record.size(), record.data());
-    Tprocess::CalculateParaOfSenderHandler();
-  };
-  EXPECT_THAT(errorsOf([&] { calculate(); }), Contains(HasSubstr("the ports keep theirs")));
-  char one = 1;
-  Tprocess::Sprocess_AdvCalcParaOfSender(1, &one);
-  EXPECT_EQ(roles(), before);
-  Tprocess::Sprocess_CalculateParaOfSender(record.size(), record.data());
-  board.clearFaults();
-  Tprocess::CalculateParaOfSenderHandler();
-  EXPECT_EQ(roles(), std::pair(Bytes(4, fpga::kBackup), Bytes(8, fpga::kBackup)));
-}
-
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {
   daemon.restart();
   EXPECT_EQ(ParaTable[0], kPattern);
@@ -172,6 +117,55 @@ TEST_F(RestoreTest, TheHardwaresOwnRegistersAreThoseOfTodayOnceTheFpgaIsThere) {
   EXPECT_EQ(store().SendParameterReg[0x20], kPattern);
   EXPECT_EQ(store().SendParameterReg[0x1D8], kPattern);
   EXPECT_EQ(store().SendParameterReg[0x1F2], kPattern) << "a setting of the image lies there";
+}
+
+TEST_F(RestoreTest, WhatWasNotLoadedIsWrittenToTheFpgaOnceItCanBeRead) {
+  const struct {
+    Area area;
+    uint32_t fpga;
+  } parts[] = {{kFeature, 0x20},
+               {kTable0, portTableOnFpga(0) + 0xFFF},
+               {kTable9, portTableOnFpga(9)},
+               {kNumber, kNumberPorts8To11.fpga}};
+  for (const auto& [area, at] : parts) {
+    SCOPED_TRACE(area.name);
+    board.setFpga(at, {0x66});
+    failReads(area);
+    daemon.restart();
+    daemon.bringUp();
+    EXPECT_EQ(board.fpga(at, 1), Bytes{0x66}) << "not known, not written";
+    EXPECT_FALSE(store().FpgaParaLoadFinish);
+    board.setFpga(0x1E, {0x67});
+    store().SendParameterReg[0x1E] = 0x67;
+    board.clearFaults();
+    store().SaveParaToFlash(1);
+    EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern});
+    EXPECT_EQ(stored(area)[at == 0x20 ? 0x20 : 0], kPattern);
+    EXPECT_EQ(store().SendParameterReg[0x1E], 0x67) << "the hardware's own, of today";
+    EXPECT_EQ(store().SendParameterReg[fpga::kOutputEnable], 0x5A) << "closed by the restore";
+    EXPECT_EQ(board.fpga(fpga::kOutputEnable, 1), Bytes{0});
+  }
+}
+
+TEST_F(RestoreTest, WhatWasLoadedOnceIsRestoredToTheFpgaThoughALaterReadFails) {
+  daemon.restart();
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.bringUp();
+  for (const uint32_t at : {0x20U, portTableOnFpga(0), portTableOnFpga(9), kNumberCommon.fpga})
+    EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern}) << at;
+}
+
+TEST_F(RestoreTest, TheFpgaIsLoadedWhenAllOfItWasWritten) {
+  daemon.restart();
+  EXPECT_FALSE(store().FpgaParaLoadFinish) << "without an FPGA";
+  for (const uint32_t at : {0x20U, portTableOnFpga(0), portTableOnFpga(9) + 0xC00, kNumberCommon.fpga}) {
+    board.fault(Fault::FpgaWrite, {TestBoard::kEveryCall, 0, at, at});
+    daemon.bringUp();
+    EXPECT_FALSE(store().FpgaParaLoadFinish) << at;
+    board.clearFaults();
+    daemon.bringUp();
+    EXPECT_TRUE(store().FpgaParaLoadFinish) << at;
+  }
 }
 
 TEST_F(RestoreTest, EveryPortTableGoesBackToTheFpga) {
@@ -229,6 +223,21 @@ TEST_F(RestoreTest, FailuresOfSavesAndPagesAreErrors) {
       store().SaveParaToFlash(1);
     });
     EXPECT_THAT(errors, ElementsAre(HasSubstr(line)));
+  }
+  const struct {
+    uint32_t place;
+    std::function<void()> action;
+    const char* caller;
+  } bytes[] = {
+      {flash::kBasicHardwareSaved, [] { Data_Preset::getInstance()->SaveBasicParaToFlash(); },
+       "SaveBasicPara"},
+      {flash::kBasicHardwarePage, [] { Data_Preset::getInstance()->SaveBasicParaToFlash(); },
+       "SaveBasicPara"},
+      {flash::kSerialNumber, [] { store().SNTransfer(); }, "=== SNTransfer ===8 bytes were not written"}};
+  for (const auto& [place, action, caller] : bytes) {
+    board.fault(Fault::FlashWrite, {3, 0, place, place});
+    EXPECT_THAT(errorsOf(action), Contains(HasSubstr(caller)));
+    board.clearFaults();
   }
   board.fault(Fault::FlashWrite, {3, 0, flash::kSoftwareTable + 256, flash::kSoftwareTable + 511});
   const Bytes data(600, 1);

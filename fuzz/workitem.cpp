@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   daemon.connect();
   fuzz::forEachPiece({data, size}, [&](uint8_t key, std::span<const uint8_t> payload) {
     auto item = std::make_unique<MCUProcessDataBlock>();
-    item->m_key = static_cast<int8_t>(key);
+    item->m_key = key;
     item->setData(reinterpret_cast<const char*>(payload.data()), static_cast<int>(payload.size()));
     StubUtil::getInstance()->addMessageToList(item.release());
     daemon.workOff();

@@ -137,6 +137,14 @@ TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
   EXPECT_EQ(store().SendParameterReg.le16(fpga::kScreenWidth), 3 * 128);
 }
 
+TEST_F(LocksTest, ACalculationThatIsTakenBackBeforeItsTurnIsLeftOut) {
+  store().CalculateParaHandlerCnt = 1;
+  daemon.tick();
+  EXPECT_TRUE(waitsFor(
+      store().m_mutex, [this] { daemon.tick(); }, [] { store().CalculateParaHandlerCnt = 0; }));
+  EXPECT_EQ(store().LEDConfigStatus, 0);
+}
+
 TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {
   for (unsigned port = 0; port < kMappedPorts; ++port) {
     Bytes block(shortcut::kPortSize);

@@ -2,6 +2,7 @@
 #include "calc/gammacurve.h"
 #include "calc/screenpattern.h"
 #include "daemontest.h"
+#include "process/screenpatternload.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ TEST_F(PictureTest, PatternsAreLoadedWithTheirPhasesAndAStrobe) {
   daemon.board.setFpga(0x2C, {0x80, 0x07});
   daemon.board.setFpga(0x26, {0x38, 0x04});
   Bytes blocks(0x39);
+  blocks[1] = 3;
   blocks[0x0E] = 100;
   blocks[0x10] = 0xF6;
   blocks[0x11] = 0xFF;
@@ -82,6 +84,7 @@ TEST_F(PictureTest, PatternsAreLoadedWithTheirPhasesAndAStrobe) {
   blocks[0x31] = 64;
   blocks[0x33] = 32;
   EXPECT_THAT(write(0x12010000, blocks), CarriesNothing());
+  EXPECT_EQ(ORVE_MCUC::ScreenPatternGenState, 3);
   EXPECT_EQ(fpga(0xA00002, 4), (Bytes{0x80, 0x07, 0x38, 0x04}));
   EXPECT_EQ(fpga(0xA0002D, 4), (Bytes{2, 0, 0, 0}));
   EXPECT_EQ(fpga(0xA00035, 4), (Bytes{28, 0, 10, 0}));
@@ -90,6 +93,8 @@ TEST_F(PictureTest, PatternsAreLoadedWithTheirPhasesAndAStrobe) {
   const std::size_t loads = journaled("fpga-write 0x00a00000");
   EXPECT_THAT(write(0x120101F0, Bytes(32)), CarriesNothing());
   EXPECT_EQ(journaled("fpga-write 0x00a00000"), loads) << "runs past the registers: dropped";
+  daemon.restart();
+  EXPECT_EQ(ORVE_MCUC::ScreenPatternGenState, 0) << "of another program";
 }
 
 }  // namespace

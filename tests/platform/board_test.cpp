@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <numeric>
 #include <thread>
 
@@ -46,6 +47,12 @@ Bytes readCard(unsigned char type, unsigned char port, uint16_t board, uint32_t 
 
 int writeFpga(uint32_t address, const Bytes& data) {
   return WriteFPGABlock(PLATFORM_FPGA_BUS, address, static_cast<uint32_t>(data.size()), data.data());
+}
+
+Bytes readFpga(uint32_t address, std::size_t count) {
+  Bytes data(count);
+  return ReadFPGABlock(PLATFORM_FPGA_BUS, address, static_cast<uint16_t>(count), data.data()) == 0 ? data
+                                                                                                   : Bytes{};
 }
 
 TEST_F(BoardTest, PowerOnShowsTheLinksOfTheConfiguration) {
@@ -304,6 +311,35 @@ TEST_F(BoardTest, TheJournalTellsWhatChangedTheBoardInItsOrder) {
   EXPECT_THAT(journal(),
               ElementsAre("fpga-write 0x00000018 66 " + shown + "+2",
                           "card-write 1 0 3 0x02000001 1 10 failed", "shell sync", "clock-set 12"));
+}
+
+TEST_F(BoardTest, ATransferIsOfOnePieceForWhoeverReads) {
+  start("journal = off\n");
+  const struct {
+    const char* name;
+    void (*write)(const Bytes& bytes);
+    Bytes (*read)(std::size_t count);
+    int reads;
+  } places[] = {{"bus", [](const Bytes& bytes) { writeFpga(0xC00000, bytes); },
+                 [](std::size_t count) { return readFpga(0xC00000, count); }, 5000},
+                {"card", [](const Bytes& bytes) { writeCard(1, 0, 0, 0x03000000, bytes); },
+                 [](std::size_t count) { return readCard(1, 0, 0, 0x03000000, count); }, 500}};
+  for (const auto& [name, write, read, reads] : places) {
+    constexpr std::size_t kBytes = 4096;
+    write(Bytes(kBytes, 1));
+    std::atomic<bool> done = false;
+    std::thread peer([&, put = write] {
+      for (unsigned char mark = 2; !done; ++mark) put(Bytes(kBytes, mark));
+    });
+    int torn = 0;
+    for (int i = 0; i < reads; ++i) {
+      const Bytes bytes = read(kBytes);
+      torn += bytes.size() != kBytes || bytes != Bytes(kBytes, bytes[0]) ? 1 : 0;
+    }
+    done = true;
+    peer.join();
+    EXPECT_EQ(torn, 0) << name;
+  }
 }
 
 TEST_F(BoardTest, TheJournalHasTheOrderInWhichThreadsReachedTheBoard) {

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <random>
+#include <thread>
 
 #include "brightness_plans.h"
 #include "calc/brightnesscontrol.h"
@@ -160,6 +162,26 @@ TEST(BrightnessWriteTest, ATableThatIsWrittenBeforeTheFirstTickIsNotLost) {
   wall.runUntil(at(2024, 6, 1, 12, 0, 10));
   EXPECT_EQ(wall.control().state().ProgrammableAdjustEnable, kActive);
   EXPECT_THAT(valuesOf(wall), testing::Each(60));
+}
+
+TEST(BrightnessWriteTest, AChunkIsOfOnePieceForWhoeverReads) {
+  VirtualWall wall({}, at(2024, 6, 1, 12));
+  wall.tick();
+  BrightnessControl& control = wall.control();
+  std::atomic<bool> done = false;
+  std::thread peer([&] {
+    for (uint8_t mark = 0; !done; mark = static_cast<uint8_t>(~mark))  // no mode of these has a plan
+      control.SetBrightnessAdjustTable(0, std::vector<uint8_t>(brightness::kMirrorSize, mark));
+  });
+  std::vector<uint8_t> bytes(brightness::kMirrorSize);
+  int torn = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const bool read = control.readMirror(0, bytes);
+    torn += !read || bytes != std::vector<uint8_t>(bytes.size(), bytes[0]) ? 1 : 0;
+  }
+  done = true;
+  peer.join();
+  EXPECT_EQ(torn, 0);
 }
 
 // Files and writes of random bytes, in every mode: it goes on, and sends what a card can hold.

@@ -125,16 +125,38 @@ TEST(BrightnessInterruptTest, APlanWhoseFirstBrightnessAStepOvertakesPrevails) {
   EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 204, 3, 204));
 }
 
-TEST(BrightnessWriteTest, ChunksAreStoredWhereTheyBelongAndNotBeyond) {
+// To any mode that has no plan, and to a programmable table of no nodes.
+TEST(BrightnessInterruptTest, AChangeEndsWithThePlanThatItBelongsTo) {
+  for (const uint8_t mode : {uint8_t{0}, uint8_t{0xFF}, uint8_t{brightness::kProgrammable}}) {
+    InterruptedWall wall(mixedPlan({{12, 0, 0}, {12, 1, 100}}, true), at(2024, 6, 1, 12));
+    wall.sendsLeft = 4;
+    wall.interrupt = [&] { write(wall, {mode}, brightness::kMirrorSize); };
+    wall.runUntil(at(2024, 6, 1, 12, 2));
+    EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 3)) << int{mode};
+  }
+}
+
+TEST(BrightnessWriteTest, APlanStartsWithItsLastChunkHoweverManyThereAre) {
+  const BrightnessFile plan = mixedPlan({{0, 0, 80}});
+  for (const std::size_t size : {200U, 400U, 512U}) {
+    VirtualWall wall({}, at(2024, 6, 1, 12));
+    wall.tick();
+    for (std::size_t from = 0; from < kTestLength; from += size) {
+      EXPECT_THAT(wall.sent, IsEmpty());
+      wall.control().SetBrightnessAdjustTable(
+          from, std::span(plan).subspan(from, std::min(size, kTestLength - from)));
+    }
+    EXPECT_THAT(valuesOf(wall), ElementsAre(204)) << size;
+    EXPECT_EQ(wall.file(), plan);
+  }
+}
+
+TEST(BrightnessWriteTest, ChunksAreNotStoredBeyondTheFile) {
   VirtualWall wall({}, at(2024, 6, 1, 12));
   wall.tick();
   const BrightnessFile plan = mixedPlan({{0, 0, 80}});
-  write(wall, plan, 512);
-  EXPECT_THAT(wall.sent, IsEmpty());
-  wall.control().SetBrightnessAdjustTable(512, std::span(plan).subspan(512, kTestLength - 512));
-  EXPECT_THAT(valuesOf(wall), ElementsAre(204));
+  write(wall, plan, kTestLength);
   const BrightnessFile before = wall.file();
-  EXPECT_EQ(before, plan);
   for (const std::size_t beyond : {std::size_t{5000}, std::size_t{5120}, std::size_t{0xFFFF}})
     wall.control().SetBrightnessAdjustTable(beyond, std::vector<uint8_t>(200, 0xEE));
   EXPECT_EQ(wall.file(), before);

@@ -2,6 +2,7 @@
 #include "calc/gammacurve.h"
 #include "calc/screenpattern.h"
 #include "daemontest.h"
+#include "process/proc_poll.h"
 #include "process/screenpatternload.h"
 
 namespace {
@@ -19,18 +20,29 @@ class PictureTest : public DaemonTest {
 };
 
 TEST_F(PictureTest, Hdr10LoadsOneCurveForAllColoursAndKeepsItsRecord) {
+  daemon.tick();  // from now on the cards are linked and their brightness is known
   EXPECT_THAT(write(0x02200117, {0x58}), CarriesNothing());
   EXPECT_THAT(write(0x02200118, {0x20, 0x03}), CarriesNothing());
   EXPECT_THAT(write(0x0220011A, {40}), CarriesNothing());
   EXPECT_THAT(write(0x0220012E, {7}), CarriesNothing());
   EXPECT_THAT(read(0x02201117, 4), Carries(Bytes{0x58, 0x20, 0x03, 40}));
   EXPECT_THAT(read(0x0220312E, 1), Carries(Bytes{7}));
-  EXPECT_EQ(journaled("colour hdr10 800 40 "), 2U);
-  EXPECT_EQ(flash(0xC21000, 10), (Bytes{0x58, 0, 0, 0, 0x20, 0x03, 40, 0, 7, 140}));
+  EXPECT_EQ(journaled("colour hdr10 800 40 50 10 7 140"), 1U);
+  EXPECT_EQ(flash(0xC21000, 10), (Bytes{0x58, 0, 50, 0, 0x20, 0x03, 40, 0, 7, 140}));
   EXPECT_EQ(gamma(0), gamma(1));
   EXPECT_EQ(gamma(0), gamma(2));
   EXPECT_EQ(fpga(0x500109, 1), Bytes{0x5A});
   EXPECT_EQ(fpga(0x1EA, 1), Bytes{0x58});
+}
+
+TEST_F(PictureTest, HlgLoadsTheCurveOfItsClass) {
+  EXPECT_THAT(write(0x02200117, {0x78}), CarriesNothing());
+  const Bytes ofNoClass = gamma(0);
+  EXPECT_THAT(write(0x02200129, {3}), CarriesNothing());
+  EXPECT_THAT(read(0x02200129, 1), Carries(Bytes{3}));
+  EXPECT_EQ(journaled("colour hlg 3"), 1U);
+  EXPECT_NE(gamma(0), ofNoClass);
+  EXPECT_EQ(gamma(0), gamma(2));
 }
 
 TEST_F(PictureTest, WithoutAnHdrTypeTheStoredTablesComeBack) {
@@ -57,6 +69,8 @@ TEST_F(PictureTest, QualityWarmUpAndCommunicationMode) {
   EXPECT_NE(fpga(0xD00000, 32), zeros(32));
   EXPECT_NE(fpga(0xD00040, 32), fpga(0xD00000, 32));
   EXPECT_THAT(write(0x0220012C, {1, 30}), CarriesNothing());
+  EXPECT_EQ(ORVE_MCUC::Proc_Poll::getInstance()->ChangeParaForKeepWarmUpMode, 1);
+  EXPECT_EQ(ORVE_MCUC::Proc_Poll::getInstance()->ParaForKeepWarmUpModeTimeData, 30);
   EXPECT_EQ(flash(0xD14000, 6), (Bytes{1, 30, 0x39, 0xF6, 0xA5, 0x5A}));
   EXPECT_THAT(write(0x022000C0, {5}), CarriesNothing());
   EXPECT_EQ(journaled("env-set devcom_mode 2"), 1U);

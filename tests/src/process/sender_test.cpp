@@ -169,11 +169,11 @@ TEST_P(ResetTest, GoesThroughTheRebootToTheFirstBoot) {
 }
 
 constexpr uint8_t kUnknownType = 9;
-const Bytes kMeasured{64, 0, 0, 0, 32, 0, 0, 0};
+const Bytes kMeasured{0x40, 1, 0, 0, 32, 0, 0, 0};
 const Bytes kAssumed{128, 0, 0, 0, 128, 0, 0, 0};
-constexpr const char* kCopper = "card_width = 64\ncard_height = 32\n";
-constexpr const char* kFiber = "copper_ports =\nfiber2_ports = 2\ncard_width = 64\ncard_height = 32\n";
-constexpr const char* kNoLink = "copper_ports =\ncard_width = 64\ncard_height = 32\n";
+constexpr const char* kCopper = "card_width = 320\ncard_height = 32\n";
+constexpr const char* kFiber = "copper_ports =\nfiber2_ports = 2\ncard_width = 320\ncard_height = 32\n";
+constexpr const char* kNoLink = "copper_ports =\ncard_width = 320\ncard_height = 32\n";
 INSTANTIATE_TEST_SUITE_P(Types, ResetTest,
                          testing::Values(Reset{"Copper0", kCopper, 0, true, false, kMeasured},
                                          Reset{"Copper1", kCopper, 1, false, false, kMeasured},
@@ -197,6 +197,18 @@ TEST_F(SenderTest, AResetGoesOnBehindWhateverFailsAndIsNotLostToAReload) {
     daemon.powerOn();
     EXPECT_EQ(store().RebootRF, 0);
   }
+}
+
+TEST_F(SenderTest, AResetKeepsNoHalfOfWhatCannotBeRead) {
+  constexpr uint32_t kScenes = 0x3000;
+  constexpr uint32_t kScenesSize = 0xB400;
+  daemon.board.setFlash(kScenes, counting(kScenesSize));
+  daemon.board.fault(Fault::FlashRead, {kAlways, 0, kScenes + kScenesSize - 1, kScenes + kScenesSize - 1});
+  write(0x01000002, {2});
+  daemon.tick(2);
+  daemon.board.clearFaults();
+  daemon.powerOn();
+  EXPECT_EQ(flash(kScenes, kScenesSize), Bytes(kScenesSize));
 }
 
 }  // namespace

@@ -106,11 +106,19 @@ TEST_F(BoardTest, ABusWriteLeavesTheStatusRegistersAlone) {
   EXPECT_EQ(fpga(0x1F2, 10), Bytes(10, 0));
 }
 
-TEST_F(BoardTest, TransfersBeyondTheEndFailAndTouchNothing) {
+TEST_F(BoardTest, TransfersReachTheEndAndBeyondItFailAndTouchNothing) {
   start();
   Bytes buffer(4, 0x77);
+  for (const uint32_t length : {1U, 4U}) {
+    EXPECT_EQ(WriteDataToFlashx(0x02000000 - length, length, buffer.data()), 0);
+    EXPECT_EQ(ReadDataFromFlashx(0x02000000 - length, length, buffer.data()), 0);
+  }
+  EXPECT_EQ(flash(0x01FFFFFC, 4), Bytes(4, 0x77));
+  EXPECT_EQ(readFpga(0x0FFFFFFC, 4), Bytes(4, 0));
   EXPECT_NE(writeFpga(0x0FFFFFFE, buffer), 0);
   EXPECT_EQ(fpga(0x0FFFFFFE, 2), Bytes(2, 0));
+  EXPECT_EQ(readFpga(0x0FFFFFFD, 4), Bytes());
+  EXPECT_EQ(writeFpga(0x0FFFFFFC, Bytes(4, 0)), 0);
   EXPECT_NE(ReadFPGABlock(PLATFORM_FPGA_BUS, 0xFFFFFFFF, 4, buffer.data()), 0);
   EXPECT_NE(WriteDataToFlashx(0x01FFFFFE, 4, buffer.data()), 0);
   EXPECT_NE(ReadDataFromFlashx(0x02000000, 1, buffer.data()), 0);

@@ -372,11 +372,20 @@ TEST(BrightnessWatchdogTest, ThePlanTakesOverOnceAndHandsTheWallBack) {
   wall.control().heartbeat();
   wall.runUntil(wall.localSeconds() + 2);
   EXPECT_EQ(wall.control().state().MixBrightnessAdjustEnable, kInactive);
-  // Without a stored time-out the start counts as a heartbeat that is missing.
-  VirtualWall late(mixedPlan({{0, 0, 80}}, false, brightness::kHardware), at(2024, 6, 1, 12));
-  late.serialTimeout = 0;
-  late.runUntil(at(2024, 6, 1, 12, 0, 3));
-  EXPECT_THAT(valuesOf(late), ElementsAre(204));
+}
+
+TEST(BrightnessWatchdogTest, AStartWithoutAUsableTimeoutCountsAsAMissingHeartbeat) {
+  for (const auto& [stored, used] :
+       {std::pair{0, 0}, {1, 0}, {2, 2}, {3, 3}, {0x76, 0x76}, {0x77, 0x77}, {0x78, 0}, {0xFF, 0}}) {
+    VirtualWall wall(mixedPlan({{0, 0, 80}}, false, brightness::kHardware), at(2024, 6, 1, 12));
+    wall.serialTimeout = static_cast<uint8_t>(stored);
+    wall.tick();
+    EXPECT_EQ(wall.control().state().UartDiscOvertime, used != 0 ? used : 40) << stored;
+    wall.runUntil(at(2024, 6, 1, 12, 0, 1) + used * 9 / 10);  // a hundred ticks are counted as 99
+    EXPECT_EQ(wall.sent.empty(), used != 0) << stored;
+    wall.runUntil(at(2024, 6, 1, 12, 0, 3) + used);
+    EXPECT_THAT(valuesOf(wall), ElementsAre(204)) << stored;
+  }
 }
 
 }  // namespace

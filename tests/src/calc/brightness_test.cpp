@@ -125,6 +125,17 @@ TEST(BrightnessYearTest, EveryNodeOfATimetableFiresOnceADayFor400Days) {
   }
 }
 
+TEST(BrightnessYearTest, ANodeBehindAChangeOfTheClockComesInItsMinute) {
+  for (const int64_t before : {at(2024, 3, 30, 13), at(2024, 10, 26, 13)}) {
+    LongWall wall(programmablePlan({{0, 0, 20}, {12, 0, 23}}), before);
+    wall.zone = middleEurope;
+    wall.live(3 * kDay);
+    ASSERT_EQ(wall.sent.size(), 1U + 6);
+    for (std::size_t i = 1; i < wall.sent.size(); ++i)
+      EXPECT_EQ(wall.sent[i].at % kDay / 60, i % 2 == 1 ? 0 : 12 * 60) << i;
+  }
+}
+
 TEST(BrightnessYearTest, EverySlotOfAMixedPlanTakesItsTurnFor400Days) {
   const std::vector<PlanNode> nodes{{5, 0, 20}, {9, 30, 0, true}, {17, 0, 40}, {21, 15, 60}};
   LongWall wall(mixedPlan(nodes, true), at(2023, 11, 20, 13));
@@ -171,6 +182,7 @@ TEST(BrightnessYearTest, SensorsDecideInTheAutomaticModeFor400Days) {
     wall.runUntil(wall.localSeconds() + 400);  // two decisions at least, of one light
     ASSERT_GE(wall.sent.size(), before + 2) << day;
     EXPECT_EQ(wall.sent.back().value, wall.localSeconds() / kDay % 2 == 0 ? 120 : 20);
+    EXPECT_EQ(wall.control().state().LastGlobalBri, wall.sent.back().value);
     wall.setClock(wall.localSeconds() + kDay - 400);
   }
 }
@@ -320,6 +332,40 @@ TEST(BrightnessMixedTest, SensorsAreAveragedAndFallBackAfterThreeFailures) {
   wall.runUntil(at(2024, 6, 1, 12, 0, 32));
   EXPECT_THAT(valuesOf(wall), ElementsAre(140, brightnessOf(40)));
   EXPECT_EQ(wall.sent.back().reason, BrightnessReason::Fallback);
+}
+
+TEST(BrightnessMixedTest, TheTenMinutesBeginAnewWithEachSlot) {
+  VirtualWall wall({}, at(2024, 6, 1, 12, 1));
+  wall.tick();
+  write(wall, mixedPlan({{12, 0, 80}, {12, 6, 40}}), kTestLength);
+  wall.control().SetBrightnessAdjustTable(brightness::kControl, std::array<uint8_t, 1>{1});
+  EXPECT_EQ(wall.sent.size(), 1U) << "is switched on already";
+  wall.runUntil(at(2024, 6, 1, 12, 15, 30));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(204, 102));
+  wall.runUntil(at(2024, 6, 1, 12, 16, 30));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(204, 102, 102));
+}
+
+TEST(BrightnessMixedTest, NoOtherModeSendsItsBrightnessAgain) {
+  for (const uint8_t mode :
+       {uint8_t{brightness::kProgrammable}, uint8_t{brightness::kAutomatic}, uint8_t{0}}) {
+    VirtualWall wall(mixedPlan({{12, 0, 80}}), at(2024, 6, 1, 12, 30));
+    wall.tick();
+    EXPECT_EQ(wall.control().state().BriBroadcastEnable, kActive);
+    write(wall, {mode}, brightness::kMirrorSize);
+    EXPECT_EQ(wall.control().state().BriBroadcastEnable, kInactive) << int{mode};
+  }
+}
+
+TEST(BrightnessMixedTest, FailuresWithAReadingBetweenAreNoReasonToFallBack) {
+  VirtualWall wall(mixedPlan({{0, 0, 0, true}}), at(2024, 6, 1, 12));
+  int asked = 0;
+  wall.light = [&](int64_t, const SensorRecord&) {
+    return ++asked % 3 == 0 ? std::optional<uint16_t>(550) : std::nullopt;
+  };
+  wall.runUntil(at(2024, 6, 1, 12, 5));
+  EXPECT_GT(asked, 50);
+  for (const SentBrightness& sent : wall.sent) EXPECT_EQ(sent.reason, BrightnessReason::Sensor) << sent.at;
 }
 
 TEST(BrightnessMixedTest, WithoutAnEnabledNodeNothingIsSentOrAwaited) {

@@ -2,6 +2,7 @@
 #include "calc/gammacurve.h"
 #include "calc/screenpattern.h"
 #include "daemontest.h"
+#include "mcuctrace.h"
 #include "process/proc_poll.h"
 #include "process/screenpatternload.h"
 
@@ -56,7 +57,10 @@ TEST_F(PictureTest, WithoutAnHdrTypeTheStoredTablesComeBack) {
 
 TEST_F(PictureTest, ShortAndForeignWritesChangeNothing) {
   EXPECT_THAT(write(0x02200118, {1}), IsRefused());
-  EXPECT_EQ(daemon.write(0x022001FF, {1, 2}).ack, 0) << "beyond the image: only a result tells";
+  ORVE_MCUC::setTraceLevel(0);
+  for (const Bytes& data : {Bytes{1}, Bytes{1, 2}})
+    EXPECT_EQ(daemon.write(0x022001FF, data).ack, 0) << "reaches the image's end: only the log tells";
+  EXPECT_EQ(daemon.trace("Invalid addr+len").size(), 2U);
   EXPECT_EQ(daemon.workOff(), 0U);
   EXPECT_THAT(read(0x02200333, 3), Carries(zeros(3)));
 }

@@ -163,6 +163,28 @@ TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
   EXPECT_EQ(store().SendParameterReg.le16(fpga::kScreenWidth), 3 * 128);
 }
 
+TEST_F(LocksTest, ASubmissionThatComesDuringTheCalculationStillCounts) {
+  auto& submissions = store().CalculateParaHandlerCnt;
+  submissions = 3;
+  daemon.tick();
+  simboard::onOutage([&](simboard::Outage) { submissions.add(1); });
+  board.cutPower({1});
+  daemon.tick();
+  simboard::onOutage([](simboard::Outage) {});
+  EXPECT_EQ(submissions, 1U);
+}
+
+// A restore would end the reset.
+TEST_F(LocksTest, AResetThatIsRequestedWhileARestoreWaitsIsNotLost) {
+  for (const auto& restore :
+       {Operation{"reload", [] { Tprocess::Sprocess_ReloadSendCardProgram(0, nullptr); }},
+        Operation{"load of the FPGA", [this] { daemon.bringUp(); }}}) {
+    EXPECT_TRUE(waitsFor(store().m_mutex, restore.run, [] { store().request(1); })) << restore.name;
+    EXPECT_EQ(store().RebootRF, ResetState::kRequested) << restore.name;
+    store().RebootRF = ResetState::kIdle;
+  }
+}
+
 TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {
   for (unsigned port = 0; port < kMappedPorts; ++port) {
     Bytes block(shortcut::kPortSize);

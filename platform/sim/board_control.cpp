@@ -77,7 +77,7 @@ bool touches(const Range& range, uint32_t address, uint32_t length) {
 
 bool openControl() {
   const int file = openSized(path("hw/control.bin"), kPageSize);
-  auto* const control = file >= 0 ? static_cast<ControlPage*>(mapShared(file, kPageSize)) : nullptr;
+  auto* const control = file >= 0 ? static_cast<ControlPage*>(mapShared(file, kPageSize, page)) : nullptr;
   if (file >= 0) close(file);
   if (control == nullptr) return false;
   std::memcpy(control->mark, kMark, sizeof control->mark);

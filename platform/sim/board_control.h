@@ -10,7 +10,7 @@
 namespace simboard {
 
 // Maps the page; new sensors get their readings of board.conf. False: not mapped. The page of a board that
-// was left stays mapped: threads may still look at it.
+// was left stays mapped until the next one takes its place: threads may still look at it.
 bool openControl();
 
 inline constexpr uint32_t kEveryCall = 0xFFFFFFFF;

@@ -44,8 +44,9 @@ int openSized(const std::string& name, std::size_t size) {
   return -1;
 }
 
-void* mapShared(int file, std::size_t size) {
-  void* mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+void* mapShared(int file, std::size_t size, void* before) {
+  const int flags = before == nullptr ? MAP_SHARED : MAP_SHARED | MAP_FIXED;
+  void* mapped = mmap(before, size, PROT_READ | PROT_WRITE, flags, file, 0);
   return mapped == MAP_FAILED ? nullptr : mapped;
 }
 

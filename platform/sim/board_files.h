@@ -9,8 +9,9 @@ namespace simboard {
 // Opens a file for reading and writing, created and grown to size as a sparse file. -1: not possible.
 int openSized(const std::string& name, std::size_t size);
 
-// The first size bytes of an open file, mapped shared. Null: not possible.
-void* mapShared(int file, std::size_t size);
+// The first size bytes of an open file, mapped shared, in the place of a mapping of this size or anywhere.
+// Null: not possible.
+void* mapShared(int file, std::size_t size, void* before = nullptr);
 
 // Makes an open file all zero and sparse; who has it open or mapped sees the same file, cleared.
 bool clearFile(int file);

@@ -179,6 +179,8 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
     store().AdvCalcParaGetSreenSize(*screen);
     store().AdvCalcParaOfSenderInMosaicMode(*screen);
     setConfigStatus(shortcut::kAdvanced);
+    // What came before it and waits for its tick would replace it.
+    store().CalculateParaHandlerCnt = 0;
   });
 }
 

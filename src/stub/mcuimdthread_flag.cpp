@@ -101,13 +101,16 @@ void McuIMDThread::LsdApipcConnHandler() {
 }
 
 void McuIMDThread::CalculateSenderParaHandler() {
-  auto& waiting = Data_Global::getInstance()->CalculateParaHandlerCnt;
-  const uint32_t count = waiting;
-  const bool atRest = count != 0 && count == m_submissionsSeen;
+  Data_Global& store = *Data_Global::getInstance();
+  const uint32_t count = store.CalculateParaHandlerCnt;
+  const bool debounced = count != 0 && count == m_submissionsSeen;
   m_submissionsSeen = count;
-  if (!atRest) return;
+  if (!debounced) return;
+  // Who held the lock may have submitted another one, or an advanced configuration in its place.
+  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+  if (store.CalculateParaHandlerCnt != count) return;
   Tprocess::CalculateParaOfSenderHandler();
-  waiting.add(0U - count);  // a submission that came meanwhile still counts
+  store.CalculateParaHandlerCnt = 0;
   m_submissionsSeen = 0;
 }
 

@@ -102,6 +102,10 @@ pid_t DaemonProcess::spawn(const std::string& argument, const std::string& outpu
   return child;
 }
 
+bool DaemonProcess::canReboot() {
+  return std::string_view(PARLEND_LAUNCHER).empty();
+}
+
 void DaemonProcess::start(const std::string& argument) {
   const std::string output = (directory_ / "daemon").string();
   process_ = spawn(argument, output);

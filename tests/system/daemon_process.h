@@ -32,6 +32,8 @@ class DaemonProcess {
   // Ends it at once, as a power cut would.
   void kill();
   bool alive();
+  // Not under an emulator: a program of another processor cannot start itself again.
+  static bool canReboot();
   // Waits until it has ended by itself: the exit status; -1: a signal ended it, or it does not end.
   int awaitEnd();
 

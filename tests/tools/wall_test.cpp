@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <set>
+#include <vector>
 
 #include "mcucdatablock.h"
 #include "peer/error.h"
@@ -313,7 +314,7 @@ class WallVerifyTest : public testing::Test {
       }
     }
   }
-  void put(std::size_t at, std::initializer_list<uint32_t> values) {
+  void put(std::size_t at, const std::vector<uint32_t>& values) {
     for (const uint32_t value : values) {
       ORVE_MCUC::putLe16(fpga, at, static_cast<uint16_t>(value));
       at += 2;
@@ -334,7 +335,7 @@ TEST_F(WallVerifyTest, TheFirstDifferenceIsFoundAndNamed) {
   put(0x609000 + 4 * 1020, {1, 1});  // behind the last whole repetition
   EXPECT_TRUE(difference().none()) << difference().text();
   // Each is found before the one above it.
-  const std::tuple<uint32_t, std::initializer_list<uint32_t>, std::string> kSteps[] = {
+  const std::tuple<uint32_t, std::vector<uint32_t>, std::string> kSteps[] = {
       {0x609000 + 4 * 1019, {0, 127}, "port 9, entry 1019: expected 0, 128, found 0, 127"},
       {0x603000 + 4 * 3, {0, 0}, "port 3, entry 3: expected 384, 0, found 0, 0"},
       {0x502020, {11}, "port 9, card count: expected 12, found 11"},

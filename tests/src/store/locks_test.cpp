@@ -163,17 +163,6 @@ TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
   EXPECT_EQ(store().SendParameterReg.le16(fpga::kScreenWidth), 3 * 128);
 }
 
-TEST_F(LocksTest, ASubmissionThatComesDuringTheCalculationStillCounts) {
-  auto& submissions = store().CalculateParaHandlerCnt;
-  submissions = 3;
-  daemon.tick();
-  simboard::onOutage([&](simboard::Outage) { submissions.add(1); });
-  board.cutPower({1});
-  daemon.tick();
-  simboard::onOutage([](simboard::Outage) {});
-  EXPECT_EQ(submissions, 1U);
-}
-
 // A restore would end the reset.
 TEST_F(LocksTest, AResetThatIsRequestedWhileARestoreWaitsIsNotLost) {
   for (const auto& restore :
@@ -183,6 +172,14 @@ TEST_F(LocksTest, AResetThatIsRequestedWhileARestoreWaitsIsNotLost) {
     EXPECT_EQ(store().RebootRF, ResetState::kRequested) << restore.name;
     store().RebootRF = ResetState::kIdle;
   }
+}
+
+TEST_F(LocksTest, ACalculationThatIsTakenBackBeforeItsTurnIsLeftOut) {
+  store().CalculateParaHandlerCnt = 1;
+  daemon.tick();
+  EXPECT_TRUE(waitsFor(
+      store().m_mutex, [this] { daemon.tick(); }, [] { store().CalculateParaHandlerCnt = 0; }));
+  EXPECT_EQ(store().LEDConfigStatus, 0);
 }
 
 TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {

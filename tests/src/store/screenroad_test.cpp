@@ -204,6 +204,20 @@ TEST_F(ScreenRoad, AdvancedPortsAreMappedWhenSubmitted) {
   }
 }
 
+TEST_F(ScreenRoad, TheLaterOfTwoConfigurationsStaysThoughTheEarlierOneWaitsForItsTick) {
+  for (unsigned port = 0; port < kMappedPorts; ++port) submitPort(port, {0, 1, 1, 0, 0});
+  const SmartScreen smart{2, 2, 2, 0, kCard};
+  submit(smart);
+  daemon.workOff();
+  write(kConfig, {0xB9});
+  ASSERT_TRUE(mapped(3, 0xB8));
+  EXPECT_EQ(fpga(countAt(0), 2), (Bytes{1, 0}));
+  write(kConfig, {0xB9});
+  submit(smart);
+  ASSERT_TRUE(mapped(7, 0xA8));
+  EXPECT_EQ(fpga(countAt(0), 2), (Bytes{2, 0}));
+}
+
 TEST_F(ScreenRoad, RefusedConfigurationsChangeNoTable) {
   ExpectedWall expected;
   expected.smart({2, 2, 2, 0, kCard});

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <tuple>
+#include <utility>
 
 #include "board_conf.h"
 #include "commands.h"
@@ -225,7 +226,7 @@ void sensor(const Options& options, const BoardArguments& arguments) {
   options.print({{{"sensor", index}, {"lux", lux == peer::kAlways ? Json() : Json(lux)}},
                  "sensor   " + std::to_string(index) +
                      (lux == peer::kAlways ? " does not answer" : ": " + std::to_string(lux) + " lux") +
-                     (index < pluggedInSensors ? "" : ", once board.conf has such a sensor")});
+                     (std::cmp_less(index, pluggedInSensors) ? "" : ", once board.conf has such a sensor")});
 }
 
 void clock(const Options& options, const BoardArguments& arguments) {

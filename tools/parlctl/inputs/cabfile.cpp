@@ -183,12 +183,12 @@ void play(const Options& options, uint32_t number, bool wait) {
   if (!wait) {
     return options.print({fields, "accepted: file " + std::to_string(number), Outcome::Accepted});
   }
-  const uint64_t length = plan ? std::min(plan->pausesMs, kMostPlaybackMs) : 0;
+  const auto length = static_cast<std::size_t>(plan ? std::min(plan->pausesMs, kMostPlaybackMs) : 0);
   {
     Progress progress("playing", length, 2000);
-    for (uint64_t at = 0; at < length; at += 100) {
+    for (std::size_t at = 0; at < length; at += 100) {
       progress.at(at);
-      ::poll(nullptr, 0, static_cast<int>(std::min<uint64_t>(length - at, 100)));
+      ::poll(nullptr, 0, static_cast<int>(std::min<std::size_t>(length - at, 100)));
     }
   }
   daemon.write(kIdle, {0});

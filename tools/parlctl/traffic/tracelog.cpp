@@ -127,7 +127,7 @@ void TraceReader::readFile(const fs::path& path, std::vector<TraceLine>& lines) 
   const std::string begin = firstStamp(path);
   if (place.begin != begin || *end < place.offset) place = {kHeader, begin};
   while (place.offset < *end) {
-    std::string piece(std::min<uint64_t>(kPiece, *end - place.offset), '\0');
+    std::string piece(static_cast<std::size_t>(std::min<uint64_t>(kPiece, *end - place.offset)), '\0');
     file.clear();
     file.seekg(static_cast<std::streamoff>(place.offset));
     file.read(piece.data(), static_cast<std::streamsize>(piece.size()));

@@ -192,16 +192,17 @@ TEST(BrightnessWriteTest, AChunkIsOfOnePieceForWhoeverReads) {
   BrightnessControl& control = wall.control();
   std::atomic<bool> done = false;
   std::thread peer([&] {
-    for (uint8_t mark = 0; !done; mark = static_cast<uint8_t>(~mark))  // no mode of these has a plan
-      control.SetBrightnessAdjustTable(0, std::vector<uint8_t>(brightness::kMirrorSize, mark));
+    for (int i = 0; i < 20000; ++i)  // no mode of these has a plan
+      control.SetBrightnessAdjustTable(
+          0, std::vector<uint8_t>(brightness::kMirrorSize, i % 2 == 0 ? uint8_t{0xFF} : uint8_t{0}));
+    done = true;
   });
   std::vector<uint8_t> bytes(brightness::kMirrorSize);
   int torn = 0;
-  for (int i = 0; i < 20000; ++i) {
+  while (!done) {
     const bool read = control.readMirror(0, bytes);
     torn += !read || bytes != std::vector<uint8_t>(bytes.size(), bytes[0]) ? 1 : 0;
   }
-  done = true;
   peer.join();
   EXPECT_EQ(torn, 0);
 }

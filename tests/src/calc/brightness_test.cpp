@@ -337,7 +337,12 @@ TEST(BrightnessMixedTest, SensorsAreAveragedAndFallBackAfterThreeFailures) {
 TEST(BrightnessMixedTest, TheTenMinutesBeginAnewWithEachSlot) {
   VirtualWall wall({}, at(2024, 6, 1, 12, 1));
   wall.tick();
-  write(wall, mixedPlan({{12, 0, 80}, {12, 6, 40}}), kTestLength);
+  BrightnessFile plan = mixedPlan({{12, 0, 80}, {12, 6, 40}});
+  for (const uint8_t on : {uint8_t{0}, uint8_t{1}}) {
+    plan[brightness::kControl] = on;
+    write(wall, plan, kTestLength);
+    EXPECT_EQ(wall.sent.size(), on);
+  }
   wall.control().SetBrightnessAdjustTable(brightness::kControl, std::array<uint8_t, 1>{1});
   EXPECT_EQ(wall.sent.size(), 1U) << "is switched on already";
   wall.runUntil(at(2024, 6, 1, 12, 15, 30));

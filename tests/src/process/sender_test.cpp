@@ -208,17 +208,5 @@ TEST_F(SenderTest, AResetGoesOnBehindWhateverFailsAndIsNotLostToAReload) {
   }
 }
 
-TEST_F(SenderTest, AResetKeepsNoHalfOfWhatCannotBeRead) {
-  constexpr uint32_t kScenes = 0x3000;
-  constexpr uint32_t kScenesSize = 0xB400;
-  daemon.board.setFlash(kScenes, counting(kScenesSize));
-  daemon.board.fault(Fault::FlashRead, {kAlways, 0, kScenes + kScenesSize - 1, kScenes + kScenesSize - 1});
-  write(0x01000002, {2});
-  daemon.tick(2);
-  daemon.board.clearFaults();
-  daemon.powerOn();
-  EXPECT_EQ(flash(kScenes, kScenesSize), Bytes(kScenesSize));
-}
-
 }  // namespace
 }  // namespace ORVE_MCUC

@@ -5,6 +5,7 @@
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/porttables.h"
 #include "store_fixture.h"
 
@@ -83,9 +84,22 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
+  ASSERT_EQ(store().loadFailures.portTables, 0);
+}
+
+TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.restart();
+  board.clearFaults();
   const LoadFailures& failures = store().loadFailures;
+  EXPECT_TRUE(failures.feature && failures.global && failures.number && failures.screen);
+  EXPECT_EQ(failures.portTables, 0x03FF);
+  loadWhatIsMissing(store());
   EXPECT_FALSE(failures.feature || failures.global || failures.number || failures.screen);
   EXPECT_EQ(failures.portTables, 0);
+  for (const uint8_t loaded : {store().SendParameterReg[0x21], ParaTable[0], VsPartPara[0],
+                               store().ScreenParaReg[0], PortsTopoPara[0]})
+    EXPECT_EQ(loaded, kPattern);
 }
 
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {

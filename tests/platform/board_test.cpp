@@ -325,6 +325,7 @@ TEST_F(BoardTest, ATransferIsOfOnePieceForWhoeverReads) {
   start("journal = off\n");
   constexpr std::size_t kBytes = 4096;
   constexpr int kWrites = 1000;
+  constexpr int kReads = 200;
   const struct {
     const char* name;
     int (*write)(const Bytes& bytes);
@@ -335,12 +336,13 @@ TEST_F(BoardTest, ATransferIsOfOnePieceForWhoeverReads) {
                  [] { return readCard(1, 0, 0, 0x03000000, kBytes); }}};
   for (const auto& [name, write, read] : places) {
     std::atomic<bool> done = false;
+    std::atomic<int> reads = 0;
     std::thread peer([&, put = write] {
-      for (int i = 0; i < kWrites; ++i) put(Bytes(kBytes, static_cast<unsigned char>(i)));
+      for (int i = 0; i < kWrites || reads < kReads; ++i) put(Bytes(kBytes, static_cast<unsigned char>(i)));
       done = true;
     });
     int torn = 0;
-    while (!done) {
+    for (; !done; ++reads) {
       const Bytes bytes = read();
       torn += bytes.size() != kBytes || bytes != Bytes(kBytes, bytes[0]) ? 1 : 0;
     }

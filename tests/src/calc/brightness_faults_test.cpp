@@ -191,15 +191,16 @@ TEST(BrightnessWriteTest, AChunkIsOfOnePieceForWhoeverReads) {
   wall.tick();
   BrightnessControl& control = wall.control();
   std::atomic<bool> done = false;
+  std::atomic<int> reads = 0;
   std::thread peer([&] {
-    for (int i = 0; i < 20000; ++i)  // no mode of these has a plan
+    for (int i = 0; i < 300000 || reads < 300000; ++i)  // no mode of these has a plan
       control.SetBrightnessAdjustTable(
           0, std::vector<uint8_t>(brightness::kMirrorSize, i % 2 == 0 ? uint8_t{0xFF} : uint8_t{0}));
     done = true;
   });
   std::vector<uint8_t> bytes(brightness::kMirrorSize);
   int torn = 0;
-  while (!done) {
+  for (; !done; ++reads) {
     const bool read = control.readMirror(0, bytes);
     torn += !read || bytes != std::vector<uint8_t>(bytes.size(), bytes[0]) ? 1 : 0;
   }

@@ -342,9 +342,9 @@ TEST(BrightnessMixedTest, TheTenMinutesBeginAnewWithEachSlot) {
     plan[brightness::kControl] = on;
     write(wall, plan, kTestLength);
     EXPECT_EQ(wall.sent.size(), on);
+    wall.control().SetBrightnessAdjustTable(brightness::kControl, std::array<uint8_t, 1>{on});
+    EXPECT_EQ(wall.sent.size(), on) << "is switched so already";
   }
-  wall.control().SetBrightnessAdjustTable(brightness::kControl, std::array<uint8_t, 1>{1});
-  EXPECT_EQ(wall.sent.size(), 1U) << "is switched on already";
   wall.runUntil(at(2024, 6, 1, 12, 15, 30));
   EXPECT_THAT(valuesOf(wall), ElementsAre(204, 102));
   wall.runUntil(at(2024, 6, 1, 12, 16, 30));

@@ -24,6 +24,22 @@ TEST_F(FaultsTest, TwoFailuresOfABusOrFlashCallAreTriedAway) {
   EXPECT_THAT(daemon.trace("Fail<<<"), testing::IsEmpty());
 }
 
+TEST_F(FaultsTest, TheStatusBehindAFailureIsAnInfoLine) {
+  const struct {
+    const char* text;
+    const char* word;
+  } cases[] = {{"no number\n", "Err"}, {"\n", "Err"}, {" \t1\n", "Up"}, {"-1\n", "Err"}, {" \t0\n", "Down"}};
+  ORVE_MCUC::setTraceLevel(3);
+  for (const auto& [text, word] : cases) {
+    daemon.prepare("sys/class/fpga/fpga_conf", text);
+    daemon.board.failNext(Fault::FpgaRead, 3);
+    daemon.trace();
+    EXPECT_THAT(read(0xF0C0FFE0, 4), Carries(zeros(4)));
+    const std::string line = std::string("Info >>>>>>>>>>>>>>>>>>>>>Read FPGA Status ") + word;
+    EXPECT_THAT(daemon.trace("FPGA Status "), testing::ElementsAre(line + "<<<<<<<<<<<<<<<<<<<")) << text;
+  }
+}
+
 TEST_F(FaultsTest, AnFpgaThatCannotBeReadLeavesZerosOrNoData) {
   daemon.board.setFpga(0x00700000, counting(8));
   daemon.board.failNext(Fault::FpgaRead, TestBoard::kEveryCall);

@@ -26,11 +26,16 @@ struct Desk {
   std::deque<std::unique_ptr<__apmsg_st>> inbox;
   std::unique_ptr<__apmsg_st> taken;
   std::vector<messagedesk::Sent> sent;
+  std::function<void()> wait;
 };
 
 Desk& desk() {
   static Desk instance;
   return instance;
+}
+
+void waits() {
+  if (desk().wait) desk().wait();
 }
 
 }  // namespace
@@ -51,6 +56,10 @@ std::size_t messagedesk::waiting() {
   return desk().inbox.size();
 }
 
+void messagedesk::onWait(std::function<void()> then) {
+  desk().wait = std::move(then);
+}
+
 std::vector<messagedesk::Sent> messagedesk::takeSent() {
   return std::exchange(desk().sent, {});
 }
@@ -59,6 +68,7 @@ void messagedesk::clear() {
   desk().connections.clear();
   desk().inbox.clear();
   desk().sent.clear();
+  desk().wait = nullptr;
 }
 
 void simboard::apipc_close_all_peers() {
@@ -76,6 +86,7 @@ int apipc_init(uint32_t /*task*/, int /*flags*/) {
 }
 
 int apipc_loop_wait(void* /*context*/, apipc_recv_cb /*callback*/) {
+  waits();
   return -1;
 }
 
@@ -91,7 +102,9 @@ int apipc_deq(apipc_msg_t* message) {
   return 0;
 }
 
-void apipc_que_wait(int /*timeout_ms*/) {}
+void apipc_que_wait(int /*timeout_ms*/) {
+  waits();
+}
 
 void apipc_que_told(void) {}
 

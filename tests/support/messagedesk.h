@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,9 @@ void disconnect(uint32_t task);
 void arrive(std::span<const uint8_t> message);
 /** How many still do. */
 std::size_t waiting();
+
+/** What happens while the daemon waits for messages, on the thread that waits; clear() forgets it. */
+void onWait(std::function<void()> then);
 
 /** What was sent since the last call, in order. */
 std::vector<Sent> takeSent();

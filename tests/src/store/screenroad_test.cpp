@@ -218,6 +218,18 @@ TEST_F(ScreenRoad, TheLaterOfTwoConfigurationsStaysThoughTheEarlierOneWaitsForIt
   EXPECT_EQ(fpga(countAt(0), 2), (Bytes{2, 0}));
 }
 
+TEST_F(ScreenRoad, PortsThatCannotBeReadLeaveTheEarlierConfigurationWaitingForItsTick) {
+  for (unsigned port = 0; port < kMappedPorts; ++port) submitPort(port, {0, 1, 1, 0, 0});
+  submit({2, 2, 2, 0, kCard});
+  daemon.workOff();
+  daemon.board.fault(Fault::FlashRead,
+                     {TestBoard::kEveryCall, 0, kFlashRecord, kFlashRecord + 4095});
+  write(kConfig, {0xB9});
+  daemon.board.clearFaults();
+  ASSERT_TRUE(mapped(2, 0xA8));
+  EXPECT_EQ(fpga(countAt(0), 2), (Bytes{2, 0}));
+}
+
 TEST_F(ScreenRoad, RefusedConfigurationsChangeNoTable) {
   ExpectedWall expected;
   expected.smart({2, 2, 2, 0, kCard});

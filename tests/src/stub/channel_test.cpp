@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <map>
+#include <new>
 
 #include "../allocations.h"
 #include "calc/screenrecord.h"
@@ -18,6 +21,7 @@
 namespace {
 
 using namespace ORVE_MCUC;
+using namespace std::chrono_literals;
 using testing::AnyOf;
 using testing::Contains;
 using testing::HasSubstr;
@@ -170,6 +174,51 @@ TEST(MemoryTest, ATickThatRunsOutOfItIsMadeUpForByTheNext) {
     EXPECT_EQ(daemon.board.fpga(kWall, 64), table) << n;
     const bool sendFailed = !daemon.trace("reply message Failed").empty();  // such a push is lost
     EXPECT_TRUE(known() == all || sendFailed) << n;
+  }
+}
+
+TEST(MemoryTest, AThreadThatRunsOutOfItWhereItWaitsForMessagesGoesOn) {
+  TestDaemon daemon;
+  for (const auto body : {&McuIMDThread::ApipcMsg, &McuIMDThread::RecvMsg}) {
+    McuIMDThread channel;
+    int waits = 0;
+    messagedesk::onWait([&] {
+      if (++waits == 1) throw std::bad_alloc();
+      channel.Release();
+    });
+    setTraceLevel(0);
+    EXPECT_NO_THROW((channel.*body)());
+    EXPECT_EQ(waits, 2);
+    EXPECT_THAT(daemon.trace("Msg ===out of memory"), SizeIs(1));
+  }
+}
+
+TEST(MemoryTest, ABringUpThatRunsOutOfItIsTriedAgain) {
+  constexpr auto kTick = 200ms;
+  constexpr uint32_t kRestored = 0x24;
+  TestDaemon daemon;
+  daemon.board.setFlash(0xA3B100 + kRestored, {7});
+  daemon.connect();
+  const std::size_t before = allocations();
+  StubUtil::getInstance()->channel().CheckFPGAOnline();
+  const std::size_t look = allocations() - before;  // the simulated board's own
+  daemon.bringUp();
+  const std::size_t end = allocations() - before;
+  ASSERT_GT(end - look, 10U) << "nothing was tried";
+  daemon.board.takeTime(kTick);
+  for (std::size_t n = look + 1; n <= end; ++n) {
+    daemon.board.setFpga(kRestored, {0});
+    McuIMDThread channel;
+    auto thread = std::async(std::launch::async, [&] {
+      failAllocation(n, [&] { channel.FlagMsg(); });
+    });
+    EXPECT_TRUE(daemon.board.awaitHeld(1));  // until it is tried again, or behind the first tick
+    daemon.board.advance(kTick);
+    EXPECT_TRUE(daemon.board.awaitHeld(1));
+    channel.Release();
+    daemon.board.advance(kTick);
+    ASSERT_NO_THROW(thread.get()) << n;
+    EXPECT_EQ(daemon.board.fpga(kRestored, 1), Bytes{7}) << n;
   }
 }
 

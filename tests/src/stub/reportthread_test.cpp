@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <future>
 #include <thread>
 
 #include "../allocations.h"
@@ -74,6 +75,35 @@ TEST_F(ReportThreadTest, ARegisterThatRunsOutOfMemoryIsGivenUpAndTheNextIsProgra
       EXPECT_GT(n, 2U) << "nothing was tried";
     }
   }
+}
+
+TEST_F(ReportThreadTest, ATestThatRunsOutOfMemoryIsGivenUpAndTheNextIsWhole) {
+  constexpr auto kPeriod = 1ms;
+  const Bytes last(1024, 0x55);
+  setTraceLevel(0);
+  const std::size_t before = allocations();
+  report.FPGAReport_init();
+  const std::size_t start = allocations() - before;
+  testfpgareadwrite();
+  const std::size_t end = allocations() - before;
+  daemon.board.takeTime(kPeriod);
+  Data_Global::getInstance()->RWFPGATestflag = 1;
+  for (std::size_t n = start + 1; n <= end; ++n) {
+    FpgaReportThread thread;
+    auto body = std::async(std::launch::async, [&] {
+      failAllocation(n, [&] { thread.ActiveReport(); });
+    });
+    EXPECT_TRUE(daemon.board.awaitHeld(1));  // behind the first test
+    daemon.board.setFpga(0x600000, Bytes(1024));
+    daemon.board.advance(kPeriod);
+    EXPECT_TRUE(daemon.board.awaitHeld(1));
+    thread.Release();
+    daemon.board.advance(kPeriod);
+    ASSERT_NO_THROW(body.get()) << n;
+    EXPECT_EQ(daemon.board.fpga(0x600000, 1024), last) << n;
+    EXPECT_THAT(daemon.trace("ActiveReport ===out of memory"), SizeIs(1)) << n;
+  }
+  EXPECT_GT(end, start + 10) << "nothing was tried";
 }
 
 TEST_F(ReportThreadTest, ATestWritesEachBlockWithBothPatternsAndReadsItBack) {

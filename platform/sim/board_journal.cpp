@@ -22,6 +22,7 @@ constexpr std::size_t kBytesShown = 64;
 constexpr std::size_t kUsualLine = 192;
 
 std::atomic<JournalLevel> journalLevel{JournalLevel::Off};
+std::atomic<void (*)(std::string_view)> looks{nullptr};
 int file = -1;
 std::mutex fileLock;  // stamps do not go backwards from line to line
 long long startedUs = 0;
@@ -54,12 +55,17 @@ bool journalsReads() {
   return journalLevel.load(std::memory_order_relaxed) == JournalLevel::All;
 }
 
+void onJournal(void (*look)(std::string_view line)) {
+  looks = look;
+}
+
 JournalLine::JournalLine(const char* call) {
   text_.reserve(kUsualLine);
   text_ = call;
 }
 
 JournalLine::~JournalLine() {
+  if (const auto look = looks.load()) look(text_);
   const std::lock_guard guard(fileLock);
   const long long us = board_monotonic_us() - startedUs;
   char stamp[48];

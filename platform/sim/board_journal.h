@@ -18,6 +18,9 @@ void closeJournal();
 bool journalsWrites();
 bool journalsReads();
 
+// Somebody looks at each line before it is appended, in the middle of its call; null: nobody does.
+void onJournal(void (*look)(std::string_view line));
+
 // One line, composed piece by piece and appended when it goes out of scope.
 class JournalLine {
  public:

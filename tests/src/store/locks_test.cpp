@@ -3,7 +3,11 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <functional>
+#include <map>
+#include <string_view>
 
+#include "board_journal.h"
 #include "calc/colourrecords.h"
 #include "calc/screenrecord.h"
 #include "maps/flashmap.h"
@@ -30,6 +34,8 @@ struct Operation {
 
 class LocksTest : public StoreFixture {
  protected:
+  LocksTest() : StoreFixture("journal = all\n") {}
+  ~LocksTest() override { simboard::onJournal(nullptr); }
   static SmartScreen wall(uint16_t columns) { return {1, columns, 1, 0, {}}; }
   void storeRecord(const SmartScreen& screen) const {
     Bytes record(shortcut::kUsedSize);
@@ -151,6 +157,25 @@ TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
   }
   simboard::onOutage([](simboard::Outage) {});
   EXPECT_GT(writes, 40);
+}
+
+// At each of these calls somebody looks, on the thread that calls.
+TEST_F(LocksTest, TheImageIsFreeDuringShellCommandsCardAccessesAndSends) {
+  static std::map<std::string, int, std::less<>> calls;
+  calls = {{"shell", 0}, {"card-read", 0}, {"card-write", 0}, {"send", 0}};
+  daemon.connect();
+  simboard::onJournal([](std::string_view line) {
+    const auto call = calls.find(line.substr(0, line.find(' ')));
+    if (call == calls.end()) return;
+    ++call->second;
+    EXPECT_EQ(store().imageLock.TryLock(), 0) << line;
+    store().imageLock.UnLock();
+  });
+  daemon.tick(5);
+  daemon.ask({.deviceType = 1, .address = 0x02000017, .length = 4});
+  daemon.ask({.deviceType = 1, .code = peer::kWrite, .address = 0x02000001, .length = 1, .data = {9}});
+  for (const Operation& each : configurations()) each.run();
+  for (const auto& [kind, count] : calls) EXPECT_GT(count, 0) << kind;
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {

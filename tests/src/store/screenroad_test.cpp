@@ -222,8 +222,7 @@ TEST_F(ScreenRoad, PortsThatCannotBeReadLeaveTheEarlierConfigurationWaitingForIt
   for (unsigned port = 0; port < kMappedPorts; ++port) submitPort(port, {0, 1, 1, 0, 0});
   submit({2, 2, 2, 0, kCard});
   daemon.workOff();
-  daemon.board.fault(Fault::FlashRead,
-                     {TestBoard::kEveryCall, 0, kFlashRecord, kFlashRecord + 4095});
+  daemon.board.fault(Fault::FlashRead, {TestBoard::kEveryCall, 0, kFlashRecord, kFlashRecord + 4095});
   write(kConfig, {0xB9});
   daemon.board.clearFaults();
   ASSERT_TRUE(mapped(2, 0xA8));

@@ -209,9 +209,7 @@ TEST(MemoryTest, ABringUpThatRunsOutOfItIsTriedAgain) {
   for (std::size_t n = look + 1; n <= end; ++n) {
     daemon.board.setFpga(kRestored, {0});
     McuIMDThread channel;
-    auto thread = std::async(std::launch::async, [&] {
-      failAllocation(n, [&] { channel.FlagMsg(); });
-    });
+    auto thread = std::async(std::launch::async, [&] { failAllocation(n, [&] { channel.FlagMsg(); }); });
     EXPECT_TRUE(daemon.board.awaitHeld(1));  // until it is tried again, or behind the first tick
     daemon.board.advance(kTick);
     EXPECT_TRUE(daemon.board.awaitHeld(1));

@@ -90,9 +90,7 @@ TEST_F(ReportThreadTest, ATestThatRunsOutOfMemoryIsGivenUpAndTheNextIsWhole) {
   Data_Global::getInstance()->RWFPGATestflag = 1;
   for (std::size_t n = start + 1; n <= end; ++n) {
     FpgaReportThread thread;
-    auto body = std::async(std::launch::async, [&] {
-      failAllocation(n, [&] { thread.ActiveReport(); });
-    });
+    auto body = std::async(std::launch::async, [&] { failAllocation(n, [&] { thread.ActiveReport(); }); });
     EXPECT_TRUE(daemon.board.awaitHeld(1));  // behind the first test
     daemon.board.setFpga(0x600000, Bytes(1024));
     daemon.board.advance(kPeriod);

@@ -120,10 +120,10 @@ void apipc_que_detach(apipc_msg_t /*message*/, void* /*contents*/) {
 int apipc_send(uint32_t task, const void* buffer, unsigned int length) {
   const std::span bytes(static_cast<const uint8_t*>(buffer), length);
   if (simboard::takeFault(simboard::Fault::MessageSend)) return -1;
-  if (simboard::journalsReads()) simboard::JournalLine("send").address(task);
   const uint32_t to = (task & kServiceCode) == kServiceSend ? peer::decodeHead(bytes).taskId : task;
   if (!desk().connections.contains(to)) return -1;
   try {
+    if (simboard::journalsReads()) simboard::JournalLine("send").address(task);
     desk().sent.push_back({to, {bytes.begin(), bytes.end()}});
     return 0;
   } catch (const std::bad_alloc&) {

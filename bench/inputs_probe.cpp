@@ -20,7 +20,7 @@ using namespace ORVE_MCUC;
 
 constexpr int kEdids = 100;
 constexpr int kFiles = 5;
-constexpr std::size_t kFileBytes = 1024 * 1024;
+constexpr std::size_t kFileBytes = std::size_t{1024} * 1024;
 constexpr uint32_t kFirstBody = 0x2000;
 
 // A work item as the queue hands it to its handler.

@@ -1,6 +1,7 @@
 #include "driverutil.h"
 
 #include "driverretry.h"
+#include "logwords.h"
 #include "mcuctrace.h"
 #include "platform/driver.h"
 #include "singleton.h"
@@ -44,13 +45,13 @@ void DriverUtil::deleteInstance() {
 }
 
 bool DriverUtil::initialize() {
-  PARLEND_TRACE(kInfo) << "============================= Begin kespara file init ===========================";
+  LogSection section({"============================= Begin kespara file init ===========================",
+                      "============================= Finish kespara file init ==========================="});
   if (Flash_Init() != 0) {
     PARLEND_TRACE(kError) << "kespara file fail";
+    section.abandon();
     return false;
   }
-  PARLEND_TRACE(kInfo)
-      << "============================= Finish kespara file init ===========================";
   return true;
 }
 

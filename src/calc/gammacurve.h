@@ -54,7 +54,9 @@ constexpr double logarithm(double x) {
 constexpr uint16_t lightOf(std::size_t level) {
   if (level == 0) return 0;
   const double signal = static_cast<double>(level) / (kGammaLevels - 1);
-  return static_cast<uint16_t>(65535 * exponential(kDefaultGamma * logarithm(signal)) + 0.5);
+  const double light = 65535 * exponential(kDefaultGamma * logarithm(signal));
+  const auto below = static_cast<uint16_t>(light);
+  return light - below < 0.5 ? below : static_cast<uint16_t>(below + 1);
 }
 
 constexpr std::array<uint8_t, kGammaTableBytes> defaultTable() {

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "hextext.h"
+#include "logwords.h"
 #include "mcuctrace.h"
 #include "mcucutil.h"
 #include "outofmemory.h"
@@ -130,9 +131,11 @@ int McuIMDThread::takeMessage() {
 
 int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* label,
                                    const unsigned char* frame) {
-  PARLEND_TRACE(kInfo) << "============================= Begin Deal DataBlock ==============================";
+  LogSection section({"============================= Begin Deal DataBlock ==============================",
+                      "============================= Finish Deal DataBlock ============================="});
   if (frame == nullptr) {
     PARLEND_TRACE(kError) << "=== dealDataBlock ===Deal DataBlock: data block is null! return.";
+    section.abandon();
     return kErrNoMessage;
   }
   const int length = static_cast<int>(label->size);
@@ -164,7 +167,6 @@ int McuIMDThread::dealDataBlockNew(const Fipc_msg_head* head, const Fimd_label* 
   if (head->ui_id != m_vectorUIIDs.front() && request.proto.m_ucSourceAddress == kSourceOfTools) {
     PARLEND_TRACE(kInfo) << "\t********DevComLinkState == 1 *********";
   }
-  PARLEND_TRACE(kInfo) << "============================= Finish Deal DataBlock =============================";
   return 0;
 }
 

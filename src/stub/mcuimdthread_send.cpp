@@ -9,7 +9,8 @@
 namespace ORVE_MCUC {
 namespace {
 
-struct Words {
+// A frame that goes out: its section, and the lines of its outcome.
+struct FrameWords {
   SectionWords section;
   const char* failed;
   const char* sent;
@@ -17,13 +18,14 @@ struct Words {
   const char* shortData;
 };
 
-constexpr Words kReply{{"=============================== Begin reply Message =============================",
-                        "=============================== Finish reply Message ============================"},
-                       "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
-                       "ReplyMsg: reply message successfully. ret = ",
-                       " ReplyMsg: the data = ",
-                       "ReplyMsg: length <200. the data = "};
-constexpr Words kNotification{
+constexpr FrameWords kReply{
+    {"=============================== Begin reply Message =============================",
+     "=============================== Finish reply Message ============================"},
+    "=== ReplyMsg ===ReplyMsg: reply message Failed! ret = ",
+    "ReplyMsg: reply message successfully. ret = ",
+    " ReplyMsg: the data = ",
+    "ReplyMsg: length <200. the data = "};
+constexpr FrameWords kNotification{
     {"================================ Begin Send Message =============================",
      "================================ Finish Send Message ============================"},
     "===  ===SendMsg: reply message Failed! ret = ",
@@ -38,7 +40,7 @@ constexpr SectionWords kSending{
 constexpr std::size_t kPieceLength = 200;
 constexpr int kSendTextRoom = 131072;
 
-void logSent(const Words& words, const unsigned char* bytes, int total) {
+void logSent(const FrameWords& words, const unsigned char* bytes, int total) {
   PARLEND_TRACE(kInfo) << words.sent << 0 << " datalength = " << total;
   const HexText<kSendTextRoom> text(bytes, total);
   if (text.view().size() < kPieceLength) {
@@ -57,7 +59,7 @@ int handOver(uint32_t task, std::span<const uint8_t> message) {
   return apipc_send(task, message.data(), static_cast<unsigned int>(message.size()));
 }
 
-int sendFrame(IMD_proto3rd& record, uint32_t task, const Words& words) {
+int sendFrame(IMD_proto3rd& record, uint32_t task, const FrameWords& words) {
   LogSection section(words.section);
   // Only the bytes that are sent are ever written, so the buffer is not cleared.
   unsigned char buffer[kTransportHeadLength + DATA_BLOCK_LENGTH];

@@ -10,7 +10,6 @@
 
 namespace {
 
-using simboard::Fault;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -5,6 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "logwords.h"
+
 namespace ORVE_MCUC {
 
 // A write as it is carried out.
@@ -27,8 +29,7 @@ struct CardTask {
   void (*afterChunk)(const CardWrite& write, uint32_t address, std::span<const uint8_t> chunk) =
       [](const CardWrite&, uint32_t, std::span<const uint8_t>) {};
   void (*afterWrite)(uint32_t reached) = [](uint32_t) {};
-  const char* begin;
-  const char* finish;
+  SectionWords section;  // only a write finishes it
   const char* name;
   const char* cards;
   const char* readDone;

@@ -113,20 +113,20 @@ int write(const CardTask& task, const IMD_proto3rd& request) {
         DelayMicroseconds(task.pause(address + static_cast<uint32_t>(chunk.size())));
       });
   task.afterWrite(reached);
-  PARLEND_TRACE(kInfo) << task.finish;
   return kDone;
 }
 
 int run(const CardTask& task, IMD_proto3rd* request) {
   if (request == nullptr) return kRefused;
   ThirdProtoMCUCMsg& proto = request->proto;
-  PARLEND_TRACE(kInfo) << task.begin;
+  LogSection section(task.section);
   PARLEND_TRACE(kInfo) << task.name << ": Data length = " << proto.m_usValidDataLength
                        << ", Code Type = " << proto.m_ucCode << ", Port Addr = " << proto.m_ucPortAddress
                        << ", Board Addr = " << proto.m_usBoardAddress << ", Register Addr = " << CTrace::hex
                        << proto.m_uiRegisterUnitAddress;
-  if (proto.m_ucCode == kCodeRead) return read(task, proto);
   if (proto.m_ucCode == kCodeWrite) return write(task, *request);
+  section.abandon();
+  if (proto.m_ucCode == kCodeRead) return read(task, proto);
   if (task.outspoken)
     PARLEND_TRACE(kInfo) << "=============================Do nothing !!! ==============================";
   return kDone;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "calc/advmapping.h"
+#include "logwords.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
@@ -126,14 +127,13 @@ int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
 }
 
 int Data_Global::AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen) {
-  PARLEND_TRACE(kInfo)
-      << "===================== Begin Calculate Advanced LED configure =======================";
+  const LogSection section(
+      {"===================== Begin Calculate Advanced LED configure =======================",
+       "===================== Finish Calculate Advanced LED configure ======================"});
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   loadWhatIsMissing(*this);
   const bool accepted = accept(screen);
   if (accepted) mapScreen(*this, screen, measuredCard(*this));
-  PARLEND_TRACE(kInfo)
-      << "===================== Finish Calculate Advanced LED configure ======================";
   return accepted ? 0 : kErrPortPara;
 }
 

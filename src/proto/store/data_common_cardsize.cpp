@@ -2,6 +2,7 @@
 #include <bit>
 #include <utility>
 
+#include "logwords.h"
 #include "maps/cardmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -75,9 +76,10 @@ int measureFirstLinked(MeasuredCards& cards, PortLinks& links) {
 }  // namespace
 
 int Data_Global::GetRecvCardSize_EnvNew() {
-  PARLEND_TRACE(kInfo) << "=========================== Begin GetRecvCardSize_Env =========================";
+  const LogSection section(
+      {"=========================== Begin GetRecvCardSize_Env =========================",
+       "=========================== Finish GetRecvCardSize_Env ========================="});
   const int result = measureFirstLinked(*this, *this);
-  PARLEND_TRACE(kInfo) << "=========================== Finish GetRecvCardSize_Env =========================";
   return result;
 }
 

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "driverutil.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -14,47 +15,37 @@ namespace {
 
 constexpr std::size_t kPageSize = 256;
 
-// Reads a size record: width u32, height u32. The texts name it in the log lines.
-struct SizeWords {
-  FailureWords failed;
-  const char* zeroWidth;
-  const char* zeroHeight;
-};
-int readSize(uint32_t address, const SizeWords& words, uint32_t* out) {
+// Reads a size record: width u32, height u32. The name stands in the log lines.
+int readSize(uint32_t address, const char* name, FailureWords failed, uint32_t* out) {
   std::array<uint8_t, 8> record{};
-  if (readFlash(address, record, words.failed) != 0) return -1;
+  if (readFlash(address, record, failed) != 0) return -1;
   out[0] = le32(record, 0);
   out[1] = le32(record, 4);
-  if (out[0] == 0) PARLEND_TRACE(kInfo) << words.zeroWidth << out[0];
-  if (out[1] == 0) PARLEND_TRACE(kInfo) << words.zeroHeight << out[1];
+  if (out[0] == 0) PARLEND_TRACE(kInfo) << "=======Read FromFlash " << name << "W = 0";
+  if (out[1] == 0) PARLEND_TRACE(kInfo) << "=======Read FromFlash " << name << "H = 0";
   return out[0] != 0 && out[1] != 0 ? 0 : -1;
 }
 
 }  // namespace
 
 int Data_Global::RestoreDataFromFlash(int type, std::span<uint8_t> dest) {
-  PARLEND_TRACE(kInfo) << "========================== Begin restore data from flash ========================";
+  const LogSection section(
+      {"========================== Begin restore data from flash ========================",
+       "========================== Finish restore data from flash ======================="});
   int result = -1;
   if (type == 0 || type == 1)
     result = readFlash(type == 0 ? flash::kBasicHardwarePage : flash::kFeature, dest);
-  PARLEND_TRACE(kInfo) << "========================== Finish restore data from flash =======================";
   return result;
 }
 
 int Data_Global::Read_ScreenSize_FromFlash(uint32_t* out) {
-  return readSize(flash::kScreenSize,
-                  {{"Read_ScreenSize_FromFlash", "Can not read flash screensize , faild !!! "},
-                   "=======Read FromFlash ScreenSizeW = ",
-                   "=======Read FromFlash ScreenSizeH = "},
-                  out);
+  return readSize(flash::kScreenSize, "ScreenSize",
+                  {"Read_ScreenSize_FromFlash", "Can not read flash screensize , faild !!! "}, out);
 }
 
 int Data_Global::Read_CardSize_FromFlash(uint32_t* out) {
-  return readSize(flash::kCardSize,
-                  {{"Read_CardSize_FromFlash", "Can not read flash CardSize , faild !!! "},
-                   "=======Read FromFlash CardSize_W = ",
-                   "=======Read FromFlash CardSize_H = "},
-                  out);
+  return readSize(flash::kCardSize, "CardSize_",
+                  {"Read_CardSize_FromFlash", "Can not read flash CardSize , faild !!! "}, out);
 }
 
 void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
@@ -64,7 +55,9 @@ void Data_Global::ChangeOutScreenPara(uint32_t width, uint32_t height) {
 }
 
 int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t> data) {
-  PARLEND_TRACE(kInfo) << "======================== Begin copy const data to flash =========================";
+  const LogSection section(
+      {"======================== Begin copy const data to flash =========================",
+       "======================== Finish copy const data to flash ========================"});
   const auto levelOf = [](int result) { return result == 0 ? kInfo : kError; };
   const auto pages = static_cast<unsigned int>(data.size() / kPageSize);
   uint32_t at = address;
@@ -78,7 +71,6 @@ int Data_Global::CopyConstDataToFlash(uint32_t address, std::span<const uint8_t>
   PARLEND_TRACE(levelOf(result)) << "Copy const data to flash : the real addr = " << CTrace::hex << at
                                  << " spi address = " << CTrace::hex << address << " result = " << result
                                  << " mod = " << static_cast<unsigned int>(data.size()) << " i = " << i;
-  PARLEND_TRACE(kInfo) << "======================== Finish copy const data to flash ========================";
   return result;
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "envstore.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "mcuctrace.h"
 #include "platform/netinfo.h"
@@ -46,10 +47,12 @@ void setDefaultText() {
 // Brings the environment's serial number and the flash in line. own is filled only when the environment holds
 // a serial number of this device's own.
 void transferSerial(bool setWhenAbsent, uint8_t* own) {
-  PARLEND_TRACE(kInfo) << "================================ Begin SN transfer ==============================";
+  LogSection section({"================================ Begin SN transfer ==============================",
+                      "================================ Finish SN transfer ============================="});
   const OpenStore store;
   if (!store) {
     PARLEND_TRACE(kError) << "=== SNTransfer ===Error when openning env!";
+    section.abandon();
     return;
   }
   const char* stored = sysconf_getenv("device_sn");
@@ -73,7 +76,6 @@ void transferSerial(bool setWhenAbsent, uint8_t* own) {
       if (own != nullptr) std::copy(serial.begin(), serial.end(), own);
     }
   }
-  PARLEND_TRACE(kInfo) << "================================ Finish SN transfer =============================";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The smart screen configuration: calculated values to image, FPGA and flash.
 #include "hextext.h"
+#include "logwords.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
@@ -48,13 +49,14 @@ void storeScreen(RegisterImages& images, FeatureDraft& draft, const SmartScreen&
 }
 
 void putWindows(FeatureDraft& draft, const SmartScreen& screen, const PortSplit& split) {
-  PARLEND_TRACE(kInfo) << "======================== Begin calculate Port X or Y ============================";
+  const LogSection section(
+      {"======================== Begin calculate Port X or Y ============================",
+       "======================== Finish calculate Port X or Y ==========================="});
   draft.put(fpga::kMappingOption, 0);
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     const WindowOffset at = windowOffset(screen, split, port);
     putPortWindow(draft, port, {split.PortWidth, split.PortHeight, at.x, at.y});
   }
-  PARLEND_TRACE(kInfo) << "======================== Finish calculate Port X or Y ===========================";
 }
 
 // What a slot holds behind its count belongs to the FPGA.
@@ -70,15 +72,15 @@ void refreshNumberParts(const RegisterImages& images) {
 }
 
 void countCards(const RegisterImages& images, const PortSplit& split) {
-  PARLEND_TRACE(kInfo) << "========================= Begin calculate number para ===========================";
+  constexpr SectionWords kCounting{
+      "========================= Begin calculate number para ===========================",
+      "========================= Finish calculate number para =========================="};
+  const LogSection section(kCounting);
   refreshNumberParts(images);
   std::array<uint32_t, kMappedPorts> counts{};
   for (unsigned int port = 0; port < kMappedPorts; ++port) counts[port] = cardsBehind(split, port);
   writeCardCounts(images, counts, kCaller);
-  for (int i = 0; i < 2; ++i) {
-    PARLEND_TRACE(kInfo)
-        << "========================= Finish calculate number para ==========================";
-  }
+  PARLEND_TRACE(kInfo) << kCounting.finish;  // the section says it once more
 }
 
 // Whether a port's cards lie beyond the tables of ten ports.
@@ -106,10 +108,12 @@ std::array<uint8_t, kPortTableSize> tableOf(const RegisterImages& images, const 
 
 // False when there are not enough tables; what was calculated before stays.
 bool placeCards(const RegisterImages& images, const SmartScreen& screen, const PortSplit& split) {
-  PARLEND_TRACE(kInfo) << "========================= Begin calculate position para =========================";
+  LogSection section({"========================= Begin calculate position para =========================",
+                      "======================== Finish calculate position para ========================="});
   if (runsOutOfTables(screen, split)) {
     constexpr int kEntry = 0;  // the first card lies beyond already
     PARLEND_TRACE(kError) << "ERROR:$$PortsTopoPara$$ out of memory!!!" << kEntry;
+    section.abandon();
     return false;
   }
   logPlaced(screen, split);
@@ -119,13 +123,13 @@ bool placeCards(const RegisterImages& images, const SmartScreen& screen, const P
                             << " was not written. ret = " << ret;
     }
   }
-  PARLEND_TRACE(kInfo) << "======================== Finish calculate position para =========================";
   return true;
 }
 
 void assignRoles(const Data_Global& store, FeatureDraft& draft, const PortSplit& split, uint8_t backup) {
-  PARLEND_TRACE(kInfo)
-      << "========================= Begin calculate SlaveOrMaster para =========================";
+  const LogSection section(
+      {"========================= Begin calculate SlaveOrMaster para =========================",
+       "======================== Finish calculate SlaveOrMaster para ========================="});
   putPortRoles(draft, backup);
   for (unsigned int i = 0; i < 4; ++i) {
     PARLEND_TRACE(kInfo) << "MasterSlaveVal 0x" << CTrace::hex
@@ -139,8 +143,6 @@ void assignRoles(const Data_Global& store, FeatureDraft& draft, const PortSplit&
     }
   }
   logImage("WriteFpgaData SendParameterReg:", store, draft);
-  PARLEND_TRACE(kInfo)
-      << "======================== Finish calculate SlaveOrMaster para =========================";
 }
 
 // False when the calculation has to stop as it is.
@@ -188,7 +190,8 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
 
 void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table,
                                                     const ByteImage<32>& chars) {
-  PARLEND_TRACE(kInfo) << "=================== Begin CalculateParaOfSenderInMosaicMode ====================";
+  LogSection section({"=================== Begin CalculateParaOfSenderInMosaicMode ====================",
+                      "=================== Finish CalculateParaOfSenderInMosaicMode ===================="});
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   loadWhatIsMissing(*this);
   SmartScreen screen = screenIn(table, chars);
@@ -198,10 +201,10 @@ void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table
     PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===Invalid Parameter! ";
   } else if (!mapScreen(*this, draft, screen, chars[kTempRoleAt])) {
     putFeature(*this, draft);
+    section.abandon();
     return;
   }
   writeAndSaveFeature(*this, draft, kCaller);
-  PARLEND_TRACE(kInfo) << "=================== Finish CalculateParaOfSenderInMosaicMode ====================";
 }
 
 }  // namespace ORVE_MCUC

@@ -5,6 +5,7 @@
 #include "driverutil.h"
 #include "envstore.h"
 #include "hextext.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -243,7 +244,9 @@ void Data_Global::BootRecover() {
 }
 
 void Data_Global::RestoreFPGA() {
-  PARLEND_TRACE(kInfo) << "============================== Begin Restore FPGA ===============================";
+  const LogSection section(
+      {"============================== Begin Restore FPGA ===============================",
+       "============================== Finish Restore FPGA =============================="});
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   if (const int ret = loadFeature(*this))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the feature parameters cannot be read. ret = " << ret;
@@ -259,7 +262,6 @@ void Data_Global::RestoreFPGA() {
     restoreConfigured(*this);
   }
   if (isOnline(*this)) readHardwareStatus(*this);
-  PARLEND_TRACE(kInfo) << "============================== Finish Restore FPGA ==============================";
 }
 
 }  // namespace ORVE_MCUC

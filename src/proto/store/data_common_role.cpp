@@ -1,4 +1,5 @@
 // Master and backup roles of the output ports.
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -34,7 +35,9 @@ void saveRoles(uint32_t firstRegister, std::size_t count, uint8_t role) {
 }  // namespace
 
 void Data_Global::SendMasterOrBackup(uint8_t backup) {
-  PARLEND_TRACE(kInfo) << "============================ Begin set master/slave =============================";
+  const LogSection section(
+      {"============================ Begin set master/slave =============================",
+       "============================ Finish set master/slave ============================"});
   const uint8_t role = roleOf(backup);
   PARLEND_TRACE(kInfo) << "Master or Slave = " << role;
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
@@ -47,7 +50,6 @@ void Data_Global::SendMasterOrBackup(uint8_t backup) {
   saveRoles(fpga::kMasterSlavePorts1To4, 4, role);
   saveRoles(fpga::kMasterSlavePorts5To8, 4, role);
   saveRoles(fpga::kMasterSlavePorts9To16, 8, role);
-  PARLEND_TRACE(kInfo) << "============================ Finish set master/slave ============================";
 }
 
 }  // namespace ORVE_MCUC

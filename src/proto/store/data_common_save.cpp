@@ -16,15 +16,14 @@ constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
 constexpr char kCaller[] = "SaveParaToFlash";
 
+// The lines of one save: that it begins, and how its failure is logged.
 struct SaveWords {
   const char* begin;
-  const char* failed;
+  FailureWords failed;
 };
-
 void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> bytes) {
   PARLEND_TRACE(kInfo) << words.begin;
-  const int ret = writeFlash(address, bytes);
-  if (ret != 0) PARLEND_TRACE(kError) << words.failed << ret;
+  writeFlash(address, bytes, words.failed);
 }
 
 // What could not be loaded is left alone in flash.
@@ -82,14 +81,15 @@ bool formatTagDiffers() {
 void saveBasicHardware(Data_Preset& preset) {
   if (preset.loadFailed) Data_Global::getInstance()->ReadHardwareInfo();
   if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
-  save({"Save basic hardware para to flash :", "=== Save  basic hardware para to flash failed! ret = "},
+  save({"Save basic hardware para to flash :",
+        {nullptr, "=== Save  basic hardware para to flash failed! ret = "}},
        flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(kBasicHardwareSize));
 }
 
 // One write, or one for each table that was loaded.
 void savePortTables(const RegisterImages& images) {
   constexpr SaveWords kWords{"Save position para to flash :",
-                             "=== Save position para to flash failed! ret = "};
+                             {nullptr, "=== Save position para to flash failed! ret = "}};
   const unsigned failed = images.loadFailures.portTables;
   if (failed == 0) return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
@@ -107,20 +107,21 @@ void saveParameters(RegisterImages& images) {
   loadWhatIsMissing(images);
   const LoadFailures& failures = images.loadFailures;
   if (mayBeSaved(failures.feature, "the feature image")) {
-    saveImage<512>(images, images.SendParameterReg, flash::kFeature,
-                   {"Save feature para to flash :", "=== Save feature para to flash failed! ret = "});
+    saveImage<512>(
+        images, images.SendParameterReg, flash::kFeature,
+        {"Save feature para to flash :", {nullptr, "=== Save feature para to flash failed! ret = "}});
   }
   if (mayBeSaved(failures.global, "the parameter table")) {
     saveImage<kGlobalParaSize>(
         images, ParaTable, flash::kGlobalPara,
-        {"Save Global para to flash :", "=== Save Global para to flash failed! ret = "});
+        {"Save Global para to flash :", {nullptr, "=== Save Global para to flash failed! ret = "}});
   }
   if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, kCaller);
   savePortTables(images);
   if (mayBeSaved(failures.number, "the number table")) {
     saveImage<VsPartPara.size()>(
         images, VsPartPara, flash::kNumberTable,
-        {"Save number para to flash :", "=== Save number para to flash failed! ret = "});
+        {"Save number para to flash :", {nullptr, "=== Save number para to flash failed! ret = "}});
   }
   DriverUtil::getInstance()->runCommand("sync");
 }

@@ -30,7 +30,7 @@ struct Access {
 int logged(int result, const FailureWords& words, const Access& access) {
   if (result == 0 || !tracePasses(kError)) return result;
   TraceLine line(kError, sourceName(__FILE__), __LINE__);
-  line.record() << "=== " << words.caller << " ===";
+  if (words.caller != nullptr) line.record() << "=== " << words.caller << " ===";
   if (words.text == nullptr) {
     line.record() << access.length << " bytes were not " << access.direction << " " << access.what << " "
                   << CTrace::hex << access.address << ". ret = " << result;

@@ -26,8 +26,9 @@ int writeFlash(uint32_t address, std::span<const uint8_t> bytes);
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes);
 int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes);
 
-// How a failure is logged, on one Error line: "===", the caller and "===", then the text. The result follows
-// a text that ends in "= ". Without a text the line names address, length and result.
+// How a failure is logged, on one Error line: "===", the caller and "===", then the text; without a caller
+// the text alone. The result follows a text that ends in "= ". Without a text the line names address, length
+// and result.
 struct FailureWords {
   constexpr FailureWords(const char* caller_, const char* text_ = nullptr) : caller(caller_), text(text_) {}
   const char* caller;

@@ -13,7 +13,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -55,7 +54,7 @@ TEST(BrightnessNodesTest, ATimeBelongsToTheNodeThatCameLast) {
 }
 
 TEST(BrightnessNodesTest, TheWeekdayOfADateIsRightInEveryCentury) {
-  for (int64_t day = 0; day < 400 * 366; ++day) {
+  for (int64_t day = 0; day < int64_t{400} * 366; ++day) {
     const LocalMoment moment = momentOf(day * kDay);
     ASSERT_EQ(daysOf(moment), day);
     ASSERT_EQ(weekdayOfDate(moment), (moment.weekday + 5) % 7 + 1) << day;
@@ -77,7 +76,7 @@ class LongWall : public VirtualWall {
  private:
   bool quiet() {
     const BrightnessSchedule state = control().state();
-    const int64_t due = (fromBcd(state.TimeIntHour) * 60 + fromBcd(state.TimeIntMin)) * 60;
+    const int64_t due = (int64_t{fromBcd(state.TimeIntHour)} * 60 + fromBcd(state.TimeIntMin)) * 60;
     const int64_t away = (due - localSeconds() % kDay + kDay) % kDay;
     return away > 700 && away < kDay - 300;
   }
@@ -203,7 +202,7 @@ TEST(BrightnessClockTest, AClockThatIsSetLeavesNothingStuck) {
     wall.runUntil(at(2024, 6, 1, 12, 1));
     for (int i = 0; i < 300; ++i) {
       int64_t step = static_cast<int64_t>(random() % (4 * kDay)) - 2 * kDay;
-      if (i % 50 == 0) step = (i % 100 == 0 ? -1 : 1) * 5000 * kDay;  // another decade
+      if (i % 50 == 0) step = int64_t{i % 100 == 0 ? -5000 : 5000} * kDay;  // another decade
       if (step < 0 && step > -7300) continue;
       wall.setClock(wall.localSeconds() + step);
       wall.runUntil(wall.localSeconds() + 130);

@@ -11,9 +11,9 @@ namespace ORVE_MCUC {
 
 using PortValues = std::array<RelaxedValue<uint16_t>, 10>;  // of ports 0..9
 
-// Owner: the store; ParaTable changes under the image lock, the MyTemp tables under the configuration lock,
-// and the rest, single values, under none. Writers: receive thread (TempAdv), work thread, flag and status
-// thread.
+// Owner: the store. ParaTable and the MyTemp tables change under the configuration lock, on the work thread
+// and the flag and status thread; ParaTable is loaded and saved under the image lock as well. The other
+// values are single ones, under no lock; the receive thread writes the TempAdv ones, too.
 struct WorkingTables {
   ByteImage<1024> ParaTable;          // the first kGlobalParaSize bytes are saved in flash
   ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port

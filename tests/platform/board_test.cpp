@@ -123,6 +123,14 @@ TEST_F(BoardTest, ContentsOutliveTheDaemonAndThePowerCycleClearsTheBusOnly) {
   EXPECT_THAT(flash(0xA3B100, 1), ElementsAre(value));
 }
 
+TEST_F(BoardTest, ABoardThatIsStartedAgainMapsItsFilesOnce) {
+  for (int starts = 0; starts < 3; ++starts) start();
+  std::ifstream maps("/proc/self/maps");
+  int mapped = 0;
+  for (std::string line; std::getline(maps, line);) mapped += line.find("/hw/") != line.npos;
+  EXPECT_EQ(mapped, 2) << "control page and bus";
+}
+
 TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
   start();
   const unsigned char before = 0x11;

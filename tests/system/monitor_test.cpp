@@ -75,7 +75,7 @@ TEST_F(RunningMonitorTest, AnLsdThatComesBackIsToldEveryStatusAgain) {
   loadFpga();
   EXPECT_TRUE(next(0x14000000, {2}));
   expectFirstTick();
-  // A peer that is gone for less than a tick is not missed.
+  // Whoever leaves and returns is told everything once more.
   ASSERT_TRUE(eventually([&] {
     lsd.reset();
     std::this_thread::sleep_for(peer::milliseconds(400));

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "../allocations.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "stub/fpgareportthread.h"
@@ -52,6 +53,23 @@ TEST_F(ReportThreadTest, TheParameterBytesThenTheEnableByteWhateverFails) {
   report.FPGAReport_init();
   EXPECT_EQ(daemon.board.fpga(0x100070, 1), Bytes{0});
   EXPECT_THAT(daemon.trace("reprot"), ElementsAre("Error === Write reprot para Reg failed! ret = -1"));
+}
+
+TEST_F(ReportThreadTest, ARegisterThatRunsOutOfMemoryIsGivenUpAndTheNextIsProgrammed) {
+  const Bytes other{9, 9, 9, 9, 9};
+  setTraceLevel(0);
+  bool more = true;
+  for (std::size_t n = 1; more; ++n) {
+    daemon.board.setFpga(0x100070, other);
+    more = failAllocation(n, [this] { report.FPGAReport_init(); });
+    const Bytes now = daemon.board.fpga(0x100070, 5);
+    const auto lost = static_cast<std::size_t>((now[0] == 9) + (now[1] == 9));
+    EXPECT_LE(lost, more ? 1U : 0U) << n;
+    EXPECT_GE(daemon.trace("FPGAReport_init ===out of memory").size(), lost) << n;
+    if (!more) {
+      EXPECT_GT(n, 2U) << "nothing was tried";
+    }
+  }
 }
 
 TEST_F(ReportThreadTest, ATestWritesEachBlockWithBothPatternsAndReadsItBack) {

@@ -5,6 +5,7 @@
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/porttables.h"
 #include "store_fixture.h"
 
@@ -83,7 +84,22 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
-  for (const LoadFailure& failure : store().loadFailures.portTables) EXPECT_FALSE(failure);
+  EXPECT_THAT(store().loadFailures.portTables, testing::Each(false));
+}
+
+TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.restart();
+  board.clearFaults();
+  const LoadFailures& failures = store().loadFailures;
+  EXPECT_TRUE(failures.feature && failures.global && failures.number && failures.screen);
+  EXPECT_THAT(failures.portTables, testing::Each(true));
+  loadWhatIsMissing(store());
+  EXPECT_FALSE(failures.feature || failures.global || failures.number || failures.screen);
+  EXPECT_THAT(failures.portTables, testing::Each(false));
+  for (const uint8_t loaded : {store().SendParameterReg[0x21], ParaTable[0], VsPartPara[0],
+                               store().ScreenParaReg[0], PortsTopoPara[0]})
+    EXPECT_EQ(loaded, kPattern);
 }
 
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {
@@ -299,6 +315,45 @@ TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGi
   Bytes tooMuch(0x10000);
   EXPECT_EQ(readCard(card, 0x24, tooMuch), -1);
   EXPECT_EQ(writeCard(card, 0x24, tooMuch), -1);
+}
+
+// With the fiber module's link the first port is asked, otherwise the first that is linked.
+TEST(CardSizeTest, IsThatOfTheFirstCardThatCanBeAsked) {
+  TestDaemon daemon("fpga_autoload = no\ncopper_ports = 2\n");
+  Data_Global& store = *Data_Global::getInstance();
+  constexpr CardSize kBefore{1, 1};
+  constexpr CardSize kDefault{};
+  const struct {
+    const char* name;
+    uint16_t links;
+    uint8_t module;
+    TestBoard::Bytes answer;  // none: the card is silent
+    int result;
+    CardSize size;
+  } cases[] = {
+      {"a card", 4, 0, {0x61, 1, 0x51, 2}, 0, {0x161, 0x251}},
+      {"no height", 4, 0, {97, 0, 0, 0}, -1, kBefore},
+      {"no width", 4, 0, {0, 0, 81, 0}, -1, kBefore},
+      {"silence", 4, 0, {}, -1, kDefault},
+      {"a module without a link", 4, 0xA0, {97, 0, 81, 0}, 0, {97, 81}},
+      {"a link without a module", 4, 0x01, {97, 0, 81, 0}, 0, {97, 81}},
+      {"a module with a link", 4, 0xA1, {97, 0, 81, 0}, -1, kDefault},
+      {"no link at all", 0, 0, {97, 0, 81, 0}, -1, kDefault},
+  };
+  for (const auto& [name, links, module, answer, result, size] : cases) {
+    store.netLinksSeen = store.fiberLinksSeen = true;
+    store.GigaPhyLinkSta = links;
+    store.ReceiveCardSize = kBefore;
+    daemon.board.setFpga(fpga::kFiberLink, {module});
+    if (answer.empty()) daemon.board.failNext(TestBoard::Fault::CardRead, TestBoard::kEveryCall);
+    daemon.board.setCard(1, 2, 0, card::kSize, answer);
+    EXPECT_EQ(store.GetRecvCardSize_EnvNew(), result) << name;
+    const CardSize measured = store.ReceiveCardSize;
+    EXPECT_EQ(measured.width, size.width) << name;
+    EXPECT_EQ(measured.height, size.height) << name;
+    EXPECT_EQ(store.OptModuleLinkSta, module) << name;
+    daemon.board.clearFaults();
+  }
 }
 
 TEST(UnseenLinksTest, LinksThatNoTickHasSeenAreReadWhenASizeIsNeeded) {

@@ -17,6 +17,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using Bytes = peer::Bytes;
 
@@ -34,8 +35,11 @@ class ReportThreadTest : public testing::Test {
   template <class Condition>
   static bool becomes(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + 10s;
-    while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
-    return condition();
+    while (std::chrono::steady_clock::now() < end) {
+      if (condition()) return true;
+      std::this_thread::sleep_for(1ms);
+    }
+    return false;
   }
 
   TestDaemon daemon;
@@ -136,7 +140,9 @@ TEST_F(ReportThreadTest, TheThreadTestsWhileItIsAskedToAndSleepsOtherwise) {
     std::this_thread::sleep_for(5ms);
     return tests() == now;
   }));
-  EXPECT_THAT(daemon.trace("Read_Write FPGA test : 100"), SizeIs(1));
+  const auto counts = daemon.trace("Read_Write FPGA test : ");
+  ASSERT_THAT(counts, Not(IsEmpty()));
+  EXPECT_EQ(counts.front(), "Info Read_Write FPGA test : 100");
   report.Release();
   body.join();
   EXPECT_THAT(daemon.trace("exit."), ElementsAre("Info FpgaThread  exit.", "Info ActiveReport thread exit."));

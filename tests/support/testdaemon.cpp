@@ -169,7 +169,7 @@ std::optional<peer::Message> TestDaemon::exchange(const Bytes& frame, peer::Head
   messagedesk::arrive(message);
   StubUtil::getInstance()->channel().takeMessage();
   sortSent();
-  const auto reply = std::exchange(reply_, {});
+  auto reply = std::exchange(reply_, {});
   if (reply && reply->head.labelCount != number_) throw std::logic_error("a reply to another request");
   return reply;
 }

@@ -302,13 +302,14 @@ TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGi
        },
        "2 bytes were not written to card register 0x00000024. ret = -1"},
   };
-  for (const auto& [kind, call, line] : accesses) {
-    EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(nullptr), 0); }), IsEmpty()) << line;
-    for (const auto& [text, whole] : {std::pair<const char*, std::string>{nullptr, line},
-                                      {"it failed.", "it failed."},
-                                      {"ret = ", "ret = -1"}}) {
-      board.fault(kind, {TestBoard::kEveryCall});
-      EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(text), -1); }), Contains("Error === Caller ===" + whole));
+  for (const auto& access : accesses) {
+    EXPECT_THAT(errorsOf([&] { EXPECT_EQ(access.call(nullptr), 0); }), IsEmpty()) << access.line;
+    for (const auto& words : {std::pair<const char*, std::string>{nullptr, access.line},
+                              {"it failed.", "it failed."},
+                              {"ret = ", "ret = -1"}}) {
+      board.fault(access.kind, {TestBoard::kEveryCall});
+      EXPECT_THAT(errorsOf([&] { EXPECT_EQ(access.call(words.first), -1); }),
+                  Contains("Error === Caller ===" + words.second));
       board.clearFaults();
     }
   }

@@ -4,6 +4,7 @@
 #include "mcuctrace.h"
 #include "process/featureeffects.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -21,9 +22,15 @@ void clearDirections() {
   writeWord(fpga::kScreenDirectionY, 0);
 }
 
-void putSigned(ByteImage<512>& image, uint32_t first, uint32_t value) {
-  image.putLe16(first, static_cast<uint16_t>(value));
-  image.putLe16(first + 2, static_cast<uint16_t>(value >> 16));
+void putSigned(FeatureDraft& draft, uint32_t first, uint32_t value) {
+  draft.putLe16(first, static_cast<uint16_t>(value));
+  draft.putLe16(first + 2, static_cast<uint16_t>(value >> 16));
+}
+
+void decideMode(FeatureWrite& write, OffsetMode mode) {
+  FeatureDraft draft;
+  draft.put(fpga::kOffsetMode, mode);
+  write.decide(draft);
 }
 
 // Byte 0 of the screen information: what the offset goes with.
@@ -76,12 +83,11 @@ void logReceived(const Axis& axis, int32_t offset) {
 // An offset to the left or up enlarges the output.
 void enlargeOutput(FeatureWrite& write, const Axis& axis, uint16_t magnitude) {
   Data_Global& store = write.store;
-  uint16_t screen = 0;
-  changeFeature(store, [&](ByteImage<512>& image) {
-    screen = image.le16(axis.screen);
-    image.putLe16(axis.offset, magnitude);
-    image.putLe16(axis.output, withOffset(screen, magnitude));
-  });
+  const uint16_t screen = le16(write.image(), axis.screen);
+  FeatureDraft draft;
+  draft.putLe16(axis.offset, magnitude);
+  draft.putLe16(axis.output, withOffset(screen, magnitude));
+  write.decide(draft);
   store.DebugForScreenZero(axis.debugPoint, write.address(), axis.changed);
   PARLEND_TRACE(kInfo) << axis.magnitude << magnitude << axis.outputName << withOffset(screen, magnitude)
                        << axis.screenName << screen;
@@ -96,29 +102,25 @@ void applySigned(FeatureWrite& write, const Axis& axis, int32_t offset) {
   writeWord(axis.direction, directionOf(offset));
 }
 
-// The output without its offset.
-void shrinkOutput(FeatureWrite& write) {
-  uint16_t width = 0;
-  uint16_t height = 0;
-  uint16_t x = 0;
-  uint16_t y = 0;
-  changeFeature(write.store, [&](ByteImage<512>& image) {
-    width = image.le16(fpga::kOutputWidth);
-    height = image.le16(fpga::kOutputHeight);
-    x = image.le16(fpga::kScreenOffsetX);
-    y = image.le16(fpga::kScreenOffsetY);
-    image.putLe16(fpga::kOutputWidth, withoutOffset(width, x));
-    image.putLe16(fpga::kOutputHeight, withoutOffset(height, y));
-  });
+// The output of an image without its offset.
+void shrinkOutput(FeatureWrite& write, std::span<const uint8_t, 512> image) {
+  const uint16_t width = le16(image, fpga::kOutputWidth);
+  const uint16_t height = le16(image, fpga::kOutputHeight);
+  const uint16_t x = le16(image, fpga::kScreenOffsetX);
+  const uint16_t y = le16(image, fpga::kScreenOffsetY);
+  FeatureDraft draft;
+  putOutputSize(draft, withoutOffset(width, x), withoutOffset(height, y));
+  write.decide(draft);
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:" << width
                        << " heigh:" << height << " tmp_x:" << x << " tmp_y:" << y;
 }
 
-void forgetOffsets(Data_Global& store) {
+void forgetOffsets(FeatureWrite& write) {
+  Data_Global& store = write.store;
   FeatureDraft draft;
-  for (uint32_t i = 0; i < 4; ++i) draft.put(fpga::kScreenOffsetX + i, 0);
-  for (uint32_t i = 0; i < 8; ++i) draft.put(fpga::kSignedOffsetX + i, 0);
-  putFeature(store, draft);
+  draft.put(fpga::kScreenOffsetX, std::array<uint8_t, 4>{});
+  draft.put(fpga::kSignedOffsetX, std::array<uint8_t, 8>{});
+  write.decide(draft);
   markOffset(store);
   store.ScreenParaReg.put<2, 4>(std::array<uint8_t, 4>{});
 }
@@ -135,21 +137,22 @@ constexpr ModeChange kToNormal{
     kNoOffset, "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass Para Anly SendParameterReg", 4,
     "Bypass mode change to mode Normal!!"};
 
-void writeOffsetOf(const Data_Global& store, const ModeChange& change) {
-  std::array<uint8_t, 4> offset{};
-  if (change.mode != kNoOffset) static_cast<void>(snapshot(store, store.SendParameterReg, kX.offset, offset));
-  writeFpga(kX.offset, offset, kCaller);
+void writeOffsetOf(std::span<const uint8_t, 512> image, const ModeChange& change) {
+  constexpr std::array<uint8_t, 4> kNone{};
+  const bool keeps = change.mode != kNoOffset;
+  writeFpga(kX.offset, keeps ? image.subspan<kX.offset, 4>() : std::span<const uint8_t, 4>(kNone), kCaller);
 }
 
+// What it starts from is taken once: a peer may read the FPGA's new offset back into the image.
 void change(FeatureWrite& write, const ModeChange& change) {
-  Data_Global& store = write.store;
   PARLEND_TRACE(kInfo) << change.begins;
-  store.SendParameterReg[fpga::kOffsetMode] = change.mode;
+  const auto image = write.image();
+  decideMode(write, change.mode);
   clearDirections();
-  writeOffsetOf(store, change);
-  shrinkOutput(write);
-  store.DebugForScreenZero(change.debugPoint, write.address(), change.changed);
-  forgetOffsets(store);
+  writeOffsetOf(image, change);
+  shrinkOutput(write, image);
+  write.store.DebugForScreenZero(change.debugPoint, write.address(), change.changed);
+  forgetOffsets(write);
   write.sizeFollows = true;
 }
 
@@ -167,18 +170,19 @@ void logOffsetMode(FeatureWrite& write) {
 void takeOffsetOfTool(FeatureWrite& write) {
   if (!isBypass(write)) return;
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ TOLM Para Anly SendParameterReg";
-  write.store.SendParameterReg[fpga::kOffsetMode] = kByTool;
+  decideMode(write, kByTool);
   clearDirections();
-  changeFeature(write.store, [](ByteImage<512>& image) {
-    putSigned(image, fpga::kSignedOffsetX, negated(image.le16(kX.offset)));
-    putSigned(image, fpga::kSignedOffsetY, negated(image.le16(kY.offset)));
-  });
+  const auto image = write.image();
+  FeatureDraft draft;
+  putSigned(draft, fpga::kSignedOffsetX, negated(le16(image, kX.offset)));
+  putSigned(draft, fpga::kSignedOffsetY, negated(le16(image, kY.offset)));
+  write.decide(draft);
 }
 
 void takeOffsetOfLsd(FeatureWrite& write) {
   if (!isBypass(write)) return;
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para Anly SendParameterReg";
-  write.store.SendParameterReg[fpga::kOffsetMode] = kByLsd;
+  decideMode(write, kByLsd);
   const auto x = static_cast<int32_t>(le32(write.data, 0));
   const auto y = static_cast<int32_t>(le32(write.data, 4));
   logReceived(kX, x);

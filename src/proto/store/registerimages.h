@@ -43,6 +43,11 @@ class FeatureDraft {
     put(at, static_cast<uint8_t>(value));
     put(at + 1, static_cast<uint8_t>(value >> 8));
   }
+  void put(std::size_t at, std::span<const uint8_t> values) {
+    for (const uint8_t value : values) put(at++, value);
+  }
+  // What another draft holds, over what was put before.
+  void put(const FeatureDraft& later);
   // Only what was put; the rest stays.
   void applyTo(std::span<uint8_t, 512> image) const;
   void applyTo(ByteImage<512>& image) const;

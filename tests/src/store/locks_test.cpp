@@ -2,6 +2,7 @@
 #include "calc/screenrecord.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
+#include "process/featurewrite.h"
 #include "process/tprocess.h"
 #include "proto/store/porttables.h"
 #include "proto/store/smarttable.h"
@@ -125,6 +126,102 @@ TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
   }
   simboard::onOutage([](simboard::Outage) {});
   EXPECT_GT(writes, 40);
+}
+
+class ReadsInBetween : public LocksTest {
+ protected:
+  struct Outcome {
+    Bytes fpga, feature, size;
+    bool operator==(const Outcome&) const = default;
+  };
+  Outcome outcome() const {
+    return {board.fpga(0, 512), board.flash(flash::kFeature, 512), board.flash(flash::kScreenSize, 8)};
+  }
+  // A screen with an offset, and image and FPGA of one mind; with an output size, or none yet.
+  void prepare(bool withOutput) const {
+    Bytes registers(fpga::kMirrorEnd);
+    putLe16(registers, fpga::kScreenWidth, 1920);
+    putLe16(registers, fpga::kScreenHeight, 1080);
+    putLe16(registers, fpga::kScreenOffsetX, 16);
+    putLe16(registers, fpga::kScreenOffsetY, 8);
+    putLe16(registers, fpga::kMappedWidth, 1920);
+    if (withOutput) putLe16(registers, fpga::kOutputWidth, 1936);
+    if (withOutput) putLe16(registers, fpga::kOutputHeight, 1088);
+    registers[fpga::kBackupMark] = 0xA5;
+    board.setFpga(0, registers);
+    readAll();
+    putBytes(store(), store().SendParameterReg, fpga::kMirrorEnd, Bytes{0, 0, 0, 0, 0, 0, 0, 0, 1});
+  }
+  // As a peer does who wants to know everything.
+  static void readAll() {
+    std::array<uint8_t, fpga::kMirrorEnd> room{};
+    EXPECT_EQ(readThrough(store(), store().SendParameterReg, 0, 0, room), 0);
+  }
+  std::size_t calls(const std::string& kind, const Operation& each) const {
+    std::streamoff seen = 0;
+    static_cast<void>(board.journal(seen));
+    each.run();
+    const auto lines = board.journal(seen);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(lines, [&](const std::string& line) { return line.starts_with(kind); }));
+  }
+  static std::function<void()> write(uint32_t at, const Bytes& data) {
+    return [=] { DoWriteFeatureInfo(reg::ofFeature(at), data); };
+  }
+};
+
+// Each flash write and each bus write in turn is held in its middle, where it fails once.
+TEST_F(ReadsInBetween, WhatIsDecidedReachesFlashAndFpgaWhateverPeersReadMeanwhile) {
+  constexpr TestBoard::Time kBusPause{100};
+  storeRecord(wall(3));
+  const std::vector<Operation> operations{
+      {"bypass opened", write(fpga::kOffsetMode, {0xA5})},
+      {"bypass closed", write(fpga::kOffsetMode, {0})},
+      {"offset of LSD", write(fpga::kSignedOffsetX, {0xF0, 0xFF, 0xFF, 0xFF, 0xF8, 0xFF, 0xFF, 0xFF})},
+      {"offset of a tool", write(fpga::kScreenOffsetX, {4, 0, 5, 0})},
+      {"screen width", write(fpga::kScreenWidth, {0, 5, 0xD0, 2})},
+      {"screen height", write(fpga::kScreenHeight, {0xD0, 2})},
+      {"mapped width", write(fpga::kMappedWidth, {0, 5})},
+      {"time-out", write(fpga::kSerialTimeout, {33})},
+      {"role", write(fpga::kBackupMark, {0x5A})},
+      {"submission",
+       [] {
+         std::array<uint8_t, shortcut::kUsedSize> record{};
+         shortcut::putSmartScreen(record, wall(3));
+         Tprocess::Sprocess_CalculateParaOfSender(record.size(), reinterpret_cast<char*>(record.data()));
+       }},
+      {"mapping", [] { Tprocess::CalculateParaOfSenderHandler(); }},
+      {"advanced submission",
+       [] {
+         char one = 1;
+         Tprocess::Sprocess_AdvCalcParaOfSender(1, &one);
+       }},
+  };
+  board.takeTime(kBusPause);
+  for (const bool withOutput : {true, false}) {
+    for (const Operation& each : operations) {
+      each.run();  // what is done for new values only is done
+      for (const auto& [kind, words] :
+           {std::pair{Fault::FlashWrite, "flash-write"}, {Fault::FpgaWrite, "fpga-write"}}) {
+        prepare(withOutput);
+        const std::size_t count = calls(words, each);
+        const Outcome undisturbed = outcome();
+        for (uint32_t n = 1; n <= count; ++n) {
+          SCOPED_TRACE(each.name + (", " + std::string(words)) + " " + std::to_string(n));
+          prepare(withOutput);
+          board.failCall(kind, n);
+          std::thread working(each.run);
+          ASSERT_TRUE(board.awaitHeld(1));
+          const bool readable = store().imageLock.TryLock() == 0;
+          if (readable) store().imageLock.UnLock();
+          if (readable) readAll();
+          board.advance(kBusPause);
+          working.join();
+          EXPECT_EQ(outcome(), undisturbed);
+        }
+      }
+    }
+  }
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {

@@ -57,6 +57,10 @@ int writeFlash(uint32_t address, std::span<const uint8_t> bytes) {
   return driver().WriteDataToFlash(address, lengthOf(bytes), bytes.data());
 }
 
+CMutexGuardT<CMutexThreadRecursive> holdReads() {
+  return driver().holdReads();
+}
+
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes) {
   if (bytes.size() > kLongestCardAccess) return kFailed;
   return driver().ReadCardPara(address, card.port, card.board, static_cast<uint16_t>(bytes.size()),

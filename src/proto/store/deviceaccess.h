@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "mcucmutex.h"
+
 namespace ORVE_MCUC {
 
 // One card, or all of them: port 0xFF, board 0xFFFF.
@@ -25,6 +27,10 @@ int writeFlash(uint32_t address, std::span<const uint8_t> bytes);
 // Registers of a card; more than 65535 bytes are a failure. A read of all boards is zeros.
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes);
 int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes);
+
+// Taken before a lock under which something is read: a read of a card that another thread has begun is waited
+// for here, with that lock still free.
+[[nodiscard]] CMutexGuardT<CMutexThreadRecursive> holdReads();
 
 // How a failure is logged, on one Error line: "===", the caller and "===", then the text; without a caller
 // the text alone. The result follows a text that ends in "= ". Without a text the line names address, length

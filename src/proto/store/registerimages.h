@@ -94,6 +94,7 @@ int writeImage(const RegisterImages& images, const ByteImage<N>& image, std::siz
 template <std::size_t N>
 int readThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
                 std::span<uint8_t> bytes) {
+  const auto reads = holdReads();
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (const int ret = readFpga(fpgaRegister, bytes)) return ret;
   return image.copyFrom(bytes, at) ? 0 : -1;

@@ -18,6 +18,11 @@ struct Operation {
 
 class LocksTest : public StoreFixture {
  protected:
+  static bool imageIsFree() {
+    const bool isFree = store().imageLock.TryLock() == 0;
+    if (isFree) store().imageLock.UnLock();
+    return isFree;
+  }
   static SmartScreen wall(uint16_t columns) { return {1, columns, 1, 0, {}}; }
   void storeRecord(const SmartScreen& screen) const {
     Bytes record(shortcut::kUsedSize);
@@ -108,6 +113,34 @@ TEST_F(LocksTest, WhileABusAccessForAnImageIsUnderWayNobodyElseTouchesOne) {
   }
 }
 
+TEST_F(LocksTest, WhoWaitsForAReadOfAnotherThreadKeepsNobodyFromTheImage) {
+  constexpr TestBoard::Time kBusPause{100};
+  daemon.connect();
+  const std::vector<Operation> readers{
+      {"readThrough",
+       [] {
+         std::array<uint8_t, 1> room{};
+         EXPECT_EQ(readThrough(store(), store().SendParameterReg, 0x18, 0x18, room), 0);
+       }},
+      {"push", [] { store().SendMStoLSD1_4(); }},
+      {"request", [this] { EXPECT_EQ(daemon.read(reg::kFeature, 512).data.size(), 512U); }},
+  };
+  board.takeTime(kBusPause);
+  for (const Operation& each : readers) {
+    board.failNext(Fault::FpgaRead, 1);
+    std::thread reading([] {
+      std::array<uint8_t, 1> room{};
+      EXPECT_EQ(readFpga(0x18, room), 0);
+    });
+    ASSERT_TRUE(board.awaitHeld(1));
+    EXPECT_TRUE(comesToWait(each.run, [&] {
+      EXPECT_TRUE(imageIsFree()) << each.name;
+      board.advance(kBusPause);
+    })) << each.name;
+    reading.join();
+  }
+}
+
 TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
   int writes = 0;
   for (const Operation& each : configurations()) {
@@ -117,8 +150,7 @@ TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
       // At each flash write in turn somebody looks, on the thread that writes.
       simboard::onOutage([&](simboard::Outage) {
         ++writes;
-        EXPECT_EQ(store().imageLock.TryLock(), 0) << each.name << ", write " << n;
-        store().imageLock.UnLock();
+        EXPECT_TRUE(imageIsFree()) << each.name << ", write " << n;
       });
       board.cutPower({n++});
       each.run();
@@ -212,9 +244,7 @@ TEST_F(ReadsInBetween, WhatIsDecidedReachesFlashAndFpgaWhateverPeersReadMeanwhil
           board.failCall(kind, n);
           std::thread working(each.run);
           ASSERT_TRUE(board.awaitHeld(1));
-          const bool readable = store().imageLock.TryLock() == 0;
-          if (readable) store().imageLock.UnLock();
-          if (readable) readAll();
+          if (imageIsFree()) readAll();
           board.advance(kBusPause);
           working.join();
           EXPECT_EQ(outcome(), undisturbed);

@@ -2,6 +2,7 @@
 #include "calc/screenrecord.h"
 #include "daemontest.h"
 #include "mcuctrace.h"
+#include "proto/store/paratables.h"
 
 namespace {
 
@@ -50,6 +51,8 @@ TEST_F(WholeDaemon, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
   EXPECT_EQ(fpgaWall(), table);
   EXPECT_EQ(daemon.read(kRecord, 1).data, Bytes{shortcut::kSmart});
   EXPECT_EQ(daemon.board.fpga(0x1EC, 4), output);
+  EXPECT_THAT(TempAdvCfgPortRow, testing::Each(1));
+  EXPECT_THAT(TempAdvCfgPortCol, testing::Each(1));
 }
 
 TEST_F(WholeDaemon, WhoIsConnectedIsToldAndNobodyElse) {

@@ -58,8 +58,8 @@ void forgetEverything() {
   for (auto* table : {&ParaCharTable, &MyTempParaCharTable}) table->fill(0);
   PortsTopoPara.fill(0);
   VsPartPara.fill(0);
-  for (auto* values : {&TempAdvCfgPortRow, &TempAdvCfgPortCol, &TempAdvCfgPortX, &TempAdvCfgPortY})
-    for (auto& value : *values) value = 0;
+  for (auto* values : {&TempAdvCfgPortRow, &TempAdvCfgPortCol}) values->fill(1);
+  for (auto* values : {&TempAdvCfgPortX, &TempAdvCfgPortY}) values->fill(0);
   for (auto& value : TempAdvPortCM) value = 0;
   for (auto& value : RecvCardSize_befor) value = 0U;
   factory_flag = 0;

@@ -138,7 +138,9 @@ void saveScreenPara() {
                           << " ===the screen parameters could not be loaded and are not saved.";
     return;
   }
-  writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(), kCaller);
+  std::array<uint8_t, kScreenParaSaved> bytes{};
+  static_cast<void>(snapshot(store(), store().ScreenParaReg, 0, bytes));
+  writeFlash(flash::kScreenPara, bytes, kCaller);
 }
 
 }  // namespace

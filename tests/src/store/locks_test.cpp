@@ -41,6 +41,11 @@ class LocksTest : public StoreFixture {
         {"advanced mapping", [] { store().AdvCalcParaOfSenderInMosaicMode(AdvancedScreen{}); }},
         {"calculation", [] { Tprocess::CalculateParaOfSenderHandler(); }},
         {"save handler", [] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); }},
+        {"software table",
+         [] {
+           std::array<char, 7> oneByte{0, 0, 6, 5, 1, 0, 9};
+           Tprocess::Sprocess_DoSoftwareTable(oneByte.size(), oneByte.data());
+         }},
         {"submission",
          [] {
            std::array<char, 32> record{};
@@ -252,6 +257,71 @@ TEST_F(ReadsInBetween, WhatIsDecidedReachesFlashAndFpgaWhateverPeersReadMeanwhil
       }
     }
   }
+}
+
+TEST_F(LocksTest, WhatIsReadOfAnImageIsOfOneMoment) {
+  daemon.connect();
+  store().SendParameterReg[fpga::kOffsetMode] = 1;
+  // With the image held by this thread everything changes, a field at a time, before the reader gets on.
+  Bytes quality;
+  EXPECT_TRUE(waitsFor(
+      store().imageLock, [&] { quality = daemon.read(reg::kPictureQuality, 6).data; },
+      [] {
+        for (const auto field : {para::PbufContrast, para::PbufSaturation, para::PbufHue})
+          ParaTable.putLe16(field, 7);
+      }));
+  EXPECT_EQ(quality, (Bytes{7, 0, 7, 0, 7, 0}));
+  EXPECT_TRUE(waitsFor(
+      store().imageLock,
+      [&] {
+        daemon.write(reg::ofFeature(fpga::kScreenOffsetX), {4, 0});
+      },
+      [] { store().SendParameterReg.putLe16(fpga::kScreenOffsetY, 9); }));
+  const auto pushes = daemon.pushes();
+  ASSERT_THAT(pushes, testing::SizeIs(1));
+  EXPECT_EQ(pushes[0].data, (Bytes{0xFC, 0xFF, 0xFF, 0xFF, 0xF7, 0xFF, 0xFF, 0xFF}));
+  EXPECT_TRUE(waitsFor(
+      store().imageLock, [] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); },
+      [] { store().ScreenParaReg[1] = 5; }));
+  EXPECT_EQ(board.flash(flash::kScreenPara, 2), (Bytes{0, 5}));
+}
+
+TEST_F(LocksTest, AColourRecordAndItsCalculationKeepASaveWaiting) {
+  constexpr TestBoard::Time kBusPause{100};
+  static std::array<char, 32> record{};
+  const std::vector<Operation> colours{
+      {"HDR10", [] { Tprocess::Sprocess_HDR10(record.size(), record.data()); }},
+      {"HLG", [] { Tprocess::Sprocess_HLG(record.size(), record.data()); }},
+      {"picture quality", [] { Tprocess::Sprocess_PictureQualityCal(record.size(), record.data()); }},
+  };
+  board.takeTime(kBusPause);
+  for (const Operation& each : colours) {
+    board.failNext(Fault::FpgaWrite, 1);
+    std::thread calculating(each.run);
+    ASSERT_TRUE(board.awaitHeld(1));
+    EXPECT_TRUE(comesToWait([] { store().SaveParaToFlash(1); }, [&] { board.advance(kBusPause); }))
+        << each.name;
+    calculating.join();
+  }
+}
+
+// In front of the FPGA the image would lose the new bytes to a read.
+TEST_F(LocksTest, ThePatternsImageIsNeverAheadOfTheFpga) {
+  constexpr TestBoard::Time kBusPause{100};
+  static std::array<char, 7> oneByte{0x0E, 0, 1, 0x12, 1, 0, 9};
+  board.takeTime(kBusPause);
+  board.failNext(Fault::FpgaRead, 1);
+  std::atomic<bool> loaded{false};
+  std::thread loading([&] {
+    Tprocess::Sprocess_ScreenPatternGen(oneByte.size(), oneByte.data());
+    loaded = true;
+  });
+  ASSERT_TRUE(board.awaitHeld(1));
+  EXPECT_EQ(store().HardwareScreenGenReg[0x0E], board.fpga(fpga::kScreenPatternGen + 0x0E, 1)[0]);
+  while (!loaded) board.advance(kBusPause);
+  loading.join();
+  EXPECT_EQ(board.fpga(fpga::kScreenPatternGen + 0x0E, 1), Bytes{9});
+  EXPECT_EQ(store().HardwareScreenGenReg[0x0E], 9);
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {

@@ -33,10 +33,14 @@ void decideMode(FeatureWrite& write, OffsetMode mode) {
   write.decide(draft);
 }
 
-// Byte 0 of the screen information: what the offset goes with.
-void markOffset(Data_Global& store) {
+// An offset into the screen information, whose byte 0 says what it goes with.
+void keepOffset(Data_Global& store, std::size_t at, std::span<const uint8_t> offset) {
   constexpr uint8_t kConfigured = 0x55;
-  store.ScreenParaReg[0] = store.ScreenParaReg[1] == kConfigured ? 1 : 3;
+  std::array<uint8_t, 6> bytes{};
+  static_cast<void>(snapshot(store, store.ScreenParaReg, 0, bytes));
+  bytes[0] = bytes[1] == kConfigured ? 1 : 3;
+  std::ranges::copy(offset, std::span(bytes).subspan(at).begin());
+  static_cast<void>(putBytes(store, store.ScreenParaReg, 0, bytes));
 }
 
 // One axis, with the texts of its log lines.
@@ -91,8 +95,9 @@ void enlargeOutput(FeatureWrite& write, const Axis& axis, uint16_t magnitude) {
   store.DebugForScreenZero(axis.debugPoint, write.address(), axis.changed);
   PARLEND_TRACE(kInfo) << axis.magnitude << magnitude << axis.outputName << withOffset(screen, magnitude)
                        << axis.screenName << screen;
-  markOffset(store);
-  store.ScreenParaReg.putLe16(axis.screenParaAt, magnitude);
+  std::array<uint8_t, 2> offset{};
+  putLe16(offset, 0, magnitude);
+  keepOffset(store, axis.screenParaAt, offset);
 }
 
 void applySigned(FeatureWrite& write, const Axis& axis, int32_t offset) {
@@ -116,13 +121,12 @@ void shrinkOutput(FeatureWrite& write, std::span<const uint8_t, 512> image) {
 }
 
 void forgetOffsets(FeatureWrite& write) {
-  Data_Global& store = write.store;
+  constexpr std::array<uint8_t, 4> kNone{};
   FeatureDraft draft;
-  draft.put(fpga::kScreenOffsetX, std::array<uint8_t, 4>{});
+  draft.put(fpga::kScreenOffsetX, kNone);
   draft.put(fpga::kSignedOffsetX, std::array<uint8_t, 8>{});
   write.decide(draft);
-  markOffset(store);
-  store.ScreenParaReg.put<2, 4>(std::array<uint8_t, 4>{});
+  keepOffset(write.store, kX.screenParaAt, kNone);
 }
 
 struct ModeChange {

@@ -1,33 +1,33 @@
-// What all targets share: seeds are lines of text, so that they can be read and compared. With -seeds=FILE,
-// given before the corpus directory, each becomes a file in it. "#" begins a comment, "x" a line of
-// hexadecimal digits, "t" a text in which "\n" is a line end.
+// What all targets share: with -seeds=FILE, given before the corpus directory, seeds become files in it.
+// Those of the tables are the ones for the target of the file's name; others are lines of text in the file,
+// which may be missing: "#" begins a comment, "x" a line of hexadecimal digits, "t" a text in which "\n" is a
+// line end.
 #include <cstdint>
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 
-namespace {
+#include "tableseeds.h"
 
-std::string fromHex(std::string_view digits) {
-  std::string bytes;
-  for (; digits.size() >= 2; digits.remove_prefix(2))
-    bytes += static_cast<char>(std::stoi(std::string(digits.substr(0, 2)), nullptr, 16));
-  return bytes;
-}
+namespace {
 
 std::string fromText(std::string text) {
   for (std::size_t at = 0; (at = text.find("\\n", at)) != text.npos; ++at) text.replace(at, 2, "\n");
   return text;
 }
 
-void plant(const std::string& seeds, const std::string& directory) {
-  std::ifstream lines(seeds);
+void plant(const std::filesystem::path& seeds, const std::string& directory) {
   int number = 0;
-  for (std::string line; std::getline(lines, line); ++number) {
-    if (!line.starts_with("x ") && !line.starts_with("t ")) continue;
-    const std::string bytes = line[0] == 'x' ? fromHex(line.substr(2)) : fromText(line.substr(2));
-    std::ofstream(directory + "/seed" + std::to_string(number), std::ios::binary) << bytes;
+  const auto add = [&](const auto& bytes) {
+    std::ofstream file(directory + "/seed" + std::to_string(number++), std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  };
+  for (const auto& bytes : fuzz::tableSeeds(seeds.stem().string())) add(bytes);
+  std::ifstream lines(seeds);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("x ")) add(peer::fromHex(line.substr(2)));
+    if (line.starts_with("t ")) add(fromText(line.substr(2)));
   }
 }
 
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
   constexpr std::string_view kSeeds = "-seeds=";
   const std::string_view first = *count > 2 ? (*arguments)[1] : "";
   if (!first.starts_with(kSeeds)) return 0;
-  plant(std::string(first.substr(kSeeds.size())), (*arguments)[2]);
+  plant(first.substr(kSeeds.size()), (*arguments)[2]);
   (*arguments)[1] = (*arguments)[0];
   ++*arguments;
   --*count;

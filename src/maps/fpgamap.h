@@ -38,6 +38,7 @@ inline constexpr uint32_t kFiberLink = 0x1D7;
 inline constexpr uint32_t kBoardOption = 0x1D8;
 inline constexpr uint32_t kFiberRedundancy = 0x1DA;
 inline constexpr uint32_t kOutputEnable = 0x1DE;
+inline constexpr uint8_t kOutputRestored = 0x5A;  // in the image only: a restore has closed it
 inline constexpr uint32_t kFiberToNetEnable = 0x1DF;
 inline constexpr uint32_t kFiberToNetStatus = 0x1E0;
 inline constexpr uint32_t kFastCorrection = 0x1E9;

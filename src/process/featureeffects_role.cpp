@@ -37,6 +37,7 @@ void setRole(FeatureWrite& write) {
   const uint8_t mark = write.value();
   const uint8_t role = mark == kSlaveMark ? kSlaveRole : kMasterRole;
   store.PbufMorSMode = role;
+  store.loadFailures.role.note(0);
   PARLEND_TRACE(kInfo) << (role == kSlaveRole ? "=== PbufMorSMode Set Sender Mode salve!    -----  01"
                                               : "=== PbufMorSMode Set Sender Mode maste!   ------- 00");
   saveRole(mark, role);

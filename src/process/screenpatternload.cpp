@@ -22,8 +22,6 @@ constexpr SectionWords kWords{
     .finish = "============================= Finish ScreenPatternGenProcess =============================="};
 constexpr int kStrobeMs = 1;
 
-constinit RelaxedByte ScreenPatternGenState;  // of the image that was loaded last
-
 void refreshSize(PatternImage reg, std::size_t at, uint32_t fpgaRegister) {
   std::array<uint8_t, 2> size{};
   if (readFpga(fpgaRegister, size, "ScreenPatternGenProcess") == 0)
@@ -100,6 +98,8 @@ void writePattern(const PenetrateInfo& info) {
 }
 
 }  // namespace
+
+constinit RelaxedByte ScreenPatternGenState;
 
 void ScreenPatternGenProcess(PatternImage reg) {
   LogSection section(kWords);

@@ -197,6 +197,8 @@ void Tprocess::CalculateParaOfSenderHandler() {
   global.SendRVCardWHtoLSD();
   global.ShortCfgReadRvStatus = 0;
   if (record) takeStored(*record);
+  loadWhatIsMissing(global);
+  MyTempParaCharTable[kTempRoleAt] = global.PbufMorSMode;  // a peer may have set it since
   PARLEND_TRACE(kInfo) << kBanner;
   global.CalculateParaOfSenderInMosaicMode(MyTempParaTable, MyTempParaCharTable);
   setConfigStatus(shortcut::kSmart);

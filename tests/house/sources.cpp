@@ -138,7 +138,7 @@ std::map<std::string, Source> readTree(const std::string& root, const std::vecto
 
 std::string resolve(const std::map<std::string, Source>& tree, const std::string& includer,
                     const std::string& included) {
-  const std::string beside = (std::filesystem::path(includer).parent_path() / included).lexically_normal();
+  std::string beside = (std::filesystem::path(includer).parent_path() / included).lexically_normal();
   if (tree.contains(beside)) return beside;
   std::string found;
   for (const auto& [path, source] : tree)

@@ -41,7 +41,7 @@ TEST_F(ApipcLoadTest, AFloodStopsAtItsShareAndLosesNothing) {
   countQueued();
   for (const std::size_t frame : {std::size_t{65536}, std::size_t{2000}}) {
     const uint32_t before = queued();
-    const std::size_t nearlyFull = (kShare - 20 * 65564) / (kHead + frame);
+    const std::size_t nearlyFull = (kShare - std::size_t{20} * 65564) / (kHead + frame);
     const uint32_t sent = flood(*peers[0], task(1), frame, before + nearlyFull);
     EXPECT_GE(queued() - before, nearlyFull);
     EXPECT_LE((queued() - before) * (kHead + frame), kShare);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "apipc_fixture.h"
+#include "platform/driver.h"
 
 namespace apipc {
 namespace {
@@ -178,6 +179,15 @@ TEST_F(ApipcTest, WithoutFileDescriptorsNewPeersWaitAndTheServiceSleeps) {
   advance(100ms);
   ASSERT_TRUE(lsd.send({0x00, 0x39, 0x0A, 0x00}));
   EXPECT_EQ(lsd.receive(), (Bytes{0x00, 0x39, 0x0A, 0x01}));
+}
+
+TEST_F(ApipcTest, AnOutageClosesAllPeers) {
+  const Client lsd = client();
+  ASSERT_EQ(lsd.join(0x0A3900), kLsd);
+  cutPower({.atWrite = 1});
+  const unsigned char byte = 0;
+  EXPECT_EQ(WriteDataToFlashx(0, 1, &byte), -1);
+  EXPECT_TRUE(lsd.isClosed());
 }
 
 TEST_F(ApipcTest, OnlyTheOwnUserAndRootMayConnect) {

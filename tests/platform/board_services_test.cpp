@@ -13,7 +13,6 @@
 
 namespace {
 
-using simboard::Fault;
 using testing::ElementsAre;
 
 using Edid = std::array<unsigned char, INPUT_EDID_SIZE>;

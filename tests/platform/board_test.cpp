@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <numeric>
 #include <thread>
 
@@ -10,7 +11,6 @@
 
 namespace {
 
-using simboard::Fault;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -46,6 +46,12 @@ Bytes readCard(unsigned char type, unsigned char port, uint16_t board, uint32_t 
 
 int writeFpga(uint32_t address, const Bytes& data) {
   return WriteFPGABlock(PLATFORM_FPGA_BUS, address, static_cast<uint32_t>(data.size()), data.data());
+}
+
+Bytes readFpga(uint32_t address, std::size_t count) {
+  Bytes data(count);
+  return ReadFPGABlock(PLATFORM_FPGA_BUS, address, static_cast<uint16_t>(count), data.data()) == 0 ? data
+                                                                                                   : Bytes{};
 }
 
 TEST_F(BoardTest, PowerOnShowsTheLinksOfTheConfiguration) {
@@ -99,11 +105,19 @@ TEST_F(BoardTest, ABusWriteLeavesTheStatusRegistersAlone) {
   EXPECT_EQ(fpga(0x1F2, 10), Bytes(10, 0));
 }
 
-TEST_F(BoardTest, TransfersBeyondTheEndFailAndTouchNothing) {
+TEST_F(BoardTest, TransfersReachTheEndAndBeyondItFailAndTouchNothing) {
   start();
   Bytes buffer(4, 0x77);
+  for (const uint32_t length : {1U, 4U}) {
+    EXPECT_EQ(WriteDataToFlashx(0x02000000 - length, length, buffer.data()), 0);
+    EXPECT_EQ(ReadDataFromFlashx(0x02000000 - length, length, buffer.data()), 0);
+  }
+  EXPECT_EQ(flash(0x01FFFFFC, 4), Bytes(4, 0x77));
+  EXPECT_EQ(readFpga(0x0FFFFFFC, 4), Bytes(4, 0));
   EXPECT_NE(writeFpga(0x0FFFFFFE, buffer), 0);
   EXPECT_EQ(fpga(0x0FFFFFFE, 2), Bytes(2, 0));
+  EXPECT_EQ(readFpga(0x0FFFFFFD, 4), Bytes());
+  EXPECT_EQ(writeFpga(0x0FFFFFFC, Bytes(4, 0)), 0);
   EXPECT_NE(ReadFPGABlock(PLATFORM_FPGA_BUS, 0xFFFFFFFF, 4, buffer.data()), 0);
   EXPECT_NE(WriteDataToFlashx(0x01FFFFFE, 4, buffer.data()), 0);
   EXPECT_NE(ReadDataFromFlashx(0x02000000, 1, buffer.data()), 0);
@@ -122,6 +136,14 @@ TEST_F(BoardTest, ContentsOutliveTheDaemonAndThePowerCycleClearsTheBusOnly) {
   EXPECT_THAT(fpga(0x1EB, 1), ElementsAre(0));
   EXPECT_THAT(fpga(0x1F, 1), ElementsAre(0x0F));
   EXPECT_THAT(flash(0xA3B100, 1), ElementsAre(value));
+}
+
+TEST_F(BoardTest, ABoardThatIsStartedAgainMapsItsFilesOnce) {
+  for (int starts = 0; starts < 3; ++starts) start();
+  std::ifstream maps("/proc/self/maps");
+  int mapped = 0;
+  for (std::string line; std::getline(maps, line);) mapped += line.find("/hw/") != line.npos;
+  EXPECT_EQ(mapped, 2) << "control page and bus";
 }
 
 TEST_F(BoardTest, AFactoryCopyTakesTheFlashsPlaceAtPowerOn) {
@@ -304,6 +326,36 @@ TEST_F(BoardTest, TheJournalTellsWhatChangedTheBoardInItsOrder) {
   EXPECT_THAT(journal(),
               ElementsAre("fpga-write 0x00000018 66 " + shown + "+2",
                           "card-write 1 0 3 0x02000001 1 10 failed", "shell sync", "clock-set 12"));
+}
+
+TEST_F(BoardTest, ATransferIsOfOnePieceForWhoeverReads) {
+  start("journal = off\n");
+  constexpr std::size_t kBytes = 4096;
+  constexpr int kWrites = 1000;
+  constexpr int kReads = 200;
+  const struct {
+    const char* name;
+    int (*write)(const Bytes& bytes);
+    Bytes (*read)();
+  } places[] = {{"bus", [](const Bytes& bytes) { return writeFpga(0xC00000, bytes); },
+                 [] { return readFpga(0xC00000, kBytes); }},
+                {"card", [](const Bytes& bytes) { return writeCard(1, 0, 0, 0x03000000, bytes); },
+                 [] { return readCard(1, 0, 0, 0x03000000, kBytes); }}};
+  for (const auto& [name, write, read] : places) {
+    std::atomic<bool> done = false;
+    std::atomic<int> reads = 0;
+    std::thread peer([&, put = write] {
+      for (int i = 0; i < kWrites || reads < kReads; ++i) put(Bytes(kBytes, static_cast<unsigned char>(i)));
+      done = true;
+    });
+    int torn = 0;
+    for (; !done; ++reads) {
+      const Bytes bytes = read();
+      torn += bytes.size() != kBytes || bytes != Bytes(kBytes, bytes[0]) ? 1 : 0;
+    }
+    peer.join();
+    EXPECT_EQ(torn, 0) << name;
+  }
 }
 
 TEST_F(BoardTest, TheJournalHasTheOrderInWhichThreadsReachedTheBoard) {

@@ -157,7 +157,7 @@ TEST_F(BoardTest, ThePowerCutEndsTheProcessAtOnceAndTheNextStartSwitchesTheBoard
 
 TEST_F(BoardTest, ARebootGoesOnInTheSameJournalAndAStartBeginsAnother) {
   start("fpga_autoload = no\n");
-  std::ofstream(file("etc/init.d/flag_fpgaload"));
+  std::ofstream(file("etc/init.d/flag_fpgaload")).flush();
   writeFlash(0x100, {5});
   board_shell("reboot -f");
   EXPECT_FALSE(hasPower());

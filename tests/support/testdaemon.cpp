@@ -15,6 +15,7 @@
 #include "process/inputSource.h"
 #include "process/proc_poll.h"
 #include "process/rvconfigspace.h"
+#include "process/screenpatternload.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/spaces/addr_hardwarebrightnessadjust.h"
@@ -38,7 +39,6 @@ using namespace std::chrono_literals;
 constexpr uint32_t kServiceCode = 0x00FFFFFF;
 constexpr auto kTick = 200ms;
 constexpr int kMostTicks = 20;
-constexpr int kSilent = 4;
 
 /** What the next daemon must not find in memory. */
 void forgetEverything() {
@@ -64,6 +64,7 @@ void forgetEverything() {
   for (auto& value : RecvCardSize_befor) value = 0U;
   factory_flag = 0;
   read_CardSize_flag = 0;
+  ScreenPatternGenState = 0;
 }
 
 /** The trace's file, which may lie in the directory of a board that is gone; empty if there is none. */
@@ -106,6 +107,7 @@ TestDaemon::TestDaemon(const std::string& conf) {
 }
 
 TestDaemon::~TestDaemon() {
+  startLevel_ = kSilent;
   end();
 }
 
@@ -144,6 +146,7 @@ void TestDaemon::end() {
   messagedesk::clear();
   reply_.reset();
   pushes_.clear();
+  setTraceLevel(startLevel_);
 }
 
 void TestDaemon::restart() {
@@ -235,6 +238,11 @@ std::vector<std::string> TestDaemon::trace(const std::string& text) {
   for (std::string line; std::getline(stream, line);)
     if (line.find(text) != line.npos) lines.push_back(withoutPlace(line));
   return lines;
+}
+
+void TestDaemon::traceStarts(int level) {
+  startLevel_ = level;
+  setTraceLevel(level);
 }
 
 bool TestDaemon::cutPowerAt(uint32_t n, const std::function<void()>& scenario,

@@ -39,7 +39,8 @@ class TestDaemon {
   void bringUp();
 
   // The program begins anew, with nothing in its memory: on a board that stayed on, or that was switched off
-  // and on, whether the test did that or an outage. Peers have to connect again.
+  // and on, whether the test did that or an outage. Peers have to connect again. Faults that are set meet the
+  // start.
 
   void restart();
   void powerOn();
@@ -72,8 +73,10 @@ class TestDaemon {
   std::vector<peer::Frame> pushes(uint32_t service = peer::kLsd);
 
   /** Trace lines that hold the text, as "Error text", since the last call. setTraceLevel says which are
-   * written; with each start none. */
+   * written; with each start none, unless traceStarts() says so. */
   std::vector<std::string> trace(const std::string& text = "");
+  /** The level from now on, and that of each later start from its beginning. */
+  void traceStarts(int level);
 
   // Everything that can go wrong in a scenario, one place after the other:
   //   for (uint32_t n = 1; daemon.cutPowerAt(n, scenario); ++n) { daemon.powerOn(); ... }
@@ -87,6 +90,8 @@ class TestDaemon {
   }
 
  private:
+  static constexpr int kSilent = 4;
+
   void begin();
   void end();
   void sortSent();
@@ -94,4 +99,5 @@ class TestDaemon {
   std::optional<peer::Message> reply_;
   std::map<uint32_t, std::vector<peer::Frame>> pushes_;  // by service
   uint32_t number_ = 0;
+  int startLevel_ = kSilent;
 };

@@ -163,18 +163,3 @@ std::string DaemonProcess::trace() const {
   }
   return text;
 }
-
-std::vector<std::string> DaemonProcess::traceLines() const {
-  constexpr std::string_view kStampEnd = " uuid=0x0] ";
-  std::vector<std::string> lines;
-  std::istringstream stream(trace());
-  for (std::string line; std::getline(stream, line); lines.push_back(line)) {
-    const std::size_t level = line.find(kStampEnd) + kStampEnd.size();
-    const std::size_t source = line.find(':', level);
-    const std::size_t number = line.find(" : ", source);
-    const std::size_t text = line.find(' ', number + 3);
-    if (line.starts_with('[') && number != std::string::npos && text != std::string::npos)
-      line = line.substr(level, source - level) + line.substr(text);
-  }
-  return lines;
-}

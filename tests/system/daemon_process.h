@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "peer/board.h"
 #include "peer/peer.h"
@@ -46,8 +45,6 @@ class DaemonProcess {
   const peer::Board& board() const { return board_; }
   // What the trace files hold between their header and their end mark.
   std::string trace() const;
-  // The same line by line as "Level text"; a line without stamp, source and number stays as it is.
-  std::vector<std::string> traceLines() const;
 
  private:
   pid_t spawn(const std::string& argument, const std::string& output) const;

@@ -56,6 +56,13 @@ TEST_F(LateFpgaTest, LsdIsToldOnceTheFpgaIsLoadedAndRequestsAreServedBefore) {
   ASSERT_TRUE(push);
   EXPECT_EQ(push->frame, peer::fromHex("AA 55 00 00 00 00 00 00 00 00 00 00 00 00 00 14 01 00 02 6C 55"));
   EXPECT_EQ(peer::toHex(peer::encode(push->head)), "00390a2a" + std::string(32, '0') + "00001c0015000000");
+  // From now on ticks come by themselves.
+  constexpr uint32_t kFiberModule = 0x1D7;
+  daemon.board().setFpga(kFiberModule, {0x66});
+  for (auto told = lsd.nextPush(kPatience);; told = lsd.nextPush(kPatience)) {
+    ASSERT_TRUE(told) << "there are no ticks";
+    if (told->address == 0x02000000 + kFiberModule && told->data == Bytes{0x66}) break;
+  }
 }
 
 struct Level {
@@ -107,7 +114,7 @@ TEST_F(TraceTest, ARequestCanBeFollowedThroughTheTrace) {
   const std::string trace = daemon.trace();
   std::size_t from = 0;
   for (const char* step :
-       {"Parlend Start", "Version:1.1.0.0", "Begin main init",
+       {"Parlend Start", "Version:1.1.0.0", "Begin main init", "Apipc ipc_event_deal begin...",
         "Recv Register Address : 0x02300010 length : 4", "Begin Read BackupInfo",
         "ReadBytesFromFlash: start address = 0x00b98010", "Finish SendCard Task", "Begin reply Message",
         "ReplyMsg: the ack = 0", "Finish reply Message", "onDataRecvFromIMDNew UnLock",

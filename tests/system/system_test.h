@@ -49,16 +49,6 @@ class SystemTest : public testing::Test {
       return testing::AssertionSuccess();
     return testing::AssertionFailure() << peer::toHex(daemon.board().flash(address, bytes.size()));
   }
-  // Lines of the journal that hold the text.
-  std::size_t journaled(const std::string& text) const {
-    std::size_t count = 0;
-    for (const std::string& line : daemon.board().journal())
-      count += line.find(text) != std::string::npos ? 1 : 0;
-    return count;
-  }
-  void fail(std::string_view kind, uint32_t count) const {
-    daemon.board().setFault(peer::faultIndex(kind).value(), count);
-  }
 
   static constexpr uint32_t kRawNumber = 0x12345678;
   DaemonProcess daemon;

@@ -46,6 +46,21 @@ TEST_F(ParlctlBrightnessTest, APlanIsWrittenVerifiedReadAndExplained) {
   EXPECT_THAT(contents(path("lux.svg")), HasSubstr("</svg>"));
 }
 
+TEST_F(ParlctlBrightnessTest, APlanOfManyPiecesIsReadAsAWhole) {
+  json plan = json::parse(kPlan);
+  for (int minute = 5; minute < 24 * 60; minute += 10) {
+    std::array<char, 8> from{};
+    std::snprintf(from.data(), from.size(), "%02d:%02d", minute / 60, minute % 60);
+    plan["slots"].push_back({{"from", from.data()}, {"percent", minute % 100}});
+  }
+  file("long.json", plan.dump());
+  EXPECT_EQ(run("brightness plan write " + path("long.json") + " --wait").status, 0);
+  const json read = json::parse(run("--json brightness plan read").output)["plan"];
+  EXPECT_EQ(read["slots"].size(), 145U);
+  EXPECT_EQ(read["slots"][144]["percent"], 1435 % 100);
+  EXPECT_EQ(read["lux_map"][1]["lux"], 1000);
+}
+
 TEST_F(ParlctlBrightnessTest, PortsAreSetAndReadBack) {
   const Outcome set = run("brightness set 60 --ports 0-2");
   EXPECT_EQ(set.status, 0) << set.output;

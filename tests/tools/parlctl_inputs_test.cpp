@@ -33,6 +33,10 @@ TEST_F(ParlctlInputsTest, FilesAreCompiledStoredListedFetchedAndPlayed) {
   EXPECT_EQ(listed["files"][0]["milliseconds"], 35);
   EXPECT_EQ(run("cabfile get 0 --text").output, contents(text));
 
+  daemon.board().setFlash(0xE00800, peer::Bytes(64));  // the index: what it says of the sizes is gone
+  EXPECT_EQ(run("cabfile get 0 --output " + path("fetched")).status, 0);
+  EXPECT_EQ(contents(path("fetched")), contents(compiled)) << "no byte behind the last item";
+
   const Outcome played = run("cabfile play 0");
   EXPECT_EQ(played.status, 0) << played.output;
   EXPECT_EQ(run("card read 0x02000001 --port 1 --card 3 --json").status, 0);

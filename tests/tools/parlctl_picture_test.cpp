@@ -92,7 +92,7 @@ TEST_F(ParlctlPictureTest, PatternsAreLoadedWithThePhasesOfTheirPreview) {
   EXPECT_EQ(daemon.board().fpga(0xA00025, 4), (peer::Bytes{5, 0, 0, 0}));
   expect("pattern blocks 64x32 --first=100,-10", 0, "verified: ");
   EXPECT_EQ(daemon.board().fpga(0xA0002D, 4), (peer::Bytes{2, 0, 0, 0}));
-  EXPECT_EQ(daemon.board().fpga(0xA00035, 4), (peer::Bytes{28, 0, 10, 0}));
+  EXPECT_EQ(daemon.board().fpga(0xA00031, 8), (peer::Bytes{64, 0, 32, 0, 28, 0, 10, 0}));
   const json preview = told("pattern preview blocks 64x32 --first=100,-10 --wall 640x360");
   EXPECT_EQ(preview["phase"], (json{28, 10}));
   EXPECT_EQ(preview["count"], (json{2, 0}));

@@ -1,16 +1,20 @@
 // What all nouns share: the command line as data, values, outcomes, comparison, and what is made of them.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <sstream>
 
+#include "clocktext.h"
 #include "commandline.h"
 #include "complete.h"
 #include "helptext.h"
 #include "manpage.h"
+#include "maps/fpgamap.h"
 #include "options.h"
 #include "peer/error.h"
 #include "readback.h"
 #include "registernames.h"
+#include "restoreplan.h"
 
 using namespace parlctl;
 using testing::ElementsAre;
@@ -214,6 +218,29 @@ TEST(HelpTextTest, LinesEndBeforeTheLastColumn) {
   const std::string text =
       wrapped(std::string("ab ") + std::string(70, 'c') + " de " + std::string(90, 'f') + "\nsecond", 4);
   EXPECT_EQ(text, "ab " + std::string(70, 'c') + " de\n    " + std::string(90, 'f') + "\nsecond");
+}
+
+TEST(ClockTextTest, AClockIsNearThatWasSetHalfAMinuteAgo) {
+  const auto set = clockBytes("2024-02-29T23:59:50");
+  const std::pair<const char*, bool> shown[] = {{"2024-02-29T23:59:49", false},
+                                                {"2024-02-29T23:59:50", true},
+                                                {"2024-03-01T00:00:20", true},
+                                                {"2024-03-01T00:00:21", false}};
+  for (const auto& [text, near] : shown) EXPECT_EQ(clockIsNear(set, clockBytes(text)), near) << text;
+}
+
+TEST(RestorePlanTest, TheRoleGoesFirstAndTheProbeAndTheHardwaresRegistersNotAtAll) {
+  const auto& section = *std::ranges::find(kBackupSections, "features", &BackupSection::name);
+  const peer::Bytes found(section.length);
+  peer::Bytes wanted = found;
+  for (const uint32_t at : {ORVE_MCUC::fpga::kProbe, ORVE_MCUC::fpga::kNetLinkPorts1To4,
+                            ORVE_MCUC::fpga::kBackupMark, ORVE_MCUC::fpga::kScreenWidth})
+    wanted[at] = 1;
+  const RestorePlan plan = planSection(section, wanted, found);
+  ASSERT_EQ(plan.changes.size(), 2U);
+  EXPECT_EQ(plan.changes[0].address, section.address + ORVE_MCUC::fpga::kBackupMark);
+  EXPECT_EQ(plan.changes[1].address, section.address + ORVE_MCUC::fpga::kScreenWidth);
+  EXPECT_EQ(plan.kept.size(), 1U);
 }
 
 }  // namespace

@@ -79,7 +79,7 @@ void logExpectedSplit(std::span<const uint8_t> record, const SmartScreen& screen
   logPortLoad(screen, splitOf(screen));
 }
 
-// Whether a write into the ports' blocks gives one of them a connection mode that does not exist.
+// Whether a write gives one of the ports a connection mode that does not exist, wherever the write begins.
 bool namesUnknownMode(uint32_t offset, std::span<const uint8_t> data) {
   for (std::size_t port = 0; port < kMappedPorts; ++port) {
     const std::size_t at = shortcut::kPortsAt + port * shortcut::kPortSize + shortcut::kPortModeAt;
@@ -162,13 +162,13 @@ int writeRecord(IMD_proto3rd& request) {
       PARLEND_TRACE(kInfo) << "ShortcutConfig memcpy ";
     }
     result = writeRecordBytes(offset, data);
+    if (namesUnknownMode(offset, data)) return kRefused;
   }
   if (offset >= kCalculationFirst && offset <= kCalculationLast) {
     if (const int refused = submitSmart(request)) return refused;
   } else if (offset < shortcut::kPortsAt || offset > shortcut::kPortsLast) {
     PARLEND_TRACE(kInfo) << "cfg screen flag = " << m_cfgScreenFlag;
   } else if (!submits) {
-    if (namesUnknownMode(offset, data)) return kRefused;
     ParseAdvCfgScreen(request.proto.m_uiRegisterUnitAddress, data);
   }
   if (submits && (offset & 0xFF) == 0) {

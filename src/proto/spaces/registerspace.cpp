@@ -98,6 +98,8 @@ int RegisterSpace::carryOut(IMD_proto3rd& request, const OffsetRow* row) const {
     case kCodeWrite:
       return traits.write(request);
     default:
+      PARLEND_TRACE(kError) << "=== " << map.owner << " ===the code " << request.proto.m_ucCode
+                            << " neither reads nor writes, return.";
       return traits.unknownCode;
   }
 }

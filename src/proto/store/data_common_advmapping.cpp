@@ -91,7 +91,7 @@ void mapScreen(Data_Global& store, FeatureDraft draft, const AdvancedScreen& scr
     const AdvancedPort& port = screen[i];
     store.AdvCordinateCalc(0, port.mode, i, port.x, port.y, port.rows, port.columns, card);
   }
-  store.SendMasterOrBackup(store.PbufMorSMode);
+  if (roleIsKnown(store, kCaller)) store.SendMasterOrBackup(store.PbufMorSMode);
   writeAndSaveFeature(store, draft, kCaller);
 }
 

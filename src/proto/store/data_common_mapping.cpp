@@ -153,7 +153,7 @@ bool mapScreen(Data_Global& store, FeatureDraft& draft, const SmartScreen& scree
   putWindows(draft, screen, split);
   countCards(store, split);
   if (!placeCards(store, screen, split)) return false;
-  assignRoles(store, draft, split, backup);
+  if (roleIsKnown(store, kCaller)) assignRoles(store, draft, split, backup);
   return true;
 }
 

@@ -10,10 +10,10 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/imageload.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
-#include "proto/store/screenoffset.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -21,13 +21,7 @@ namespace {
 
 constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kBackupMarks[] = {0x5A, 0xA5};
-constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
-constexpr uint8_t kOutputRestored = 0x5A;
 constexpr int kNumberTextRoom = 3 * 768 + 1;
-
-bool isOnline(const Data_Global& store) {
-  return store.FpgaOnlineFlag == 1;
-}
 
 void readConfigStatus(Data_Global& store, const char* logLine) {
   uint8_t status = 0;
@@ -85,25 +79,6 @@ void takeCardSizeOfReset(Data_Global& store) {
   store.Read_ScreenSize_FromFlash(screen);  // says so when what is stored now is zero
 }
 
-// The flash holds these registers as they were in the last run.
-void readHardwareStatus(RegisterImages& images) {
-  struct Run {
-    uint32_t first;
-    std::size_t length;
-  };
-  constexpr Run kRuns[] = {
-      {fpga::kRedundancyPorts1To4, 2}, {fpga::kRedundancyPorts5To8, 2}, {fpga::kRedundancyPorts9To16, 2},
-      {fpga::kNetLinkPorts9To16, 2},   {fpga::kFiberLink, 1},           {fpga::kFiberToNetStatus, 2}};
-  for (const Run& run : kRuns) {
-    std::array<uint8_t, 2> bytes{};
-    const int ret = readThrough(images, images.SendParameterReg, run.first, run.first,
-                                std::span(bytes).first(run.length));
-    if (ret != 0)
-      PARLEND_TRACE(kError) << "=== RestoreFPGA ===the status at " << CTrace::hex << run.first
-                            << " cannot be read. ret = " << ret;
-  }
-}
-
 // A screen of one card, by the master.
 void mapOneCard(Data_Global& store) {
   ByteImage<1024> table;
@@ -136,82 +111,50 @@ void restoreFirstBoot(Data_Global& store) {
   if (isOnline(store)) store.FpgaParaLoadFinish = true;
 }
 
-void mendImage(RegisterImages& images) {
-  FeatureDraft mended;
-  const uint8_t mode = images.SendParameterReg[fpga::kOutputMode];
-  if (std::find(std::begin(kOutputModes), std::end(kOutputModes), mode) == std::end(kOutputModes))
-    mended.put(fpga::kOutputMode, kOutputModes[0]);
-  if (images.SendParameterReg[fpga::kOutputEnable] == kOutputRestored) mended.put(fpga::kOutputEnable, 0);
-  putFeature(images, mended);
-}
-
-void restoreFeature(RegisterImages& images) {
-  putFeature(images, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
-  PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
-  applyScreenOffset(images);
-}
-
-void restorePortTables(RegisterImages& images, bool online) {
+// Each table that is in flash, and whether the FPGA has all of them now.
+bool restorePortTables(Data_Global& store) {
+  bool whole = true;
   PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
-    const int ret = loadPortTable(images, port);
+    const int ret = loadPortTable(store, port);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
-    if (!online) continue;
-    const int written = rewritePortTable(images, port);
-    PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
+    whole = restorePortTable(store, port) && whole;
   }
+  return whole;
 }
 
-void writeNumberParts(const RegisterImages& images) {
-  struct Step {
-    NumberPart part;
-    const char* written;
-  };
-  constexpr Step kSteps[] = {
-      {kNumberPorts0To3, "Write Port 0 ~ 3 vspara to FPGA , the ret = "},
-      {kNumberPorts4To7, "Write Port 4 ~ 7 vspara to FPGA , the ret = "},
-      {kNumberPorts8To11, "Write Port 8 ~ 11 vspara to FPGA , the ret = "},
-      {kNumberCommon, "Write vsCommPara to FPGA , the ret = "},
-  };
-  for (const auto& [part, written] : kSteps) {
-    const int ret = writeImage(images, VsPartPara, part.at, part.length, part.fpga);
-    PARLEND_TRACE(kInfo) << written << ret;
-  }
-  PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << VsPartPara[kBitDepthMarkAt];
-}
-
-void restoreNumberTable(RegisterImages& images, bool online) {
+bool loadAndRestoreNumberTable(Data_Global& store) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
-  if (const int ret = loadNumberTable(images))
+  if (const int ret = loadNumberTable(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
   if (tracePasses(kInfo)) {
     const auto table = VsPartPara.bytes();
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
   }
-  if (online) writeNumberParts(images);
+  return restoreNumberTable(store);
 }
 
-void endRestore(Data_Global& store) {
+void closeOutput(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
   if (writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1}) !=
       0)
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the output was not closed.";
-  store.SendParameterReg[fpga::kOutputEnable] = kOutputRestored;
-  resetScreenChangeCounter(kCaller);
-  store.FpgaParaLoadFinish = true;
+  store.SendParameterReg[fpga::kOutputEnable] = fpga::kOutputRestored;
 }
 
 void restoreConfigured(Data_Global& store) {
-  const bool online = isOnline(store);
-  mendImage(store);
-  if (online) restoreFeature(store);
+  const bool feature = restoreFeature(store);
   factory_flag = 0U;
   PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
-  restorePortTables(store, online);
-  restoreNumberTable(store, online);
-  if (online) endRestore(store);
+  const bool tables = restorePortTables(store);
+  const bool number = loadAndRestoreNumberTable(store);
+  if (isOnline(store)) {
+    closeOutput(store);
+    resetScreenChangeCounter(kCaller);
+    store.FpgaParaLoadFinish = feature && tables && number;
+  }
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
   if (const int ret = loadScreenPara(store))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
@@ -220,11 +163,8 @@ void restoreConfigured(Data_Global& store) {
 }  // namespace
 
 void Data_Global::BootRecover() {
-  uint8_t role = 0;
-  if (readFlash(flash::kRole, {&role, 1},
-                {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "}) == 0) {
-    PbufMorSMode = role;
-  }
+  if (loadRole(*this) != 0)
+    PARLEND_TRACE(kError) << "=== BootRecover ===Can not read flash when get the PbufMorSMode in poweron! ";
   if (isOnline(*this)) {
     uint8_t mark = 0;
     readFpga(fpga::kBackupMark, {&mark, 1});
@@ -261,7 +201,7 @@ void Data_Global::RestoreFPGA() {
   } else {
     restoreConfigured(*this);
   }
-  if (isOnline(*this)) readHardwareStatus(*this);
+  readHardwareStatus(*this);
 }
 
 }  // namespace ORVE_MCUC

@@ -1,4 +1,6 @@
 // Saving the parameters to flash.
+#include <algorithm>
+
 #include "driverutil.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
@@ -98,10 +100,11 @@ void saveBasicHardware(Data_Preset& preset) {
 void savePortTables(const RegisterImages& images) {
   constexpr SaveWords kWords{"Save position para to flash :",
                              {nullptr, "=== Save position para to flash failed! ret = "}};
-  const unsigned failed = images.loadFailures.portTables;
-  if (failed == 0) return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
+  const auto& failed = images.loadFailures.portTables;
+  if (std::ranges::none_of(failed, &LoadFailure::operator bool))
+    return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
-    if (!mayBeSaved((failed >> port & 1) != 0, "a port table")) continue;
+    if (!mayBeSaved(failed[port], "a port table")) continue;
     std::array<uint8_t, kPortTableSize> table{};
     const std::size_t at = portTableAt(port);
     snapshot(images, PortsTopoPara, at, table);
@@ -109,7 +112,7 @@ void savePortTables(const RegisterImages& images) {
   }
 }
 
-void saveParameters(RegisterImages& images, const FeatureDraft& decided) {
+void saveParameters(Data_Global& images, const FeatureDraft& decided) {
   const bool newTag = formatTagDiffers();
   logSoundness(images.SendParameterReg);
   loadWhatIsMissing(images);

@@ -1,7 +1,9 @@
 #include "proto/store/imageload.h"
 
 #include "maps/flashmap.h"
+#include "maps/fpgamap.h"
 #include "proto/store/data_common.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
@@ -15,9 +17,14 @@ int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image, st
   return ret;
 }
 
-int remember(RelaxedValue<bool>& failed, int ret) {
-  failed = ret != 0;
-  return ret;
+// An output that was closed, or opened since, stays so, and the status stays today's.
+void loadFeatureLate(Data_Global& store) {
+  const uint8_t output = store.SendParameterReg[fpga::kOutputEnable];
+  if (loadFeature(store) != 0 || !isOnline(store)) return;
+  store.SendParameterReg[fpga::kOutputEnable] = output;
+  restoreFeature(store);
+  store.SendParameterReg[fpga::kOutputEnable] = output;
+  readHardwareStatus(store);
 }
 
 }  // namespace
@@ -26,46 +33,47 @@ int loadFeature(RegisterImages& images) {
   std::array<uint8_t, 512> bytes{};
   const int ret = Data_Global::RestoreDataFromFlash(1, bytes);
   if (ret == 0) putBytes(images, images.SendParameterReg, 0, bytes);
-  return remember(images.loadFailures.feature, ret);
+  return images.loadFailures.feature.note(ret);
 }
 
 int loadGlobal(RegisterImages& images) {
-  LoadFailures& failures = images.loadFailures;
-  if (failures.globalLoaded) return 0;
-  const int ret = load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable, 0);
-  failures.globalLoaded = ret == 0;
-  return remember(failures.global, ret);
+  LoadFailure& failure = images.loadFailures.global;
+  if (failure.loaded()) return 0;
+  return failure.note(load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable, 0));
 }
 
 int loadPortTable(RegisterImages& images, unsigned port) {
   const std::size_t at = portTableAt(port);
-  const int ret =
-      load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at);
-  RelaxedValue<uint16_t>& failed = images.loadFailures.portTables;
-  const auto bit = static_cast<uint16_t>(1U << port);
-  failed = static_cast<uint16_t>(ret == 0 ? failed & ~bit : failed | bit);
-  return ret;
+  return images.loadFailures.portTables.at(port).note(
+      load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at));
 }
 
 int loadNumberTable(RegisterImages& images) {
-  return remember(images.loadFailures.number,
-                  load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0));
+  return images.loadFailures.number.note(load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0));
 }
 
 int loadScreenPara(RegisterImages& images) {
-  return remember(images.loadFailures.screen,
-                  load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg, 0));
+  return images.loadFailures.screen.note(
+      load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg, 0));
 }
 
-void loadWhatIsMissing(RegisterImages& images) {
-  const LoadFailures& failed = images.loadFailures;
-  if (failed.feature) loadFeature(images);
-  if (failed.global) loadGlobal(images);
+int loadRole(Data_Global& store) {
+  uint8_t role = 0;
+  const int ret = store.loadFailures.role.note(readFlash(flash::kRole, {&role, 1}));
+  if (ret == 0) store.PbufMorSMode = role;
+  return ret;
+}
+
+void loadWhatIsMissing(Data_Global& store) {
+  const LoadFailures& failed = store.loadFailures;
+  if (failed.feature) loadFeatureLate(store);
+  if (failed.global) loadGlobal(store);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
-    if ((failed.portTables >> port & 1) != 0) loadPortTable(images, port);
+    if (failed.portTables[port] && loadPortTable(store, port) == 0) restorePortTable(store, port);
   }
-  if (failed.number) loadNumberTable(images);
-  if (failed.screen) loadScreenPara(images);
+  if (failed.number && loadNumberTable(store) == 0) restoreNumberTable(store);
+  if (failed.screen) loadScreenPara(store);
+  if (failed.role) loadRole(store);
 }
 
 }  // namespace ORVE_MCUC

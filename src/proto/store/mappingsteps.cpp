@@ -94,7 +94,7 @@ bool storeScreenPara(RegisterImages& images, CardSize card, std::span<const uint
   putLe16(bytes, screenpara::kCardSizeAt + 2, card.height);
   std::copy(layout.begin(), layout.end(), bytes.begin() + screenpara::kLayoutAt);
   putBytes(images, images.ScreenParaReg, 0, bytes);
-  images.loadFailures.screen = false;  // nothing of them is left to be loaded
+  images.loadFailures.screen.note(0);  // nothing of them is left to be loaded
   return writeFlash(flash::kScreenPara, bytes, {caller, "write 02100001 to flash failed. driverRet = "}) == 0;
 }
 
@@ -102,6 +102,12 @@ void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
   PARLEND_TRACE(kInfo) << (runsAlongRows(screen.mode) ? "horizontal line: RowOrColInOnePort = "
                                                       : "vertical line: RowOrColInOnePort = ")
                        << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
+}
+
+bool roleIsKnown(const RegisterImages& images, const char* caller) {
+  if (!images.loadFailures.role) return true;
+  PARLEND_TRACE(kError) << "=== " << caller << " ===the device's role cannot be read, the ports keep theirs.";
+  return false;
 }
 
 void writeCardCounts(const RegisterImages& images, const std::array<uint32_t, kMappedPorts>& counts,

@@ -3,24 +3,44 @@
 // under the image lock, which is held for one bus access and never over flash, shell, cards, sends or pauses.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <span>
 
+#include "maps/cardgeometry.h"
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
 #include "proto/store/deviceaccess.h"
 
 namespace ORVE_MCUC {
 
-// Parts of the images that flash could not give; what was never loaded is never saved.
+// Whether flash has failed to give something. What was loaded once, or set as a whole, no later failure makes
+// unknown again.
+class LoadFailure {
+ public:
+  operator bool() const { return state_ == State::Failed; }
+  bool loaded() const { return state_ == State::Loaded; }
+  // Remembers the result of a load and passes it on.
+  int note(int result) {
+    if (result == 0) state_ = State::Loaded;
+    if (result != 0 && !loaded()) state_ = State::Failed;
+    return result;
+  }
+
+ private:
+  enum class State : uint8_t { Due, Failed, Loaded };
+  RelaxedValue<State> state_;
+};
+
+// What flash could not give is neither saved nor brought to the FPGA.
 struct LoadFailures {
-  RelaxedValue<bool> feature;
-  RelaxedValue<bool> global;
-  RelaxedValue<bool> globalLoaded;  // loaded once: peers set it, and no later restore takes it back
-  RelaxedValue<bool> number;
-  RelaxedValue<bool> screen;
-  RelaxedValue<uint16_t> portTables;  // bit p: table of port p
+  LoadFailure feature;
+  LoadFailure global;
+  LoadFailure number;
+  LoadFailure screen;
+  LoadFailure role;  // master or slave
+  std::array<LoadFailure, kMappedPorts> portTables;
 };
 
 struct RegisterImages {

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <random>
+#include <thread>
 
 #include "brightness_plans.h"
 #include "calc/brightnesscontrol.h"
@@ -123,16 +125,38 @@ TEST(BrightnessInterruptTest, APlanWhoseFirstBrightnessAStepOvertakesPrevails) {
   EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 204, 3, 204));
 }
 
-TEST(BrightnessWriteTest, ChunksAreStoredWhereTheyBelongAndNotBeyond) {
+// To any mode that has no plan, and to a programmable table of no nodes.
+TEST(BrightnessInterruptTest, AChangeEndsWithThePlanThatItBelongsTo) {
+  for (const uint8_t mode : {uint8_t{0}, uint8_t{0xFF}, uint8_t{brightness::kProgrammable}}) {
+    InterruptedWall wall(mixedPlan({{12, 0, 0}, {12, 1, 100}}, true), at(2024, 6, 1, 12));
+    wall.sendsLeft = 4;
+    wall.interrupt = [&] { write(wall, {mode}, brightness::kMirrorSize); };
+    wall.runUntil(at(2024, 6, 1, 12, 2));
+    EXPECT_THAT(valuesOf(wall), ElementsAre(0, 1, 2, 3)) << int{mode};
+  }
+}
+
+TEST(BrightnessWriteTest, APlanStartsWithItsLastChunkHoweverManyThereAre) {
+  const BrightnessFile plan = mixedPlan({{0, 0, 80}});
+  for (const std::size_t size : {200U, 400U, 512U}) {
+    VirtualWall wall({}, at(2024, 6, 1, 12));
+    wall.tick();
+    for (std::size_t from = 0; from < kTestLength; from += size) {
+      EXPECT_THAT(wall.sent, IsEmpty());
+      wall.control().SetBrightnessAdjustTable(
+          from, std::span(plan).subspan(from, std::min(size, kTestLength - from)));
+    }
+    EXPECT_THAT(valuesOf(wall), ElementsAre(204)) << size;
+    EXPECT_EQ(wall.file(), plan);
+  }
+}
+
+TEST(BrightnessWriteTest, ChunksAreNotStoredBeyondTheFile) {
   VirtualWall wall({}, at(2024, 6, 1, 12));
   wall.tick();
   const BrightnessFile plan = mixedPlan({{0, 0, 80}});
-  write(wall, plan, 512);
-  EXPECT_THAT(wall.sent, IsEmpty());
-  wall.control().SetBrightnessAdjustTable(512, std::span(plan).subspan(512, kTestLength - 512));
-  EXPECT_THAT(valuesOf(wall), ElementsAre(204));
+  write(wall, plan, kTestLength);
   const BrightnessFile before = wall.file();
-  EXPECT_EQ(before, plan);
   for (const std::size_t beyond : {std::size_t{5000}, std::size_t{5120}, std::size_t{0xFFFF}})
     wall.control().SetBrightnessAdjustTable(beyond, std::vector<uint8_t>(200, 0xEE));
   EXPECT_EQ(wall.file(), before);
@@ -160,6 +184,28 @@ TEST(BrightnessWriteTest, ATableThatIsWrittenBeforeTheFirstTickIsNotLost) {
   wall.runUntil(at(2024, 6, 1, 12, 0, 10));
   EXPECT_EQ(wall.control().state().ProgrammableAdjustEnable, kActive);
   EXPECT_THAT(valuesOf(wall), testing::Each(60));
+}
+
+TEST(BrightnessWriteTest, AChunkIsOfOnePieceForWhoeverReads) {
+  VirtualWall wall({}, at(2024, 6, 1, 12));
+  wall.tick();
+  BrightnessControl& control = wall.control();
+  std::atomic<bool> done = false;
+  std::atomic<int> reads = 0;
+  std::thread peer([&] {
+    for (int i = 0; i < 300000 || reads < 300000; ++i)  // no mode of these has a plan
+      control.SetBrightnessAdjustTable(
+          0, std::vector<uint8_t>(brightness::kMirrorSize, i % 2 == 0 ? uint8_t{0xFF} : uint8_t{0}));
+    done = true;
+  });
+  std::vector<uint8_t> bytes(brightness::kMirrorSize);
+  int torn = 0;
+  for (; !done; ++reads) {
+    const bool read = control.readMirror(0, bytes);
+    torn += !read || bytes != std::vector<uint8_t>(bytes.size(), bytes[0]) ? 1 : 0;
+  }
+  peer.join();
+  EXPECT_EQ(torn, 0);
 }
 
 // Files and writes of random bytes, in every mode: it goes on, and sends what a card can hold.

@@ -13,7 +13,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -55,7 +54,7 @@ TEST(BrightnessNodesTest, ATimeBelongsToTheNodeThatCameLast) {
 }
 
 TEST(BrightnessNodesTest, TheWeekdayOfADateIsRightInEveryCentury) {
-  for (int64_t day = 0; day < 400 * 366; ++day) {
+  for (int64_t day = 0; day < int64_t{400} * 366; ++day) {
     const LocalMoment moment = momentOf(day * kDay);
     ASSERT_EQ(daysOf(moment), day);
     ASSERT_EQ(weekdayOfDate(moment), (moment.weekday + 5) % 7 + 1) << day;
@@ -77,7 +76,7 @@ class LongWall : public VirtualWall {
  private:
   bool quiet() {
     const BrightnessSchedule state = control().state();
-    const int64_t due = (fromBcd(state.TimeIntHour) * 60 + fromBcd(state.TimeIntMin)) * 60;
+    const int64_t due = (int64_t{fromBcd(state.TimeIntHour)} * 60 + fromBcd(state.TimeIntMin)) * 60;
     const int64_t away = (due - localSeconds() % kDay + kDay) % kDay;
     return away > 700 && away < kDay - 300;
   }
@@ -122,6 +121,17 @@ TEST(BrightnessYearTest, EveryNodeOfATimetableFiresOnceADayFor400Days) {
     } else {
       expectOnceADay(wall, values, at(2023, 11, 21) / kDay, 399);
     }
+  }
+}
+
+TEST(BrightnessYearTest, ANodeBehindAChangeOfTheClockComesInItsMinute) {
+  for (const int64_t before : {at(2024, 3, 30, 13), at(2024, 10, 26, 13)}) {
+    LongWall wall(programmablePlan({{0, 0, 20}, {12, 0, 23}}), before);
+    wall.zone = middleEurope;
+    wall.live(3 * kDay);
+    ASSERT_EQ(wall.sent.size(), 1U + 6);
+    for (std::size_t i = 1; i < wall.sent.size(); ++i)
+      EXPECT_EQ(wall.sent[i].at % kDay / 60, i % 2 == 1 ? 0 : 12 * 60) << i;
   }
 }
 
@@ -171,6 +181,7 @@ TEST(BrightnessYearTest, SensorsDecideInTheAutomaticModeFor400Days) {
     wall.runUntil(wall.localSeconds() + 400);  // two decisions at least, of one light
     ASSERT_GE(wall.sent.size(), before + 2) << day;
     EXPECT_EQ(wall.sent.back().value, wall.localSeconds() / kDay % 2 == 0 ? 120 : 20);
+    EXPECT_EQ(wall.control().state().LastGlobalBri, wall.sent.back().value);
     wall.setClock(wall.localSeconds() + kDay - 400);
   }
 }
@@ -203,7 +214,7 @@ TEST(BrightnessClockTest, AClockThatIsSetLeavesNothingStuck) {
     wall.runUntil(at(2024, 6, 1, 12, 1));
     for (int i = 0; i < 300; ++i) {
       int64_t step = static_cast<int64_t>(random() % (4 * kDay)) - 2 * kDay;
-      if (i % 50 == 0) step = (i % 100 == 0 ? -1 : 1) * 5000 * kDay;  // another decade
+      if (i % 50 == 0) step = int64_t{i % 100 == 0 ? -5000 : 5000} * kDay;  // another decade
       if (step < 0 && step > -7300) continue;
       wall.setClock(wall.localSeconds() + step);
       wall.runUntil(wall.localSeconds() + 130);
@@ -322,6 +333,45 @@ TEST(BrightnessMixedTest, SensorsAreAveragedAndFallBackAfterThreeFailures) {
   EXPECT_EQ(wall.sent.back().reason, BrightnessReason::Fallback);
 }
 
+TEST(BrightnessMixedTest, TheTenMinutesBeginAnewWithEachSlot) {
+  VirtualWall wall({}, at(2024, 6, 1, 12, 1));
+  wall.tick();
+  BrightnessFile plan = mixedPlan({{12, 0, 80}, {12, 6, 40}});
+  for (const uint8_t on : {uint8_t{0}, uint8_t{1}}) {
+    plan[brightness::kControl] = on;
+    write(wall, plan, kTestLength);
+    EXPECT_EQ(wall.sent.size(), on);
+    wall.control().SetBrightnessAdjustTable(brightness::kControl, std::array<uint8_t, 1>{on});
+    EXPECT_EQ(wall.sent.size(), on) << "is switched so already";
+  }
+  wall.runUntil(at(2024, 6, 1, 12, 15, 30));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(204, 102));
+  wall.runUntil(at(2024, 6, 1, 12, 16, 30));
+  EXPECT_THAT(valuesOf(wall), ElementsAre(204, 102, 102));
+}
+
+TEST(BrightnessMixedTest, NoOtherModeSendsItsBrightnessAgain) {
+  for (const uint8_t mode :
+       {uint8_t{brightness::kProgrammable}, uint8_t{brightness::kAutomatic}, uint8_t{0}}) {
+    VirtualWall wall(mixedPlan({{12, 0, 80}}), at(2024, 6, 1, 12, 30));
+    wall.tick();
+    EXPECT_EQ(wall.control().state().BriBroadcastEnable, kActive);
+    write(wall, {mode}, brightness::kMirrorSize);
+    EXPECT_EQ(wall.control().state().BriBroadcastEnable, kInactive) << int{mode};
+  }
+}
+
+TEST(BrightnessMixedTest, FailuresWithAReadingBetweenAreNoReasonToFallBack) {
+  VirtualWall wall(mixedPlan({{0, 0, 0, true}}), at(2024, 6, 1, 12));
+  int asked = 0;
+  wall.light = [&](int64_t, const SensorRecord&) {
+    return ++asked % 3 == 0 ? std::optional<uint16_t>(550) : std::nullopt;
+  };
+  wall.runUntil(at(2024, 6, 1, 12, 5));
+  EXPECT_GT(asked, 50);
+  for (const SentBrightness& sent : wall.sent) EXPECT_EQ(sent.reason, BrightnessReason::Sensor) << sent.at;
+}
+
 TEST(BrightnessMixedTest, WithoutAnEnabledNodeNothingIsSentOrAwaited) {
   VirtualWall wall(mixedPlan({{12, 1, 80, false, 0x7F, 0}, {12, 2, 80, true, 0x7F, 0}}), at(2024, 6, 1, 12));
   wall.runUntil(at(2024, 6, 1, 12, 10));
@@ -372,11 +422,20 @@ TEST(BrightnessWatchdogTest, ThePlanTakesOverOnceAndHandsTheWallBack) {
   wall.control().heartbeat();
   wall.runUntil(wall.localSeconds() + 2);
   EXPECT_EQ(wall.control().state().MixBrightnessAdjustEnable, kInactive);
-  // Without a stored time-out the start counts as a heartbeat that is missing.
-  VirtualWall late(mixedPlan({{0, 0, 80}}, false, brightness::kHardware), at(2024, 6, 1, 12));
-  late.serialTimeout = 0;
-  late.runUntil(at(2024, 6, 1, 12, 0, 3));
-  EXPECT_THAT(valuesOf(late), ElementsAre(204));
+}
+
+TEST(BrightnessWatchdogTest, AStartWithoutAUsableTimeoutCountsAsAMissingHeartbeat) {
+  for (const auto& [stored, used] :
+       {std::pair{0, 0}, {1, 0}, {2, 2}, {3, 3}, {0x76, 0x76}, {0x77, 0x77}, {0x78, 0}, {0xFF, 0}}) {
+    VirtualWall wall(mixedPlan({{0, 0, 80}}, false, brightness::kHardware), at(2024, 6, 1, 12));
+    wall.serialTimeout = static_cast<uint8_t>(stored);
+    wall.tick();
+    EXPECT_EQ(wall.control().state().UartDiscOvertime, used != 0 ? used : 40) << stored;
+    wall.runUntil(at(2024, 6, 1, 12, 0, 1) + used * 9 / 10);  // a hundred ticks are counted as 99
+    EXPECT_EQ(wall.sent.empty(), used != 0) << stored;
+    wall.runUntil(at(2024, 6, 1, 12, 0, 3) + used);
+    EXPECT_THAT(valuesOf(wall), ElementsAre(204)) << stored;
+  }
 }
 
 }  // namespace

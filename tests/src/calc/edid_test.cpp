@@ -151,7 +151,7 @@ class JudgedEdid : public testing::Test {
 
 TEST_F(JudgedEdid, OfEveryResolutionAndRateIsConformant) {
   for (const resolution_t& size : g_resolution_input) {
-    for (const unsigned frame : {2398, 5994, 12000}) {
+    for (const unsigned frame : {2398U, 5994U, 12000U}) {
       judge(size.width, size.height, frame);
     }
   }

@@ -23,7 +23,7 @@ constexpr uint32_t kFeature = 0x02000000;
 
 class FeatureTest : public testing::Test {
  protected:
-  FeatureTest() : daemon("fiber1_ports = 0, 5, 9\ncard_width = 64\n") {
+  FeatureTest() : daemon("fiber1_ports = 0, 5, 9\nfiber2_ports = 2 9 14\ncard_width = 64\n") {
     daemon.connect();
     daemon.tick(12);
     daemon.pushes();
@@ -31,7 +31,7 @@ class FeatureTest : public testing::Test {
     const auto bus = daemon.board.fpga(0, 512);
     std::copy(bus.begin(), bus.end(), model.fpga.begin());
     for (std::size_t i = 0; i < 6; ++i) model.screen[i] = store().ScreenParaReg[i];
-    model.below = {0x21, 0x02, 0, 0};
+    model.below = {0x21, 0x02, 0x04, 0x42};
     forget();
   }
 

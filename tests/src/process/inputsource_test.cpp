@@ -74,6 +74,7 @@ TEST_F(InputSourceTest, BoardsOfAKindAreNumberedAndEachHasTheChannelOfItsSlot) {
     ASSERT_TRUE(source);
     EXPECT_STREQ(inputs().name(n).name.data(), expected[n].name);
     EXPECT_EQ(inputs().name(n).lenName, std::string(expected[n].name).size());
+    EXPECT_EQ(inputs().name(n).cardNO, n);
     EXPECT_EQ(inputs().name(n).sourceCode, expected[n].code);
     EXPECT_EQ(source->src_code, expected[n].code);
     EXPECT_EQ(source->input_ch, expected[n].channel);
@@ -130,6 +131,28 @@ TEST_F(InputSourceTest, WrittenModeComesBackCleanAndAgainAfterARestart) {
   write(edidFor(800, 600, 6000));
   EXPECT_EQ(flash(flash::kInputModes, 6), Bytes(stored.begin(), stored.begin() + 6))
       << "the first write of a process keeps what others have stored";
+  failNext(Fault::FlashRead, kEveryCall);
+  write(edidFor(801, 600, 6000));
+  EXPECT_EQ(le16(storedModes(), 6), 801) << "what is known needs no read";
+}
+
+TEST_F(InputSourceTest, EveryInputThatCanBeStartsWithItsStoredMode) {
+  std::string conf;
+  Bytes modes;
+  for (unsigned group = 0; group < InputSource::kBoards; ++group) {
+    conf += "input = " + std::to_string(0x10 + group) + " dvi\n";
+    for (const unsigned value : {800 + 8 * group, 600 + group, 6000U}) {
+      modes.push_back(static_cast<uint8_t>(value));
+      modes.push_back(static_cast<uint8_t>(value >> 8));
+    }
+  }
+  start(conf);
+  setFlash(flash::kInputModes, modes);
+  inputs().InputBoardInit();
+  for (unsigned group = 0; group < InputSource::kBoards; ++group) {
+    EXPECT_EQ(mode(static_cast<int>(group)).width, 800 + 8 * group);
+    EXPECT_EQ(mode(static_cast<int>(group)).height, 600 + group);
+  }
 }
 
 TEST_F(InputSourceTest, WriteIsForTheGroupOfTheSourceThatIsShown) {

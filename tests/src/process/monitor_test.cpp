@@ -182,14 +182,25 @@ TEST_F(MonitorTest, ANewConnectionIsToldAllThatIsNotZeroInItsFirstTick) {
 }
 
 TEST_F(MonitorTest, TheCardsBehindAChangedLinkAreMeasuredThreeTicksLater) {
+  const struct {
+    std::vector<Change> linked;
+    Pushes pushes;
+  } links[] = {{{{0x1F, {1}}, {0xF05100, {1}}}, {"1f 01", "9f 00", "126 0000"}},
+               {{{0x1F2, {4}}, {0xF04000, {4}}}, {"1f2 04", "1f3 00"}},
+               {{{0x1F5, {2}}, {0xF04003, {2}}}, {"1f4 00", "1f5 02"}}};
   lsdKnowsAll();
-  change({{0x1F, {1}}, {0xF05100, {1}}});
-  EXPECT_THAT(tick(), ElementsAre("1f 01", "9f 00", "126 0000"));
-  EXPECT_EQ(store().GigaPhyLinkSta, 1);
-  EXPECT_THAT(tick(), IsEmpty());
-  EXPECT_THAT(tick(), IsEmpty());
-  EXPECT_THAT(tick(), ElementsAre("2100006 00018000"));
-  for (int i = 0; i < 4; ++i) EXPECT_THAT(tick(), IsEmpty());
+  for (const auto& [linked, pushes] : links) {
+    change(linked);
+    EXPECT_EQ(tick(), pushes);
+    EXPECT_EQ(store().linkedPorts(), linked[0].at == 0x1F ? 1 : linked[0].at == 0x1F2 ? 4 : 0x200);
+    EXPECT_THAT(tick(), IsEmpty());
+    EXPECT_THAT(tick(), IsEmpty());
+    EXPECT_THAT(tick(), ElementsAre("2100006 00018000"));
+    for (int i = 0; i < 4; ++i) EXPECT_THAT(tick(), IsEmpty());
+    change(kAllZero);
+    tick();
+    store().LinkStateChanged = 0;
+  }
 }
 
 TEST_F(MonitorTest, CardsThatDoNotAnswerAreAskedAgainAndGivenUpAfter30Counts) {

@@ -134,6 +134,8 @@ struct Reset {
   Bytes card;  // width and height
 };
 
+constexpr uint32_t kHeads[] = {0xD14000, 0xE00000};  // of files, of which four bytes are kept
+
 class ResetTest : public SenderTest, public testing::WithParamInterface<Reset> {
  protected:
   ResetTest() : SenderTest(GetParam().conf) {}
@@ -146,7 +148,8 @@ TEST_P(ResetTest, GoesThroughTheRebootToTheFirstBoot) {
   std::ofstream(stored) << "file";
   daemon.board.setFlash(0x00201A, {9});
   daemon.board.setFlash(0x003000, counting(8));
-  daemon.board.setFlash(0xD17000, {0xFF});
+  for (const uint32_t head : kHeads) daemon.board.setFlash(head, counting(8));
+  daemon.board.setFlash(0xD17000, {0x41});
   daemon.board.setFlash(0xB8B000, counting(16));
   EXPECT_EQ(write(0x01000002, {reset.type}).ack, 0);
   EXPECT_EQ(store().RebootRF, 3);
@@ -154,6 +157,7 @@ TEST_P(ResetTest, GoesThroughTheRebootToTheFirstBoot) {
   EXPECT_EQ(store().RebootRF, 1);
   EXPECT_EQ(std::filesystem::exists(stored), reset.keepsFiles);
   EXPECT_EQ(fpga(0x1DE, 1), Bytes{0});
+  EXPECT_EQ(journaled("factory-write 0x00d17000 1 42"), 1U) << "one change of the screen more";
   EXPECT_EQ(flash(0x003000, 8), counting(8)) << "the flash itself is not touched";
   daemon.tick();
   ASSERT_FALSE(daemon.board.hasPower());
@@ -164,16 +168,21 @@ TEST_P(ResetTest, GoesThroughTheRebootToTheFirstBoot) {
   EXPECT_EQ(flash(0xB99016, 3), (Bytes{1, 1, 1}));
   EXPECT_EQ(flash(0x00201A, 1), Bytes{static_cast<uint8_t>(reset.keepsDhcp ? 9 : 0)});
   EXPECT_EQ(flash(0x003000, 8), reset.keepsFiles ? counting(8) : Bytes(8, 0));
+  for (const uint32_t head : kHeads) {
+    Bytes kept = reset.keepsFiles ? counting(4) : Bytes(4);
+    kept.resize(8);
+    EXPECT_EQ(flash(head, 8), kept) << head;
+  }
   EXPECT_EQ(flash(0xB8B000, 16), Bytes(16, 0));
   EXPECT_EQ(store().RebootRF, 0);
 }
 
 constexpr uint8_t kUnknownType = 9;
-const Bytes kMeasured{64, 0, 0, 0, 32, 0, 0, 0};
+const Bytes kMeasured{0x40, 1, 0, 0, 32, 0, 0, 0};
 const Bytes kAssumed{128, 0, 0, 0, 128, 0, 0, 0};
-constexpr const char* kCopper = "card_width = 64\ncard_height = 32\n";
-constexpr const char* kFiber = "copper_ports =\nfiber2_ports = 2\ncard_width = 64\ncard_height = 32\n";
-constexpr const char* kNoLink = "copper_ports =\ncard_width = 64\ncard_height = 32\n";
+constexpr const char* kCopper = "card_width = 320\ncard_height = 32\n";
+constexpr const char* kFiber = "copper_ports =\nfiber2_ports = 2\ncard_width = 320\ncard_height = 32\n";
+constexpr const char* kNoLink = "copper_ports =\ncard_width = 320\ncard_height = 32\n";
 INSTANTIATE_TEST_SUITE_P(Types, ResetTest,
                          testing::Values(Reset{"Copper0", kCopper, 0, true, false, kMeasured},
                                          Reset{"Copper1", kCopper, 1, false, false, kMeasured},

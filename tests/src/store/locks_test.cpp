@@ -1,12 +1,24 @@
 // The store's two locks: who takes which, and what would go wrong without.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "calc/colourrecords.h"
 #include "calc/screenrecord.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
+#include "maps/registermap.h"
 #include "process/featurewrite.h"
+#include "process/inputSource.h"
+#include "process/returnfactory.h"
 #include "process/tprocess.h"
+#include "process/tprocess_ctl.h"
 #include "proto/store/porttables.h"
 #include "proto/store/smarttable.h"
 #include "store_fixture.h"
+#include "stub/mcuimdthread.h"
+#include "stub/stubutil.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -43,8 +55,7 @@ class LocksTest : public StoreFixture {
         {"save handler", [] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); }},
         {"software table",
          [] {
-           std::array<char, 7> oneByte{0, 0, 6, 5, 1, 0, 9};
-           Tprocess::Sprocess_DoSoftwareTable(oneByte.size(), oneByte.data());
+           queued(&Tprocess::Sprocess_DoSoftwareTable, {0, 0, 6, 5, 1, 0, 9});
          }},
         {"submission",
          [] {
@@ -56,7 +67,20 @@ class LocksTest : public StoreFixture {
            char one = 1;
            Tprocess::Sprocess_AdvCalcParaOfSender(1, &one);
          }},
+        {"feature write", [] { DoWriteFeatureInfo(reg::ofFeature(0x30), Bytes{1}); }},
+        {"screen information",
+         [] {
+           queued(&Tprocess::Sprocess_DoScreenInfoEcho, {8, 0, 0x10, 2, 1, 0, 7});
+         }},
+        {"HDR", [] { queued(&Tprocess::Sprocess_HDR10, Bytes(HDRParaData::kSize)); }},
+        {"reload", [] { Tprocess::Sprocess_ReloadSendCardProgram(0, nullptr); }},
+        {"load of the FPGA", [] { StubUtil::getInstance()->channel().bringUp(); }},
+        {"request of a reset", [] { queued(&Tprocess::Sprocess_ReturnFactorySet, {0}); }},
+        {"factory reset", [] { ReturnFactory(0); }},
     };
+  }
+  static void queued(int (*handler)(int, char*), Bytes payload) {
+    handler(static_cast<int>(payload.size()), reinterpret_cast<char*>(payload.data()));
   }
 };
 
@@ -225,7 +249,7 @@ TEST_F(ReadsInBetween, WhatIsDecidedReachesFlashAndFpgaWhateverPeersReadMeanwhil
        [] {
          std::array<uint8_t, shortcut::kUsedSize> record{};
          shortcut::putSmartScreen(record, wall(3));
-         Tprocess::Sprocess_CalculateParaOfSender(record.size(), reinterpret_cast<char*>(record.data()));
+         queued(&Tprocess::Sprocess_CalculateParaOfSender, {record.begin(), record.end()});
        }},
       {"mapping", [] { Tprocess::CalculateParaOfSenderHandler(); }},
       {"advanced submission",
@@ -288,11 +312,10 @@ TEST_F(LocksTest, WhatIsReadOfAnImageIsOfOneMoment) {
 
 TEST_F(LocksTest, AColourRecordAndItsCalculationKeepASaveWaiting) {
   constexpr TestBoard::Time kBusPause{100};
-  static std::array<char, 32> record{};
   const std::vector<Operation> colours{
-      {"HDR10", [] { Tprocess::Sprocess_HDR10(record.size(), record.data()); }},
-      {"HLG", [] { Tprocess::Sprocess_HLG(record.size(), record.data()); }},
-      {"picture quality", [] { Tprocess::Sprocess_PictureQualityCal(record.size(), record.data()); }},
+      {"HDR10", [] { queued(&Tprocess::Sprocess_HDR10, Bytes(HDRParaData::kSize)); }},
+      {"HLG", [] { queued(&Tprocess::Sprocess_HLG, Bytes(HDRParaData::kSize)); }},
+      {"picture quality", [] { queued(&Tprocess::Sprocess_PictureQualityCal, Bytes(CSCParaData::kSize)); }},
   };
   board.takeTime(kBusPause);
   for (const Operation& each : colours) {
@@ -308,12 +331,11 @@ TEST_F(LocksTest, AColourRecordAndItsCalculationKeepASaveWaiting) {
 // In front of the FPGA the image would lose the new bytes to a read.
 TEST_F(LocksTest, ThePatternsImageIsNeverAheadOfTheFpga) {
   constexpr TestBoard::Time kBusPause{100};
-  static std::array<char, 7> oneByte{0x0E, 0, 1, 0x12, 1, 0, 9};
   board.takeTime(kBusPause);
   board.failNext(Fault::FpgaRead, 1);
   std::atomic<bool> loaded{false};
   std::thread loading([&] {
-    Tprocess::Sprocess_ScreenPatternGen(oneByte.size(), oneByte.data());
+    queued(&Tprocess::Sprocess_ScreenPatternGen, {0x0E, 0, 1, 0x12, 1, 0, 9});
     loaded = true;
   });
   ASSERT_TRUE(board.awaitHeld(1));
@@ -332,6 +354,17 @@ TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {
   };
   EXPECT_TRUE(waitsFor(store().m_mutex, &Tprocess::CalculateParaOfSenderHandler, latest));
   EXPECT_EQ(store().SendParameterReg.le16(fpga::kScreenWidth), 3 * 128);
+}
+
+// A restore would end the reset.
+TEST_F(LocksTest, AResetThatIsRequestedWhileARestoreWaitsIsNotLost) {
+  for (const auto& restore :
+       {Operation{"reload", [] { Tprocess::Sprocess_ReloadSendCardProgram(0, nullptr); }},
+        Operation{"load of the FPGA", [this] { daemon.bringUp(); }}}) {
+    EXPECT_TRUE(waitsFor(store().m_mutex, restore.run, [] { store().request(1); })) << restore.name;
+    EXPECT_EQ(store().RebootRF, ResetState::kRequested) << restore.name;
+    store().RebootRF = ResetState::kIdle;
+  }
 }
 
 TEST_F(LocksTest, ACalculationThatIsTakenBackBeforeItsTurnIsLeftOut) {
@@ -369,6 +402,62 @@ TEST_F(LocksTest, AnAdvancedConfigurationIsTakenOnceForBothSteps) {
   }
   done = true;
   peer.join();
+}
+
+// The first item's handler is held in the pause behind a new network address.
+TEST_F(LocksTest, AnItemOfWorkWaitsForTheOneBefore) {
+  constexpr TestBoard::Time kSettling{10'000};
+  const auto handle = [](enum_Process_Key_Table key, const Bytes& payload) {
+    MCUProcessDataBlock item;
+    item.m_key = key;
+    item.setData(reinterpret_cast<const char*>(payload.data()), static_cast<int>(payload.size()));
+    Tprocess_ctl::getInstance()->onProcessDealwith(&item);
+  };
+  board.takeTime(kSettling);
+  std::thread first([&] { handle(HwBasicinfoKey, {0x3D, 0, 0, 0, 7, 0, 0, 2, 3, 4, 5, 6, 7}); });
+  ASSERT_TRUE(board.awaitHeld(1));
+  EXPECT_TRUE(comesToWait(
+      [&] {
+        handle(DoBackupInfoKey, {0, 0, 0x30, 2, 1, 0, 9});
+      },
+      [&] { board.advance(kSettling); }));
+  first.join();
+}
+
+class InputLocksTest : public StoreFixture {
+ protected:
+  InputLocksTest() : StoreFixture("input = 0x10 dvi\n") { inputs().InputBoardInit(); }
+  static InputSource& inputs() { return *InputSource::getInstance(); }
+};
+
+// Somebody loads an EDID, which takes as long as nobody reads the pipe that stands in its file's place.
+TEST_F(InputLocksTest, WhileAnEdidIsLoadedTheListsAreOfOnePieceForAll) {
+  const std::string edid = board.file("hw/edid-16.bin");
+  const std::string pipe = board.file("pipe");
+  const std::vector<Operation> others{
+      {"look for boards", [] { inputs().InputBoardInit(); }},
+      {"source", [] { inputs().GetSourceByGroup(0); }},
+      {"name", [] { inputs().name(0); }},
+      {"number", [] { inputs().sources(); }},
+      {"read",
+       [] {
+         EdidBytes bytes{};
+         inputs().ReadEDIDInfo(0, bytes);
+       }},
+      {"load", [] { inputs().EDIDSetByMode(0, 800, 600, 6000); }},
+  };
+  for (const Operation& other : others) {
+    ASSERT_EQ(mkfifo(edid.c_str(), 0600), 0);
+    int reader = -1;
+    EXPECT_TRUE(comesToWait(
+        [] { inputs().EDIDSetByMode(0, 1920, 1080, 6000); },
+        [&] {
+          std::filesystem::rename(edid, pipe);
+          EXPECT_TRUE(comesToWait(other.run, [&] { reader = open(pipe.c_str(), O_RDONLY); })) << other.name;
+        }));
+    close(reader);
+    std::filesystem::remove(edid);
+  }
 }
 
 TEST(ResetStateTest, WhoSeesARequestSeesItsMode) {

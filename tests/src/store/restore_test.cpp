@@ -5,6 +5,7 @@
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/imageload.h"
 #include "proto/store/porttables.h"
 #include "store_fixture.h"
 
@@ -83,7 +84,22 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
-  ASSERT_EQ(store().loadFailures.portTables, 0);
+  EXPECT_THAT(store().loadFailures.portTables, testing::Each(false));
+}
+
+TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.restart();
+  board.clearFaults();
+  const LoadFailures& failures = store().loadFailures;
+  EXPECT_TRUE(failures.feature && failures.global && failures.number && failures.screen);
+  EXPECT_THAT(failures.portTables, testing::Each(true));
+  loadWhatIsMissing(store());
+  EXPECT_FALSE(failures.feature || failures.global || failures.number || failures.screen);
+  EXPECT_THAT(failures.portTables, testing::Each(false));
+  for (const uint8_t loaded : {store().SendParameterReg[0x21], ParaTable[0], VsPartPara[0],
+                               store().ScreenParaReg[0], PortsTopoPara[0]})
+    EXPECT_EQ(loaded, kPattern);
 }
 
 TEST_F(RestoreTest, TheParameterTableIsLoadedOnceAndALaterRestoreTakesNothingBack) {
@@ -117,6 +133,55 @@ TEST_F(RestoreTest, TheHardwaresOwnRegistersAreThoseOfTodayOnceTheFpgaIsThere) {
   EXPECT_EQ(store().SendParameterReg[0x20], kPattern);
   EXPECT_EQ(store().SendParameterReg[0x1D8], kPattern);
   EXPECT_EQ(store().SendParameterReg[0x1F2], kPattern) << "a setting of the image lies there";
+}
+
+TEST_F(RestoreTest, WhatWasNotLoadedIsWrittenToTheFpgaOnceItCanBeRead) {
+  const struct {
+    Area area;
+    uint32_t fpga;
+  } parts[] = {{kFeature, 0x20},
+               {kTable0, portTableOnFpga(0) + 0xFFF},
+               {kTable9, portTableOnFpga(9)},
+               {kNumber, kNumberPorts8To11.fpga}};
+  for (const auto& [area, at] : parts) {
+    SCOPED_TRACE(area.name);
+    board.setFpga(at, {0x66});
+    failReads(area);
+    daemon.restart();
+    daemon.bringUp();
+    EXPECT_EQ(board.fpga(at, 1), Bytes{0x66}) << "not known, not written";
+    EXPECT_FALSE(store().FpgaParaLoadFinish);
+    board.setFpga(0x1E, {0x67});
+    store().SendParameterReg[0x1E] = 0x67;
+    board.clearFaults();
+    store().SaveParaToFlash(1);
+    EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern});
+    EXPECT_EQ(stored(area)[at == 0x20 ? 0x20 : 0], kPattern);
+    EXPECT_EQ(store().SendParameterReg[0x1E], 0x67) << "the hardware's own, of today";
+    EXPECT_EQ(store().SendParameterReg[fpga::kOutputEnable], 0x5A) << "closed by the restore";
+    EXPECT_EQ(board.fpga(fpga::kOutputEnable, 1), Bytes{0});
+  }
+}
+
+TEST_F(RestoreTest, WhatWasLoadedOnceIsRestoredToTheFpgaThoughALaterReadFails) {
+  daemon.restart();
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.bringUp();
+  for (const uint32_t at : {0x20U, portTableOnFpga(0), portTableOnFpga(9), kNumberCommon.fpga})
+    EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern}) << at;
+}
+
+TEST_F(RestoreTest, TheFpgaIsLoadedWhenAllOfItWasWritten) {
+  daemon.restart();
+  EXPECT_FALSE(store().FpgaParaLoadFinish) << "without an FPGA";
+  for (const uint32_t at : {0x20U, portTableOnFpga(0), portTableOnFpga(9) + 0xC00, kNumberCommon.fpga}) {
+    board.fault(Fault::FpgaWrite, {TestBoard::kEveryCall, 0, at, at});
+    daemon.bringUp();
+    EXPECT_FALSE(store().FpgaParaLoadFinish) << at;
+    board.clearFaults();
+    daemon.bringUp();
+    EXPECT_TRUE(store().FpgaParaLoadFinish) << at;
+  }
 }
 
 TEST_F(RestoreTest, EveryPortTableGoesBackToTheFpga) {
@@ -174,6 +239,21 @@ TEST_F(RestoreTest, FailuresOfSavesAndPagesAreErrors) {
       store().SaveParaToFlash(1);
     });
     EXPECT_THAT(errors, ElementsAre(HasSubstr(line)));
+  }
+  const struct {
+    uint32_t place;
+    std::function<void()> action;
+    const char* caller;
+  } bytes[] = {
+      {flash::kBasicHardwareSaved, [] { Data_Preset::getInstance()->SaveBasicParaToFlash(); },
+       "SaveBasicPara"},
+      {flash::kBasicHardwarePage, [] { Data_Preset::getInstance()->SaveBasicParaToFlash(); },
+       "SaveBasicPara"},
+      {flash::kSerialNumber, [] { store().SNTransfer(); }, "=== SNTransfer ===8 bytes were not written"}};
+  for (const auto& [place, action, caller] : bytes) {
+    board.fault(Fault::FlashWrite, {3, 0, place, place});
+    EXPECT_THAT(errorsOf(action), Contains(HasSubstr(caller)));
+    board.clearFaults();
   }
   board.fault(Fault::FlashWrite, {3, 0, flash::kSoftwareTable + 256, flash::kSoftwareTable + 511});
   const Bytes data(600, 1);
@@ -235,6 +315,45 @@ TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGi
   Bytes tooMuch(0x10000);
   EXPECT_EQ(readCard(card, 0x24, tooMuch), -1);
   EXPECT_EQ(writeCard(card, 0x24, tooMuch), -1);
+}
+
+// With the fiber module's link the first port is asked, otherwise the first that is linked.
+TEST(CardSizeTest, IsThatOfTheFirstCardThatCanBeAsked) {
+  TestDaemon daemon("fpga_autoload = no\ncopper_ports = 2\n");
+  Data_Global& store = *Data_Global::getInstance();
+  constexpr CardSize kBefore{1, 1};
+  constexpr CardSize kDefault{};
+  const struct {
+    const char* name;
+    uint16_t links;
+    uint8_t module;
+    TestBoard::Bytes answer;  // none: the card is silent
+    int result;
+    CardSize size;
+  } cases[] = {
+      {"a card", 4, 0, {0x61, 1, 0x51, 2}, 0, {0x161, 0x251}},
+      {"no height", 4, 0, {97, 0, 0, 0}, -1, kBefore},
+      {"no width", 4, 0, {0, 0, 81, 0}, -1, kBefore},
+      {"silence", 4, 0, {}, -1, kDefault},
+      {"a module without a link", 4, 0xA0, {97, 0, 81, 0}, 0, {97, 81}},
+      {"a link without a module", 4, 0x01, {97, 0, 81, 0}, 0, {97, 81}},
+      {"a module with a link", 4, 0xA1, {97, 0, 81, 0}, -1, kDefault},
+      {"no link at all", 0, 0, {97, 0, 81, 0}, -1, kDefault},
+  };
+  for (const auto& [name, links, module, answer, result, size] : cases) {
+    store.netLinksSeen = store.fiberLinksSeen = true;
+    store.GigaPhyLinkSta = links;
+    store.ReceiveCardSize = kBefore;
+    daemon.board.setFpga(fpga::kFiberLink, {module});
+    if (answer.empty()) daemon.board.failNext(TestBoard::Fault::CardRead, TestBoard::kEveryCall);
+    daemon.board.setCard(1, 2, 0, card::kSize, answer);
+    EXPECT_EQ(store.GetRecvCardSize_EnvNew(), result) << name;
+    const CardSize measured = store.ReceiveCardSize;
+    EXPECT_EQ(measured.width, size.width) << name;
+    EXPECT_EQ(measured.height, size.height) << name;
+    EXPECT_EQ(store.OptModuleLinkSta, module) << name;
+    daemon.board.clearFaults();
+  }
 }
 
 TEST(UnseenLinksTest, LinksThatNoTickHasSeenAreReadWhenASizeIsNeeded) {

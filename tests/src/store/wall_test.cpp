@@ -115,12 +115,40 @@ TEST_F(WallTest, LinkedPortsBeyondTheUsedOnesAreBackupsUnlessAPeerHasMarkedThem)
   expectRoles("bbbbbbbbbbbbbbbb");
 }
 
+TEST_F(WallTest, ASlaveWhoseRoleCannotBeReadIsNotMadeAMaster) {
+  const struct {
+    const char* name;
+    bool untilSubmitted;
+  } cases[] = {{"never readable", false}, {"readable once submitted", true}};
+  const Bytes backup{fpga::kBackup};
+  for (const auto& [name, untilSubmitted] : cases) {
+    SCOPED_TRACE(name);
+    daemon.board.setFlash(flash::kRole, {1});
+    for (unsigned port = 0; port < kOutputPorts; ++port)
+      daemon.board.setFlash(flash::ofFeature(fpga::portRole(port)), backup);
+    daemon.board.fault(TestBoard::Fault::FlashRead, {TestBoard::kEveryCall, 0, flash::kRole, flash::kRole});
+    daemon.restart();
+    ASSERT_EQ(submit(3, 1, 1, 0), 0);
+    daemon.workOff();
+    if (untilSubmitted) daemon.board.clearFaults();
+    daemon.settle();
+    expectRoles("bbbbbbbbbbbbbbbb");
+    ASSERT_EQ(store().AdvCalcParaOfSenderInMosaicMode(AdvancedScreen{}), 0);
+    expectRoles("bbbbbbbbbbbbbbbb");
+    EXPECT_EQ(store().PbufMorSMode, untilSubmitted ? 1 : 0);
+    daemon.board.clearFaults();
+  }
+}
+
 TEST_F(WallTest, MorePortsThanTablesLeaveTablesAndRolesAlone) {
   daemon.tick(2);
   const Bytes table(kPortTableSize, 0x31);
   ASSERT_TRUE(PortsTopoPara.copyFrom(table, 0));
   ASSERT_EQ(submit(11, 1, 1, 0), 0);
+  setTraceLevel(0);
   daemon.settle();
+  EXPECT_EQ(daemon.trace("PortsTopoPara"),
+            std::vector<std::string>{"Error ERROR:$$PortsTopoPara$$ out of memory!!!0"});
   EXPECT_EQ(store().SendParameterReg.le16(fpga::kMappedWidth), 97);
   EXPECT_EQ(daemon.board.fpga(cardCountOnFpga(9), 2), words({1}));
   EXPECT_EQ(daemon.board.fpga(portTableOnFpga(0), 4), Bytes(4));
@@ -173,6 +201,9 @@ TEST_F(WallTest, AnUnknownConnectionModeIsStoredAndRefused) {
       }
       EXPECT_EQ(TempAdvPortCM[port], 0);
     }
+    Bytes across(6, 1);  // from before the first port's block into its mode
+    across.back() = mode;
+    EXPECT_EQ(daemon.write(kConfig + 0x4C, across).ack, 4);
   }
   EXPECT_EQ(daemon.workOff(), 0U);
   EXPECT_EQ(submit(1, 2, 2, 7), 0);

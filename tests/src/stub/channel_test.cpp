@@ -2,10 +2,12 @@
 // is not told, and who is told everything.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <map>
 
 #include "../allocations.h"
 #include "calc/screenrecord.h"
+#include "maps/registermap.h"
 #include "mcuctrace.h"
 #include "messagedesk.h"
 #include "stub/mcuimdthread.h"
@@ -93,6 +95,11 @@ TEST(MemoryTest, ARequestThatRunsOutOfItIsRefusedWithoutDataAndNothingIsHalfDone
       }
       ASSERT_THAT(replies, SizeIs(1)) << frame.address << " " << n;
       EXPECT_THAT(replies[0].ack, AnyOf(0, kRefusal));
+      const bool noBlock = std::ranges::any_of(
+          errors, [](const std::string& line) { return line.find("new a pDataBlock") != line.npos; });
+      if (noBlock && frame.address != kRecord + shortcut::kModeAt) {  // which tells of every refusal
+        EXPECT_EQ(replies[0].ack, 0) << "who asked is not told";
+      }
       if (replies[0].ack == kRefusal) {
         EXPECT_THAT(replies[0].data, IsEmpty());
         EXPECT_EQ(queued, 0U);
@@ -113,6 +120,10 @@ TEST(MemoryTest, AWorkItemThatRunsOutOfItIsGivenUpAndTheNextIsCarriedOut) {
   TestDaemon daemon;
   for (const auto& frame : {writing(kBackupInfo, Bytes(40, 7)), writing(kRecord + shortcut::kModeAt, wall()),
                             writing(kSoftwareTable, Bytes(512, 9))}) {
+    ASSERT_EQ(daemon.ask(frame).ack, 0);
+    const std::size_t before = allocations();
+    daemon.workOff();
+    const std::size_t ofItem = allocations() - before;
     bool more = true;
     for (std::size_t n = 1; more; ++n) {
       ASSERT_EQ(daemon.ask(frame).ack, 0);
@@ -120,6 +131,8 @@ TEST(MemoryTest, AWorkItemThatRunsOutOfItIsGivenUpAndTheNextIsCarriedOut) {
       std::size_t handled = 0;
       more = failAllocation(n, [&] { handled = daemon.workOff(); });
       EXPECT_EQ(handled, 2U);
+      if (n > ofItem) continue;  // the next item itself ran out of it
+      EXPECT_EQ(daemon.read(kBackupInfo + 100, 1).data, Bytes{static_cast<uint8_t>(n)}) << frame.address;
     }
     EXPECT_EQ(daemon.read(kBackupInfo, 40).ack, 0);
   }
@@ -169,6 +182,12 @@ TEST(RefusalTest, WhatIsAcknowledgedAndNotDoneIsLogged) {
   } kCases[] = {
       {"no such device type", {.deviceType = 5, .address = kBackupInfo, .length = 1}},
       {"no such register space", {.address = 0x7F000000, .length = 1}},
+      {"no such code, basic hardware", {.code = 2, .address = reg::kHwBasicInfo, .length = 1}},
+      {"no such code, FPGA bus", {.code = 2, .address = reg::kTestPrint, .length = 1}},
+      {"no such code, receiving card", {.deviceType = 1, .code = 2, .address = 0x02000001, .length = 1}},
+      {"no such code, multi-function card", {.deviceType = 2, .code = 2, .address = 0x02000001, .length = 1}},
+      {"no such code, distribution card", {.deviceType = 3, .code = 2, .address = 0x02000001, .length = 1}},
+      {"no such code, launcher", {.deviceType = 4, .code = 2, .address = 0x02000001, .length = 1}},
   };
   for (const auto& each : kCases) {
     daemon.trace();

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <thread>
 
+#include "../allocations.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "stub/fpgareportthread.h"
@@ -16,6 +17,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using Bytes = peer::Bytes;
 
@@ -33,8 +35,11 @@ class ReportThreadTest : public testing::Test {
   template <class Condition>
   static bool becomes(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + 10s;
-    while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
-    return condition();
+    while (std::chrono::steady_clock::now() < end) {
+      if (condition()) return true;
+      std::this_thread::sleep_for(1ms);
+    }
+    return false;
   }
 
   TestDaemon daemon;
@@ -52,6 +57,23 @@ TEST_F(ReportThreadTest, TheParameterBytesThenTheEnableByteWhateverFails) {
   report.FPGAReport_init();
   EXPECT_EQ(daemon.board.fpga(0x100070, 1), Bytes{0});
   EXPECT_THAT(daemon.trace("reprot"), ElementsAre("Error === Write reprot para Reg failed! ret = -1"));
+}
+
+TEST_F(ReportThreadTest, ARegisterThatRunsOutOfMemoryIsGivenUpAndTheNextIsProgrammed) {
+  const Bytes other{9, 9, 9, 9, 9};
+  setTraceLevel(0);
+  bool more = true;
+  for (std::size_t n = 1; more; ++n) {
+    daemon.board.setFpga(0x100070, other);
+    more = failAllocation(n, [this] { report.FPGAReport_init(); });
+    const Bytes now = daemon.board.fpga(0x100070, 5);
+    const auto lost = static_cast<std::size_t>((now[0] == 9) + (now[1] == 9));
+    EXPECT_LE(lost, more ? 1U : 0U) << n;
+    EXPECT_GE(daemon.trace("FPGAReport_init ===out of memory").size(), lost) << n;
+    if (!more) {
+      EXPECT_GT(n, 2U) << "nothing was tried";
+    }
+  }
 }
 
 TEST_F(ReportThreadTest, ATestWritesEachBlockWithBothPatternsAndReadsItBack) {
@@ -118,7 +140,9 @@ TEST_F(ReportThreadTest, TheThreadTestsWhileItIsAskedToAndSleepsOtherwise) {
     std::this_thread::sleep_for(5ms);
     return tests() == now;
   }));
-  EXPECT_THAT(daemon.trace("Read_Write FPGA test : 100"), SizeIs(1));
+  const auto counts = daemon.trace("Read_Write FPGA test : ");
+  ASSERT_THAT(counts, Not(IsEmpty()));
+  EXPECT_EQ(counts.front(), "Info Read_Write FPGA test : 100");
   report.Release();
   body.join();
   EXPECT_THAT(daemon.trace("exit."), ElementsAre("Info FpgaThread  exit.", "Info ActiveReport thread exit."));

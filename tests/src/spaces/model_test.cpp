@@ -4,12 +4,12 @@
 #include <map>
 #include <random>
 
-#include "system_test.h"
+#include "daemontest.h"
+
+namespace {
 
 using peer::Bytes;
 using peer::Frame;
-
-namespace {
 
 constexpr uint32_t kImageSize = 32U << 20;  // the whole flash, and more of the bus than these requests reach
 constexpr uint16_t kAnyLength = 65535;
@@ -294,40 +294,26 @@ class Requests {
   std::mt19937 random_;
 };
 
-class ModelTest : public SystemTest, public testing::WithParamInterface<unsigned> {
+class ModelTest : public DaemonTest, public testing::WithParamInterface<unsigned> {
  protected:
-  void SetUp() override {
-    daemon.prepare("board.conf", "fpga_autoload = no\n");
+  ModelTest() : DaemonTest(TestDaemon::Later{}) {
     daemon.prepare("etc/sysconf.env", "device_sn=1a2B3c4D5e6F7081\ndevice_modelid=4c0d\n");
-    start();
-    // The last that the start-up does to the board on its own.
-    ASSERT_TRUE(eventually([&] { return daemon.board().fpga(0x100071, 4) == Bytes{4, 0, 0x90, 1}; }));
+    daemon.start("fpga_autoload = no\n");
     for (const uint32_t address : {0xB98000U, 0xC30000U, 0xC90000U, 0xD14000U, 0xE00000U})
-      daemon.board().setFlash(address, counting(4096, address >> 12));
-    model.emplace(daemon.board().flash(0, kImageSize), daemon.board().fpga(0, kImageSize));
+      daemon.board.setFlash(address, counting(4096, address >> 12));
+    model.emplace(flash(0, kImageSize), fpga(0, kImageSize));
   }
 
-  // Requests are answered in order: a reply to a frame that should have been dropped shows as the next one's.
   void compare(const Bytes& frame) {
-    client->send(frame, ++number_);
+    SCOPED_TRACE(peer::toHex(frame));
     const auto expected = model->answer(frame);
+    const auto message = daemon.exchange(frame);
     ++outcomes[expected ? static_cast<int>(expected->at(2)) : -1];
+    ASSERT_EQ(message.has_value(), expected.has_value());
     if (!expected) return;
-    const auto message = client->receive(kPatience);
-    ASSERT_TRUE(message) << "request " << number_ << ": " << peer::toHex(frame);
-    ASSERT_EQ(message->head.labelCount, number_) << "request " << number_ << ": " << peer::toHex(frame);
-    ASSERT_EQ(peer::toHex(message->frame), peer::toHex(*expected))
-        << "request " << number_ << ": " << peer::toHex(frame);
+    ASSERT_EQ(peer::toHex(message->frame), peer::toHex(*expected));
     ASSERT_EQ(message->head.result, expected->at(2));
     ASSERT_EQ(message->head.frameLength, expected->size());
-  }
-
-  // Queued writes are carried out in order: once this one shows, none is left.
-  void settle() {
-    constexpr uint32_t kMark = 0x0230C000;
-    const Bytes mark = counting(4, ++marks_);
-    compare(peer::encode(Frame{.code = peer::kWrite, .address = kMark, .length = 4, .data = mark}));
-    ASSERT_TRUE(eventually([&] { return read(kMark, 4).data == mark; }));
   }
 
   static void expectSame(const Bytes& is, const Bytes& shouldBe, const char* what) {
@@ -340,10 +326,6 @@ class ModelTest : public SystemTest, public testing::WithParamInterface<unsigned
 
   std::optional<Model> model;
   std::map<int, unsigned> outcomes;  // by acknowledge code; -1: no reply
-
- private:
-  uint32_t number_ = 0x40000000;
-  unsigned marks_ = 0;
 };
 
 TEST_P(ModelTest, RepliesAndMemoryAreThoseOfTheModel) {
@@ -353,13 +335,12 @@ TEST_P(ModelTest, RepliesAndMemoryAreThoseOfTheModel) {
       compare(requests.next(i >= 8));
       if (HasFatalFailure()) return;
     }
-    settle();
-    if (HasFatalFailure()) return;
+    daemon.workOff();
   }
   for (const int outcome : {int{Done}, int{BadChecksum}, int{Refused}, -1})
     EXPECT_GE(outcomes[outcome], 100U);
-  expectSame(daemon.board().flash(0, kImageSize), model->flash, "flash");
-  expectSame(daemon.board().fpga(0, kImageSize), model->bus, "FPGA");
+  expectSame(flash(0, kImageSize), model->flash, "flash");
+  expectSame(fpga(0, kImageSize), model->bus, "FPGA");
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, ModelTest, testing::Values(20170619U, 4711U));

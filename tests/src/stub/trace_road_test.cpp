@@ -1,13 +1,11 @@
 // What the trace says about a request from its arrival to its end, line by line.
-#include <algorithm>
-
-#include "system_test.h"
-
-using peer::Bytes;
-using peer::Frame;
+#include "daemontest.h"
+#include "mcuctrace.h"
 
 namespace {
 
+using peer::Bytes;
+using peer::Frame;
 using Lines = std::vector<std::string>;
 
 // Bytes as the trace writes them.
@@ -26,8 +24,7 @@ Bytes whole(const peer::Message& reply) {
 }
 
 const Lines kTaken{
-    "Info Apipc ipc_event_deal begin...",
-    ("Info Apipc, Get a new Packet: ihead_t uiid = 0x010a5000 label count = 305419896 size = 0"
+    ("Info Apipc, Get a new Packet: ihead_t uiid = 0x010a5000 label count = {number} size = 0"
      " large label = 28 small label = 0"),
     "Info ============================= Begin Deal DataBlock ==============================",
     "Info Apipc: the new Packet's datalength = {length} the Data = {request}",
@@ -140,53 +137,19 @@ const Road kRoads[] = {
      .trailer = {"Info \t********DevComLinkState == 1 *********"}},
 };
 
-class TracedTest : public SystemTest {
+constexpr uint32_t kTraveller = 0x0A5000;
+
+class TracedTest : public DaemonTest {
  protected:
-  void SetUp() override {
-    daemon.prepare("board.conf", "fpga_autoload = no\n");
-    start("-debug");
-    traveller.emplace(daemon.connect(0x0A5000));
-    travel(peer::encode(Frame{.address = 0xF0000000, .length = 1}));
-    // What the start-up and the requests so far have still to say.
-    for (const char* last : {"Finish main init", "FPGAReport_init Finish",
-                             "doProcess process thread begin:", "FlagMsg process thread begin."})
-      ASSERT_TRUE(eventually([&] { return daemon.trace().find(last) != std::string::npos; })) << last;
-    ASSERT_TRUE(eventually([&] {
-      const Lines all = daemon.traceLines();
-      return std::count(all.begin(), all.end(), kEnd.front()) == 2;
-    }));
-    begin_ = static_cast<std::ptrdiff_t>(daemon.traceLines().size());
+  TracedTest() : DaemonTest("fpga_autoload = no\n") {
+    daemon.connect(kTraveller);
+    daemon.exchange(peer::encode(Frame{.address = 0xF0000000, .length = 1}), {}, kTraveller);
+    ORVE_MCUC::setTraceLevel(3);
   }
 
   peer::Message travel(const Bytes& frame) {
-    traveller->send(frame, kRawNumber);
-    return traveller->receive(kPatience).value_or(peer::Message{});
+    return daemon.exchange(frame, {}, kTraveller).value_or(peer::Message{});
   }
-
-  // The lines since SetUp, at least so many, up to those of the next request: the first request is over
-  // before that one is sent. The flag thread's are left out: it looks for its file from time to time.
-  Lines road(std::size_t count = 1) {
-    const auto lines = [&] {
-      Lines all = daemon.traceLines();
-      all.erase(all.begin(), all.begin() + begin_);
-      std::erase(all, "Debug CheckFPGAOnline begin.");
-      return all;
-    };
-    EXPECT_TRUE(eventually([&] {
-      const Lines all = lines();
-      return all.size() >= count && std::find(all.begin(), all.end(), kEnd.front()) != all.end();
-    }));
-    read(0xF0000000, 1);
-    Lines all = lines();
-    const auto next = std::find(all.begin() + 1, all.end(), kTaken.front());
-    all.erase(next, all.end());
-    return all;
-  }
-
-  std::optional<peer::Peer> traveller;
-
- private:
-  std::ptrdiff_t begin_ = 0;
 };
 
 class RoadTest : public TracedTest, public testing::WithParamInterface<Road> {
@@ -215,7 +178,8 @@ class RoadTest : public TracedTest, public testing::WithParamInterface<Road> {
     }
     EXPECT_EQ(at, road.pieces.empty() ? 0 : text.size());
     return joined({kTaken, road.refused, kDecoded, road.task, kReplied, shown, kFinished, road.trailer, kEnd},
-                  {{"{length}", std::to_string(frame.size())},
+                  {{"{number}", std::to_string(reply.head.labelCount)},
+                   {"{length}", std::to_string(frame.size())},
                    {"{request}", logged(frame)},
                    {"{computed}", std::to_string(static_cast<uint16_t>(carried - road.checksumError))},
                    {"{carried}", std::to_string(carried)},
@@ -227,69 +191,58 @@ class RoadTest : public TracedTest, public testing::WithParamInterface<Road> {
 
 TEST_P(RoadTest, EveryLineComesInItsPlace) {
   const Road& road = GetParam();
-  daemon.board().setFlash(0xB98010, counting(128));
+  daemon.board.setFlash(0xB98010, counting(128));
   Bytes frame = peer::encode(road.request);
   const auto carried = static_cast<uint16_t>((frame.end()[-2] | frame.end()[-1] << 8) + road.checksumError);
   frame.end()[-2] = static_cast<uint8_t>(carried);
   frame.end()[-1] = static_cast<uint8_t>(carried >> 8);
   const peer::Message reply = travel(frame);
-  const Lines request = expected(road, frame, carried, reply);
-
-  Lines lines = this->road(request.size() + road.work.size());
-  const auto ofWork = std::stable_partition(lines.begin(), lines.end(), [&](const std::string& line) {
-    return std::find(road.work.begin(), road.work.end(), line) == road.work.end();
-  });
-  EXPECT_THAT(Lines(lines.begin(), ofWork), testing::ElementsAreArray(request));
-  EXPECT_THAT(Lines(ofWork, lines.end()), testing::ElementsAreArray(road.work));
+  EXPECT_THAT(daemon.trace(), testing::ElementsAreArray(expected(road, frame, carried, reply)));
+  daemon.workOff();
+  EXPECT_THAT(daemon.trace(), testing::ElementsAreArray(road.work));
 }
 
 INSTANTIATE_TEST_SUITE_P(Requests, RoadTest, testing::ValuesIn(kRoads),
                          [](const auto& row) { return row.param.name; });
 
 TEST_F(TracedTest, APeerIsNewOnceAndAFrameThatCannotBeDecodedEndsItsRoad) {
-  traveller->send(peer::fromHex("55 AA 00"), kRawNumber);
-  EXPECT_THAT(road(),
+  EXPECT_FALSE(daemon.exchange(peer::fromHex("55 AA 00"), {}, kTraveller));
+  EXPECT_THAT(daemon.trace(),
               testing::ElementsAre(
-                  kTaken[0], kTaken[1], kTaken[2],
+                  testing::StartsWith("Info Apipc, Get a new Packet: ihead_t uiid = 0x010a5000 "), kTaken[1],
                   "Info Apipc: the new Packet's datalength = 3 the Data = 55 AA 00 ", kBadChecksum,
                   testing::StartsWith("Error === DecodeHeader ===Decode Header: Decode Failed! return. "
                                       "The data length = 3pData = 0x"),
                   "Error === dealDataBlock ===Decode DataBlock Failed! Decode result = -1", kEnd[0]));
-  daemon.connect(0x0A5001).exchange({.address = 0xF0000000, .length = 1});
-  const char* another = " recv new uiid = 17453057 size = 4\n";
-  EXPECT_TRUE(eventually([&] { return daemon.trace().find(another) != std::string::npos; }));
-  const std::string trace = daemon.trace();
-  EXPECT_THAT(trace, testing::HasSubstr(" recv new uiid = 17453056 size = 3\n"));
-  EXPECT_EQ(trace.find("recv new uiid = 17453056"), trace.rfind("recv new uiid = 17453056"));
+  for (const std::size_t news : {1U, 0U}) {
+    daemon.connect(kTraveller + 1);
+    daemon.exchange(peer::encode(Frame{.address = 0xF0000000, .length = 1}), {}, kTraveller + 1);
+    EXPECT_EQ(daemon.trace("recv new uiid = 17453057 size = ").size(), news);
+  }
 }
 
-TEST_F(TracedTest, ALongFrameIsCutInItsLineAndLeftOutWhereItsTextWouldNotFitABuffer) {
-  const std::string begin = "Apipc: the new Packet's datalength = ";
+TEST_F(TracedTest, ALongFrameIsLeftOutWhereItsTextWouldNotFitABuffer) {
   for (const std::size_t size : {400U, 21845U, 21846U}) {
-    EXPECT_THAT(write(0x05000000, counting(size - peer::kFrameOverhead)), CarriesNothing());
-    const std::string trace = daemon.trace();
-    const std::size_t at = trace.find(begin + std::to_string(size) + " the Data = ");
-    ASSERT_NE(at, std::string::npos) << size;
-    const std::size_t end = trace.find('\n', at);
+    EXPECT_THAT(daemon.write(0x05000000, counting(size - peer::kFrameOverhead)), CarriesNothing());
+    const std::string text = "Apipc: the new Packet's datalength = " + std::to_string(size) + " the Data = ";
+    const std::string begin = "Info " + text;
+    const Lines line = daemon.trace(text);
+    ASSERT_EQ(line.size(), 1U);
     if (size == 21846) {
-      EXPECT_EQ(trace.substr(end - 3, 3), " = ");
+      EXPECT_EQ(line[0], begin);
     } else {
-      // A line's text is the source, its line number and 960 characters less those.
-      const std::size_t text = trace.rfind("Info:", at) + 5;
-      EXPECT_EQ(end - text, 960U);
-      EXPECT_NE(trace.find(" 55 AA 00 ", at), std::string::npos);
+      EXPECT_TRUE(line[0].starts_with(begin + "55 AA 00 ")) << line[0];
     }
   }
 }
 
 TEST_F(TracedTest, ThePiecesOfTheLongestReplyAddUpToIt) {
-  daemon.board().setFlash(0xC30000, counting(32768));
+  daemon.board.setFlash(0xC30000, counting(32768));
   const peer::Message reply = travel(peer::encode(Frame{.address = 0x05000000, .length = 32768}));
   ASSERT_EQ(reply.frame.size(), 32768U + peer::kFrameOverhead);
   const std::string prefix = "Info  ReplyMsg: the data = ";
   std::string pieces;
-  for (const std::string& line : road()) {
-    if (!line.starts_with(prefix)) continue;
+  for (const std::string& line : daemon.trace(" ReplyMsg: the data = ")) {
     EXPECT_LE(line.size(), prefix.size() + 200);
     pieces += line.substr(prefix.size());
   }

@@ -117,7 +117,7 @@ void convert(const Conversion& conversion, int arg) {
                             setting(para::PbufHue), arg, coefficients.data());
   writeFpga(conversion.fpga, coefficients);
   if (!tracePasses(kInfo)) return;
-  const HexText<4 * COLOUR_COEFFICIENTS_SIZE> text(coefficients.data(), COLOUR_COEFFICIENTS_SIZE);
+  const HexText<4 * COLOUR_COEFFICIENTS_SIZE> text(coefficients);
   PARLEND_TRACE(kInfo) << conversion.words << text.view();
 }
 

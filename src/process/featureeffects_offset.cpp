@@ -11,15 +11,9 @@ namespace {
 
 constexpr char kCaller[] = "DoWriteFeatureInfo";
 
-void writeWord(uint32_t fpgaRegister, uint16_t value) {
-  std::array<uint8_t, 2> bytes{};
-  putLe16(bytes, 0, value);
-  writeFpga(fpgaRegister, bytes, kCaller);
-}
-
 void clearDirections() {
-  writeWord(fpga::kScreenDirectionX, 0);
-  writeWord(fpga::kScreenDirectionY, 0);
+  writeFpgaWord(fpga::kScreenDirectionX, 0, kCaller);
+  writeFpgaWord(fpga::kScreenDirectionY, 0, kCaller);
 }
 
 void putSigned(FeatureDraft& draft, uint32_t first, uint32_t value) {
@@ -101,10 +95,10 @@ void enlargeOutput(FeatureWrite& write, const Axis& axis, uint16_t magnitude) {
 }
 
 void applySigned(FeatureWrite& write, const Axis& axis, int32_t offset) {
-  writeWord(axis.offset, magnitudeOf(offset));
+  writeFpgaWord(axis.offset, magnitudeOf(offset), kCaller);
   if (offset <= 0) enlargeOutput(write, axis, magnitudeOf(offset));
   PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << directionOf(offset);
-  writeWord(axis.direction, directionOf(offset));
+  writeFpgaWord(axis.direction, directionOf(offset), kCaller);
 }
 
 // The output of an image without its offset.

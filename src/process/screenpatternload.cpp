@@ -76,7 +76,7 @@ void load(PatternImage reg) {
 
 void logImage(PatternImage reg) {
   if (!tracePasses(kInfo)) return;
-  const HexText<4 * pattern::kImageSize> text(reg.data(), pattern::kImageSize);
+  const HexText<4 * pattern::kImageSize> text(reg);
   PARLEND_TRACE(kInfo) << " HardwareScreenGenReg:" << text.view() << "buf[0]" << reg[0];
 }
 

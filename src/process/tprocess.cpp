@@ -30,7 +30,7 @@ void logEntry(const WorkKey& key) {
 
 template <int Room>
 void logKeyText(const WorkKey& key, const PenetrateInfo& info) {
-  const HexText<Room> text(info.data.data(), info.length);
+  const HexText<Room> text(info.data);
   PARLEND_TRACE(kInfo) << "Process key: " << key.name << "  Register: " << CTrace::hex << info.Register
                        << " len: " << info.length << " data:" << text.c_str();
 }

@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::size_t kAdvancedArea = 4096;
 constexpr int kRecordTextRoom = 1536;
-constexpr uint8_t kNotABackup = 0xFF;
 constexpr std::size_t kScreenParaSaved = 2;
 
 Data_Global& store() {
@@ -43,16 +42,16 @@ bool isTaken(const SmartScreen& screen) {
 
 void logRecord(std::span<const uint8_t> record) {
   if (!tracePasses(kInfo)) return;
-  const HexText<kRecordTextRoom> text(record.data(), static_cast<int>(record.size()));
+  const HexText<kRecordTextRoom> text(record);
   PARLEND_TRACE(kInfo) << workKey<CalculateParaOfSenderKey>.handler << " enter:" << text.view();
 }
 
 // A submission takes the backup marker back: the output ports are assigned anew.
 FeatureDraft clearBackupMark() {
   FeatureDraft draft;
-  draft.put(fpga::kBackupMark, kNotABackup);
+  draft.put(fpga::kBackupMark, fpga::kNoMark);
   putFeature(store(), draft);
-  writeFlash(flash::ofFeature(fpga::kBackupMark), {&kNotABackup, 1}, "Sprocess_CalculateParaOfSender");
+  writeFlash(flash::ofFeature(fpga::kBackupMark), {&fpga::kNoMark, 1}, "Sprocess_CalculateParaOfSender");
   store().NormalBackupStatus = 1;
   return draft;
 }
@@ -111,7 +110,7 @@ std::optional<AdvancedScreen> readAdvancedScreen() {
     return std::nullopt;
   }
   if (tracePasses(kInfo)) {
-    const HexText<kRecordTextRoom> text(area.data(), kRecordTextRoom / 3 - 1);
+    const HexText<kRecordTextRoom> text{std::span(area).first<kRecordTextRoom / 3 - 1>()};
     PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
   }
   AdvancedScreen screen;

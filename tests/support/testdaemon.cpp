@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -40,6 +41,12 @@ constexpr uint32_t kServiceCode = 0x00FFFFFF;
 constexpr auto kTick = 200ms;
 constexpr int kMostTicks = 20;
 
+template <class T>
+void makeAnew(T& object) {
+  std::destroy_at(&object);
+  std::construct_at(&object);
+}
+
 /** What the next daemon must not find in memory. */
 void forgetEverything() {
   StubUtil::deleteInstance();
@@ -54,16 +61,8 @@ void forgetEverything() {
   DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;
-  for (auto* table : {&ParaTable, &AdvCfgParaTable, &MyTempParaTable}) table->fill(0);
-  for (auto* table : {&ParaCharTable, &MyTempParaCharTable}) table->fill(0);
-  PortsTopoPara.fill(0);
-  VsPartPara.fill(0);
-  for (auto* values : {&TempAdvCfgPortRow, &TempAdvCfgPortCol}) values->fill(1);
-  for (auto* values : {&TempAdvCfgPortX, &TempAdvCfgPortY}) values->fill(0);
-  for (auto& value : TempAdvPortCM) value = 0;
-  for (auto& value : RecvCardSize_befor) value = 0U;
-  factory_flag = 0;
-  read_CardSize_flag = 0;
+  makeAnew(workingTables);
+  makeAnew(portTables);
   ScreenPatternGenState = 0;
 }
 

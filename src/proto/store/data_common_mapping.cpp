@@ -21,7 +21,7 @@ void logImage(const char* text, const RegisterImages& images, const FeatureDraft
   if (!tracePasses(kInfo)) return;
   auto bytes = images.SendParameterReg.bytes();
   draft.applyTo(bytes);
-  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes.data(), bytes.size()).view();
+  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes).view();
 }
 
 void logSplit(const SmartScreen& screen, const PortSplit& split) {

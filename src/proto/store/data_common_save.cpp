@@ -12,7 +12,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::size_t kBasicHardwareSize = 256;
 constexpr uint16_t kLargestMeasure = 3840;  // pixels, of a sound screen or window
 constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
@@ -93,7 +92,7 @@ void saveBasicHardware(Data_Preset& preset) {
   if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
   save({"Save basic hardware para to flash :",
         {nullptr, "=== Save  basic hardware para to flash failed! ret = "}},
-       flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(kBasicHardwareSize));
+       flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(flash::kBasicHardwareSize));
 }
 
 // One write, or one for each table that was loaded.

@@ -53,6 +53,8 @@ TEST_F(WholeDaemon, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
   EXPECT_EQ(fpgaWall(), table);
   EXPECT_EQ(daemon.read(kRecord, 1).data, Bytes{shortcut::kSmart});
   EXPECT_EQ(daemon.board.fpga(0x1EC, 4), output);
+  EXPECT_THAT(TempAdvCfgPortRow, testing::Each(1));
+  EXPECT_THAT(TempAdvCfgPortCol, testing::Each(1));
 }
 
 TEST_F(WholeDaemon, WhoIsConnectedIsToldAndNobodyElse) {

@@ -45,6 +45,10 @@ int logged(int result, const FailureWords& words, const Access& access) {
 
 }  // namespace
 
+CMutexGuardT<CMutexThreadRecursive> holdReads() {
+  return driver().holdReads();
+}
+
 int readFpga(uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
   const int result = driver().FPGAC5_ReadDataBlock(0, 0, address, lengthOf(bytes), bytes.data());
   return logged(result, words, {"read from", "FPGA", address, bytes.size()});

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "mcucmutex.h"
+
 namespace ORVE_MCUC {
 
 // One card, or all of them: port 0xFF, board 0xFFFF.
@@ -15,6 +17,10 @@ struct CardPlace {
   uint16_t port;
   uint16_t board;
 };
+
+// Taken before a lock under which something is read: a read of a card that another thread has begun is waited
+// for here, with that lock still free.
+[[nodiscard]] CMutexGuardT<CMutexThreadRecursive> holdReads();
 
 // How a failure is logged, on one Error line: "===", the caller and "===", then the text; without a caller
 // the text alone. The result follows a text that ends in "= ". Without a text the line names address, length

@@ -63,6 +63,11 @@ class FeatureDraft {
     put(at, static_cast<uint8_t>(value));
     put(at + 1, static_cast<uint8_t>(value >> 8));
   }
+  void put(std::size_t at, std::span<const uint8_t> values) {
+    for (const uint8_t value : values) put(at++, value);
+  }
+  // What another draft holds, over what was put before.
+  void put(const FeatureDraft& later);
   // Only what was put; the rest stays.
   void applyTo(std::span<uint8_t, 512> image) const;
   void applyTo(ByteImage<512>& image) const;
@@ -111,6 +116,7 @@ int writeImage(const RegisterImages& images, const ByteImage<N>& image, std::siz
 template <std::size_t N>
 int readThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
                 std::span<uint8_t> bytes, FailureWords words = {}) {
+  const auto reads = holdReads();
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (const int ret = readFpga(fpgaRegister, bytes, words)) return ret;
   return image.copyFrom(bytes, at) ? 0 : -1;

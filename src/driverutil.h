@@ -22,6 +22,9 @@ class DriverUtil {
   bool initialize();
   void unInitialize() {}
 
+  // Makes reads of FPGA and cards by other threads wait until it goes; this thread's do not.
+  [[nodiscard]] CMutexGuardT<CMutexThreadRecursive> holdReads() { return CMutexGuardT(m_mutex_read); }
+
   // FPGA bus: byte address, byte count. 0, or -1 after three failed tries or while the FPGA is down. A read
   // counts its length modulo 65536.
   int WriteFPGABusBlock(unsigned int address, const unsigned char* data, unsigned int length);

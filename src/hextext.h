@@ -1,6 +1,8 @@
 // Bytes as hexadecimal text for a log line; composed on the stack, and only where the line will be written.
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "mcucutil.h"
@@ -11,8 +13,9 @@ namespace ORVE_MCUC {
 template <int Room>
 class HexText {
  public:
-  HexText(const unsigned char* bytes, int count)
-      : length_(Bytes2String(reinterpret_cast<const char*>(bytes), count, text_, Room)) {}
+  explicit HexText(std::span<const uint8_t> bytes)
+      : length_(Bytes2String(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()),
+                             text_, Room)) {}
   const char* c_str() const { return text_; }
   std::string_view view() const { return {text_, static_cast<std::size_t>(length_)}; }
 

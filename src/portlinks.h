@@ -14,7 +14,7 @@ struct PortLinks {
   ByteImage<2> Fiber2BelowLinkStatus_buff;
   RelaxedByte OptModuleLinkSta;  // the fiber module as the last measurement found it
   RelaxedByte LinkStateChanged;  // ticks since a link changed, from 1; 0: the cards have been measured since
-  RelaxedByte LinkButError;
+  RelaxedByte LinkButError;      // kept under the system's name; nothing reads it
   RelaxedValue<bool> netLinksSeen;  // the monitor has read the words since the start
   RelaxedValue<bool> fiberLinksSeen;
 

@@ -12,6 +12,7 @@
 namespace ORVE_MCUC::flash {
 
 inline constexpr uint32_t kBasicHardwarePage = 0x001000;
+inline constexpr uint32_t kBasicHardwareSize = 256;
 inline constexpr uint32_t kSerialNumber = 0x001016;
 inline constexpr uint32_t kBasicHardwareSaved = 0x00101F;
 inline constexpr uint32_t kDhcp = 0x00201A;
@@ -70,7 +71,7 @@ struct Area {
 inline constexpr bool kField = true;
 
 inline constexpr std::array kAreas{
-    Area{kBasicHardwarePage, 256, "basic hardware page",
+    Area{kBasicHardwarePage, kBasicHardwareSize, "basic hardware page",
          "identity of the device, as the hardware info space"},
     Area{kSerialNumber, 8, "serial number", "raw bytes, also kept in the environment store", kField},
     Area{kBasicHardwareSaved, 1, "page saved", "0x55 once the page has been saved", kField},
@@ -84,7 +85,8 @@ inline constexpr std::array kAreas{
     Area{kLauncher3DCopy, 1, "3D launcher mode, copy", "the same again"},
     Area{kLauncher3DColourCopy, kInputModes - kLauncher3DColourCopy, "3D launcher colour, copy", "likewise"},
     Area{kInputModes, 72, "input modes", "what the inputs were set to last"},
-    Area{kBasicHardwareCopy, 256, "basic hardware page, copy", "written by a save of everything"},
+    Area{kBasicHardwareCopy, kBasicHardwareSize, "basic hardware page, copy",
+         "written by a save of everything"},
     Area{kFeature, 512, "feature parameters", "image of the feature space"},
     Area{kPositionTables, 0xA000, "position tables", "places of the cards, 4096 bytes for each of ten ports"},
     Area{kNumberTable, 768, "number table", "cards behind each port"},
@@ -164,7 +166,7 @@ struct Window {
   uint32_t length;
 };
 inline constexpr std::array kWindows{
-    Window{reg::kHwBasicInfo, kBasicHardwarePage, 256},
+    Window{reg::kHwBasicInfo, kBasicHardwarePage, kBasicHardwareSize},
     Window{reg::kFeature, kFeature, 512},
     Window{reg::kHCInteraction, kHdr, 512},
     Window{reg::kBackupInfo, ofBackupInfo(reg::kBackupInfo), 0x10000},

@@ -19,7 +19,7 @@ struct NamedRegister {
   uint32_t address;
   uint32_t length;  // bytes
   std::string_view name;
-  std::string_view writing = "";  // what a write does beyond storing
+  std::string_view writing = {};  // what a write does beyond storing
 
   constexpr uint32_t end() const { return address + length; }
 };

@@ -36,7 +36,7 @@ struct OffsetRow {
 struct SpaceRow {
   uint32_t base;
   uint32_t width;          // bytes of address range, a power of two
-  std::string_view owner;  // the space; one that owns two bases has two rows
+  std::string_view owner;  // the space in log lines; one that owns two bases has two rows
   const char* name;        // in the router's table
   const char* text;
   OffsetRow offset;          // of the space's own table

@@ -16,7 +16,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::size_t kPageSize = 256;
 constexpr std::size_t kModelIdAt = 2;
 constexpr std::size_t kFirstWordAt = 7;
 constexpr std::size_t kSecondWordAt = 10;
@@ -28,7 +27,7 @@ constexpr std::size_t kAnyLength = 0;
 constexpr int kSettlingMs = 10;  // of the boot environment
 constexpr std::size_t kClockTextSize = 50;
 
-using Page = std::array<uint8_t, kPageSize>;
+using Page = std::array<uint8_t, flash::kBasicHardwareSize>;
 using Bytes = std::span<const uint8_t>;
 
 Singleton<BasicPublicFunc>& holder() {
@@ -100,7 +99,7 @@ constexpr std::array kRows{
     PageRow{kModelIdAt, 2, &putModelId},
     PageRow{kFirstWordAt, 2, &putFirstWord},
     PageRow{kSecondWordAt, kAnyLength, &putSecondWord},
-    PageRow{0, kPageSize, &putSerialNumber},
+    PageRow{0, flash::kBasicHardwareSize, &putSerialNumber},
     PageRow{kNetworkAt, kNetworkSize, &putNetworkAddress},
 };
 

@@ -91,6 +91,8 @@ void loadCurve(RegisterImages& images, const Table& curve) {
   PARLEND_TRACE(kInfo) << "Finish HDR RGBGAMMA Sendto FPGA";
 }
 
+// The images are told only that HDR is on, as the devices in the field do it: what else these two registers
+// hold, the next read brings.
 void loadSdr() {
   const uint8_t bitDepth = lowByte(para::PbufSendcardBitDepth);
   SendGammaToFpga(bitDepth);
@@ -115,7 +117,7 @@ void convert(const Conversion& conversion, int arg) {
                             setting(para::PbufHue), arg, coefficients.data());
   writeFpga(conversion.fpga, coefficients);
   if (!tracePasses(kInfo)) return;
-  const HexText<4 * COLOUR_COEFFICIENTS_SIZE> text(coefficients.data(), COLOUR_COEFFICIENTS_SIZE);
+  const HexText<4 * COLOUR_COEFFICIENTS_SIZE> text(coefficients);
   PARLEND_TRACE(kInfo) << conversion.words << text.view();
 }
 

@@ -45,15 +45,31 @@ int saveFirst(const FeatureWrite& write) {
   return writeFlash(flash::ofFeature(write.at), write.data.first(1));
 }
 
-void writeFeatureBlock(const FeatureWrite& write, uint32_t first) {
-  constexpr std::size_t kBlock = 4;
-  static_cast<void>(writeImage(write.store, write.store.SendParameterReg, first, kBlock, first));
-}
-
 }  // namespace
 
+void FeatureWrite::decide(const FeatureDraft& change) {
+  decided.put(change);
+  putFeature(store, change);
+}
+
+std::array<uint8_t, 512> FeatureWrite::image() const {
+  std::array<uint8_t, 512> bytes{};
+  static_cast<void>(snapshot(store, store.SendParameterReg, 0, bytes));
+  decided.applyTo(bytes);
+  return bytes;
+}
+
+void FeatureWrite::writeBlock(uint32_t first) const {
+  constexpr std::size_t kBlock = 4;
+  const auto bytes = image();
+  static_cast<void>(
+      writeThrough(store, store.SendParameterReg, first, first, std::span(bytes).subspan(first, kBlock)));
+}
+
 void storeInImage(FeatureWrite& write) {
-  static_cast<void>(putBytes(write.store, write.store.SendParameterReg, write.at, write.data));
+  FeatureDraft data;
+  data.put(write.at, write.data);
+  write.decide(data);
   write.store.DebugForScreenZero(0, write.address(), "Read software para!!");
 }
 
@@ -64,21 +80,21 @@ void writeToFpga(FeatureWrite& write) {
 
 void saveImage(FeatureWrite& write) {
   Data_Global& store = write.store;
-  const ByteImage<512>& image = store.SendParameterReg;
-  PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:"
-                       << image.le16(fpga::kOutputWidth) << " heigh:" << image.le16(fpga::kOutputHeight);
+  const auto image = write.image();
+  const uint16_t width = le16(image, fpga::kOutputWidth);
+  const uint16_t height = le16(image, fpga::kOutputHeight);
+  PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:" << width
+                       << " heigh:" << height;
   if (store.loadFailures.feature) {
     PARLEND_TRACE(kError)
         << "=== DoWriteFeatureInfo ===the feature image could not be loaded and is not saved.";
   } else {
-    std::array<uint8_t, ByteImage<512>::size()> bytes{};
-    static_cast<void>(snapshot(store, image, 0, bytes));
-    writeFlash(flash::kFeature, bytes, {kCaller, "====== WriteDataToFlash failed !"});
+    writeFlash(flash::kFeature, image, {kCaller, "====== WriteDataToFlash failed !"});
   }
   if (!write.sizeFollows) return;
-  writeFeatureBlock(write, fpga::kScreenOffsetX);
-  writeFeatureBlock(write, fpga::kOutputWidth);
-  store.ChangeOutScreenPara(image.le16(fpga::kOutputWidth), image.le16(fpga::kOutputHeight));
+  write.writeBlock(fpga::kScreenOffsetX);
+  write.writeBlock(fpga::kOutputWidth);
+  store.ChangeOutScreenPara(width, height);
 }
 
 void saveByte(FeatureWrite& write) {
@@ -135,7 +151,7 @@ void askForConnectionStep(FeatureWrite&) {
 }
 
 void tellSerialTimeout(FeatureWrite& write) {
-  Addr_HardWareBrightnessAdjust::takeSerialTimeout(write.written<fpga::kSerialTimeout, 1>()[0]);
+  Addr_HardWareBrightnessAdjust::takeSerialTimeout(write.image()[fpga::kSerialTimeout]);
 }
 
 void beatSerialLink(FeatureWrite&) {
@@ -144,7 +160,8 @@ void beatSerialLink(FeatureWrite&) {
 
 void setClock(FeatureWrite& write) {
   PARLEND_TRACE(kInfo) << "SM2W: Start set system time： year-mon-day and hour:min:sec";
-  BasicPublicFunc::getInstance()->SetHwTime(write.written<fpga::kClock, kClockBytes>());
+  const auto image = write.image();
+  BasicPublicFunc::getInstance()->SetHwTime(std::span(image).subspan<fpga::kClock, kClockBytes>());
 }
 
 void switchFpgaTest(FeatureWrite& write) {

@@ -16,6 +16,7 @@ struct FeatureWrite {
   Data_Global& store;
   uint32_t at;                    // feature register
   std::span<const uint8_t> data;  // at least a byte, inside the image
+  FeatureDraft decided = {};      // the data, and what the write has made of it
   bool refused = false;           // nothing more is done
   bool sizeFollows = false;       // the output size has changed with the offset mode and is written at last
 
@@ -23,16 +24,13 @@ struct FeatureWrite {
   std::size_t length() const { return data.size(); }
   uint8_t value() const { return data.front(); }
 
-  // A part of the image as this write leaves it, whatever the FPGA has been asked meanwhile.
-  template <std::size_t First, std::size_t Count>
-  std::array<uint8_t, Count> written() const {
-    std::array<uint8_t, Count> bytes{};
-    static_cast<void>(snapshot(store, store.SendParameterReg, First, bytes));
-    for (std::size_t i = 0; i < Count; ++i) {
-      if (First + i >= at && First + i - at < data.size()) bytes[i] = data[First + i - at];
-    }
-    return bytes;
-  }
+  // Into the image, to be saved whatever becomes of the image.
+  void decide(const FeatureDraft& change);
+  // The image as this write leaves it. The image itself may show older bytes: whoever asks the FPGA puts
+  // there what the FPGA holds, which is told at last or not at all.
+  std::array<uint8_t, 512> image() const;
+  // Four bytes of that to image and FPGA.
+  void writeBlock(uint32_t first) const;
 };
 
 // Image, FPGA and flash.

@@ -4,32 +4,37 @@
 #include "mcuctrace.h"
 #include "process/featureeffects.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
 
 constexpr char kCaller[] = "DoWriteFeatureInfo";
 
-void writeWord(uint32_t fpgaRegister, uint16_t value) {
-  std::array<uint8_t, 2> bytes{};
-  putLe16(bytes, 0, value);
-  writeFpga(fpgaRegister, bytes, kCaller);
-}
-
 void clearDirections() {
-  writeWord(fpga::kScreenDirectionX, 0);
-  writeWord(fpga::kScreenDirectionY, 0);
+  writeFpgaWord(fpga::kScreenDirectionX, 0, kCaller);
+  writeFpgaWord(fpga::kScreenDirectionY, 0, kCaller);
 }
 
-void putSigned(ByteImage<512>& image, uint32_t first, uint32_t value) {
-  image.putLe16(first, static_cast<uint16_t>(value));
-  image.putLe16(first + 2, static_cast<uint16_t>(value >> 16));
+void putSigned(FeatureDraft& draft, uint32_t first, uint32_t value) {
+  draft.putLe16(first, static_cast<uint16_t>(value));
+  draft.putLe16(first + 2, static_cast<uint16_t>(value >> 16));
 }
 
-// Byte 0 of the screen information: what the offset goes with.
-void markOffset(Data_Global& store) {
+void decideMode(FeatureWrite& write, OffsetMode mode) {
+  FeatureDraft draft;
+  draft.put(fpga::kOffsetMode, mode);
+  write.decide(draft);
+}
+
+// An offset into the screen information, whose byte 0 says what it goes with.
+void keepOffset(Data_Global& store, std::size_t at, std::span<const uint8_t> offset) {
   constexpr uint8_t kConfigured = 0x55;
-  store.ScreenParaReg[0] = store.ScreenParaReg[1] == kConfigured ? 1 : 3;
+  std::array<uint8_t, 6> bytes{};
+  static_cast<void>(snapshot(store, store.ScreenParaReg, 0, bytes));
+  bytes[0] = bytes[1] == kConfigured ? 1 : 3;
+  std::ranges::copy(offset, std::span(bytes).subspan(at).begin());
+  static_cast<void>(putBytes(store, store.ScreenParaReg, 0, bytes));
 }
 
 // One axis, with the texts of its log lines.
@@ -76,51 +81,46 @@ void logReceived(const Axis& axis, int32_t offset) {
 // An offset to the left or up enlarges the output.
 void enlargeOutput(FeatureWrite& write, const Axis& axis, uint16_t magnitude) {
   Data_Global& store = write.store;
-  uint16_t screen = 0;
-  changeFeature(store, [&](ByteImage<512>& image) {
-    screen = image.le16(axis.screen);
-    image.putLe16(axis.offset, magnitude);
-    image.putLe16(axis.output, withOffset(screen, magnitude));
-  });
+  const uint16_t screen = le16(write.image(), axis.screen);
+  FeatureDraft draft;
+  draft.putLe16(axis.offset, magnitude);
+  draft.putLe16(axis.output, withOffset(screen, magnitude));
+  write.decide(draft);
   store.DebugForScreenZero(axis.debugPoint, write.address(), axis.changed);
   PARLEND_TRACE(kInfo) << axis.magnitude << magnitude << axis.outputName << withOffset(screen, magnitude)
                        << axis.screenName << screen;
-  markOffset(store);
-  store.ScreenParaReg.putLe16(axis.screenParaAt, magnitude);
+  std::array<uint8_t, 2> offset{};
+  putLe16(offset, 0, magnitude);
+  keepOffset(store, axis.screenParaAt, offset);
 }
 
 void applySigned(FeatureWrite& write, const Axis& axis, int32_t offset) {
-  writeWord(axis.offset, magnitudeOf(offset));
+  writeFpgaWord(axis.offset, magnitudeOf(offset), kCaller);
   if (offset <= 0) enlargeOutput(write, axis, magnitudeOf(offset));
   PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << directionOf(offset);
-  writeWord(axis.direction, directionOf(offset));
+  writeFpgaWord(axis.direction, directionOf(offset), kCaller);
 }
 
-// The output without its offset.
-void shrinkOutput(FeatureWrite& write) {
-  uint16_t width = 0;
-  uint16_t height = 0;
-  uint16_t x = 0;
-  uint16_t y = 0;
-  changeFeature(write.store, [&](ByteImage<512>& image) {
-    width = image.le16(fpga::kOutputWidth);
-    height = image.le16(fpga::kOutputHeight);
-    x = image.le16(fpga::kScreenOffsetX);
-    y = image.le16(fpga::kScreenOffsetY);
-    image.putLe16(fpga::kOutputWidth, withoutOffset(width, x));
-    image.putLe16(fpga::kOutputHeight, withoutOffset(height, y));
-  });
+// The output of an image without its offset.
+void shrinkOutput(FeatureWrite& write, std::span<const uint8_t, 512> image) {
+  const uint16_t width = le16(image, fpga::kOutputWidth);
+  const uint16_t height = le16(image, fpga::kOutputHeight);
+  const uint16_t x = le16(image, fpga::kScreenOffsetX);
+  const uint16_t y = le16(image, fpga::kScreenOffsetY);
+  FeatureDraft draft;
+  putOutputSize(draft, withoutOffset(width, x), withoutOffset(height, y));
+  write.decide(draft);
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:" << width
                        << " heigh:" << height << " tmp_x:" << x << " tmp_y:" << y;
 }
 
-void forgetOffsets(Data_Global& store) {
+void forgetOffsets(FeatureWrite& write) {
+  constexpr std::array<uint8_t, 4> kNone{};
   FeatureDraft draft;
-  for (uint32_t i = 0; i < 4; ++i) draft.put(fpga::kScreenOffsetX + i, 0);
-  for (uint32_t i = 0; i < 8; ++i) draft.put(fpga::kSignedOffsetX + i, 0);
-  putFeature(store, draft);
-  markOffset(store);
-  store.ScreenParaReg.put<2, 4>(std::array<uint8_t, 4>{});
+  draft.put(fpga::kScreenOffsetX, kNone);
+  draft.put(fpga::kSignedOffsetX, std::array<uint8_t, 8>{});
+  write.decide(draft);
+  keepOffset(write.store, kX.screenParaAt, kNone);
 }
 
 struct ModeChange {
@@ -135,21 +135,22 @@ constexpr ModeChange kToNormal{
     kNoOffset, "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass Para Anly SendParameterReg", 4,
     "Bypass mode change to mode Normal!!"};
 
-void writeOffsetOf(const Data_Global& store, const ModeChange& change) {
-  std::array<uint8_t, 4> offset{};
-  if (change.mode != kNoOffset) static_cast<void>(snapshot(store, store.SendParameterReg, kX.offset, offset));
-  writeFpga(kX.offset, offset, kCaller);
+void writeOffsetOf(std::span<const uint8_t, 512> image, const ModeChange& change) {
+  constexpr std::array<uint8_t, 4> kNone{};
+  const bool keeps = change.mode != kNoOffset;
+  writeFpga(kX.offset, keeps ? image.subspan<kX.offset, 4>() : std::span<const uint8_t, 4>(kNone), kCaller);
 }
 
+// What it starts from is taken once: a peer may read the FPGA's new offset back into the image.
 void change(FeatureWrite& write, const ModeChange& change) {
-  Data_Global& store = write.store;
   PARLEND_TRACE(kInfo) << change.begins;
-  store.SendParameterReg[fpga::kOffsetMode] = change.mode;
+  const auto image = write.image();
+  decideMode(write, change.mode);
   clearDirections();
-  writeOffsetOf(store, change);
-  shrinkOutput(write);
-  store.DebugForScreenZero(change.debugPoint, write.address(), change.changed);
-  forgetOffsets(store);
+  writeOffsetOf(image, change);
+  shrinkOutput(write, image);
+  write.store.DebugForScreenZero(change.debugPoint, write.address(), change.changed);
+  forgetOffsets(write);
   write.sizeFollows = true;
 }
 
@@ -167,18 +168,19 @@ void logOffsetMode(FeatureWrite& write) {
 void takeOffsetOfTool(FeatureWrite& write) {
   if (!isBypass(write)) return;
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ TOLM Para Anly SendParameterReg";
-  write.store.SendParameterReg[fpga::kOffsetMode] = kByTool;
+  decideMode(write, kByTool);
   clearDirections();
-  changeFeature(write.store, [](ByteImage<512>& image) {
-    putSigned(image, fpga::kSignedOffsetX, negated(image.le16(kX.offset)));
-    putSigned(image, fpga::kSignedOffsetY, negated(image.le16(kY.offset)));
-  });
+  const auto image = write.image();
+  FeatureDraft draft;
+  putSigned(draft, fpga::kSignedOffsetX, negated(le16(image, kX.offset)));
+  putSigned(draft, fpga::kSignedOffsetY, negated(le16(image, kY.offset)));
+  write.decide(draft);
 }
 
 void takeOffsetOfLsd(FeatureWrite& write) {
   if (!isBypass(write)) return;
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para Anly SendParameterReg";
-  write.store.SendParameterReg[fpga::kOffsetMode] = kByLsd;
+  decideMode(write, kByLsd);
   const auto x = static_cast<int32_t>(le32(write.data, 0));
   const auto y = static_cast<int32_t>(le32(write.data, 4));
   logReceived(kX, x);

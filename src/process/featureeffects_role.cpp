@@ -8,7 +8,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint8_t kSlaveMark = 0xA5;
 constexpr uint8_t kMasterRole = 0;
 constexpr uint8_t kSlaveRole = 1;
 
@@ -35,7 +34,7 @@ void clearRoleTable(Data_Global& store, uint8_t mark) {
 void setRole(FeatureWrite& write) {
   Data_Global& store = write.store;
   const uint8_t mark = write.value();
-  const uint8_t role = mark == kSlaveMark ? kSlaveRole : kMasterRole;
+  const uint8_t role = mark == fpga::kSlaveMark ? kSlaveRole : kMasterRole;
   store.PbufMorSMode = role;
   store.loadFailures.role.note(0);
   PARLEND_TRACE(kInfo) << (role == kSlaveRole ? "=== PbufMorSMode Set Sender Mode salve!    -----  01"

@@ -4,33 +4,37 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "process/featureeffects.h"
+#include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
 
-OutputSizeSource sourceOf(const ByteImage<512>& image) {
-  return {.outputWidth = image.le16(fpga::kOutputWidth),
-          .outputHeight = image.le16(fpga::kOutputHeight),
-          .mappedWidth = image.le16(fpga::kMappedWidth),
-          .screenHeight = image.le16(fpga::kScreenHeight),
-          .offsetX = image.le16(fpga::kScreenOffsetX),
-          .offsetY = image.le16(fpga::kScreenOffsetY),
+OutputSizeSource sourceOf(std::span<const uint8_t, 512> image) {
+  return {.outputWidth = le16(image, fpga::kOutputWidth),
+          .outputHeight = le16(image, fpga::kOutputHeight),
+          .mappedWidth = le16(image, fpga::kMappedWidth),
+          .screenHeight = le16(image, fpga::kScreenHeight),
+          .offsetX = le16(image, fpga::kScreenOffsetX),
+          .offsetY = le16(image, fpga::kScreenOffsetY),
           .bypass = image[fpga::kOffsetMode] != kNoOffset};
 }
 
 // A measure of the screen that was written is the output's as well, where none was set.
-void takeMeasure(ByteImage<512>& image, uint32_t at, const OutputSize& size) {
-  if (at == fpga::kMappedWidth) image.putLe16(fpga::kOutputWidth, size.width);
-  if (at == fpga::kScreenHeight) image.putLe16(fpga::kOutputHeight, size.height);
+void takeMeasure(FeatureWrite& write, const OutputSize& size) {
+  FeatureDraft draft;
+  if (write.at == fpga::kMappedWidth) draft.putLe16(fpga::kOutputWidth, size.width);
+  if (write.at == fpga::kScreenHeight) draft.putLe16(fpga::kOutputHeight, size.height);
+  write.decide(draft);
 }
 
 }  // namespace
 
 void clearOutputSize(FeatureWrite& write) {
-  constexpr std::array<uint8_t, 4> kCleared{};
   PARLEND_TRACE(kInfo) << "CCCCCCCCCCCCCCCCCCCCCCCC Clear SendParameterReg[0x1EC]  CCCCCCCCCCCCCCCCCCC";
-  static_cast<void>(writeThrough(write.store, write.store.SendParameterReg, fpga::kOutputWidth,
-                                 fpga::kOutputWidth, kCleared));
+  FeatureDraft none;
+  putOutputSize(none, 0, 0);
+  write.decide(none);
+  write.writeBlock(fpga::kOutputWidth);
 }
 
 void computeOutputSize(FeatureWrite& write) {
@@ -40,11 +44,8 @@ void computeOutputSize(FeatureWrite& write) {
            "<0x27  not set ScreenSize !!!!";
     return;
   }
-  OutputSize size;
-  changeFeature(write.store, [&](ByteImage<512>& image) {
-    size = outputSizeOf(sourceOf(image));
-    if (size.ofScreen) takeMeasure(image, write.at, size);
-  });
+  const OutputSize size = outputSizeOf(sourceOf(write.image()));
+  if (size.ofScreen) takeMeasure(write, size);
   PARLEND_TRACE(kInfo) << (size.ofScreen
                                ? "========Set ScreenSize(0x1EC~0x1EF) if fail ,use Real DVI wide&high is "
                                : "========Set ScreenSize(0x1EC~0x1EF) if OK ,use OutCut DVI wide&high is ")

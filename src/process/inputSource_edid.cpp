@@ -57,7 +57,7 @@ void logBase(EdidCheck check) {
 
 void logEdid(const EdidBytes& edid) {
   if (!tracePasses(kInfo)) return;
-  const HexText<3 * kEdidBytes + 1> text(edid.data(), static_cast<int>(edid.size()));
+  const HexText<3 * kEdidBytes + 1> text(edid);
   PARLEND_TRACE(kInfo) << "EDID Data = " << text.c_str();
 }
 

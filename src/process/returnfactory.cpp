@@ -15,6 +15,7 @@
 #include "process/tprocess_ctl.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/mappingsteps.h"
 
 namespace ORVE_MCUC {
 namespace {
@@ -95,14 +96,10 @@ CardSize measureCard(Data_Global& store) {
   return card;
 }
 
-void logCounter(uint8_t counter) {
-  PARLEND_TRACE(kInfo) << "============================= Wrtie CfgScreenStatusPara = " << counter;
-}
-
 uint8_t readScreenChangeCounter(Data_Global& store) {
   uint8_t counter = 0;
   if (readFlash(flash::kScreenChangeCounter, {&counter, 1}, kCaller) != 0) counter = 0;
-  logCounter(counter);
+  logScreenChangeCounter(counter);
   PARLEND_TRACE(kInfo) << "=======ReturnFactory======= After w flash ,read ScreenSize and CardSize :";
   std::array<uint32_t, 2> size{};
   store.Read_ScreenSize_FromFlash(size.data());
@@ -145,7 +142,7 @@ void fillCopy(const FactoryValues& values, const WorkBuffer& brightness) {
   putLe32(size, 4, values.card.height);
   const auto counter = static_cast<uint8_t>(values.counter + 1);
   writeFactoryCopy(flash::kScreenSize, size, kCaller);
-  logCounter(counter);
+  logScreenChangeCounter(counter);
   writeFactoryCopy(flash::kScreenChangeCounter, {&counter, 1}, kCaller);
   writeFactoryCopy(flash::kCardSize, size, kCaller);
   writeFactoryCopy(flash::kShortcutForVsp, kOneCard, kCaller);

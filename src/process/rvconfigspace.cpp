@@ -23,6 +23,10 @@ DriverUtil& driver() {
   return *DriverUtil::getInstance();
 }
 
+void writeFile(const char* name, int number, uint32_t at, std::span<const uint8_t> data) {
+  driver().WriteRvFileToFalsh(name, number, at, data.data(), static_cast<uint16_t>(data.size()));
+}
+
 constexpr bool isControl(uint32_t at) {
   return at >= rv::kControl && at < rv::kControlEnd;
 }
@@ -111,8 +115,7 @@ void RvConfigSpace::storeFile(uint32_t registerAddress, std::span<const uint8_t>
   if (registerAddress == rv::kHeader) {
     takeHeader(data);
   } else if (registerAddress >= rv::kIndex && registerAddress <= rv::kIndexLast) {
-    driver().WriteRvFileToFalsh(DriverUtil::kCabCfgIndex, DriverUtil::kByName, registerAddress - rv::kIndex,
-                                data.data(), static_cast<uint16_t>(data.size()));
+    writeFile(DriverUtil::kCabCfgIndex, DriverUtil::kByName, registerAddress - rv::kIndex, data);
   } else {
     storeBody(registerAddress, data);
   }
@@ -153,8 +156,7 @@ void RvConfigSpace::storeBody(uint32_t registerAddress, std::span<const uint8_t>
                          << "Name:" << storage.name.data();
     driver().RemoveRvFile(nullptr, static_cast<int>(number));
   }
-  driver().WriteRvFileToFalsh(storage.name.data(), static_cast<int>(number), registerAddress - start,
-                              data.data(), static_cast<uint16_t>(data.size()));
+  writeFile(storage.name.data(), static_cast<int>(number), registerAddress - start, data);
 }
 
 }  // namespace ORVE_MCUC

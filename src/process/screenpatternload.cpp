@@ -76,7 +76,7 @@ void load(PatternImage reg) {
 
 void logImage(PatternImage reg) {
   if (!tracePasses(kInfo)) return;
-  const HexText<4 * pattern::kImageSize> text(reg.data(), pattern::kImageSize);
+  const HexText<4 * pattern::kImageSize> text(reg);
   PARLEND_TRACE(kInfo) << " HardwareScreenGenReg:" << text.view() << "buf[0]" << reg[0];
 }
 
@@ -84,13 +84,16 @@ void writePattern(const PenetrateInfo& info) {
   const uint32_t offset = info.Register - reg::kScreenPatternGen;
   PARLEND_TRACE(kInfo) << " WriteOffset:" << offset << " &0xFFF:" << (info.Register & 0xFFF);
   Data_Global& store = *Data_Global::getInstance();
-  if (!putBytes(store, store.HardwareScreenGenReg, offset, info.data)) {
+  std::array<uint8_t, ByteImage<512>::size()> image{};
+  if (!fits(image.size(), offset, info.data.size())) {
     PARLEND_TRACE(kError) << "=== Sprocess_ScreenPatternGen ===a write of " << info.length << " bytes at "
                           << CTrace::hex << info.Register << " runs past the generator's registers, dropped";
     return;
   }
-  auto image = store.HardwareScreenGenReg.part<0, pattern::kImageSize>();
-  ScreenPatternGenProcess(image);
+  // Composed aside: who reads the generator meanwhile puts what the FPGA holds into the image.
+  static_cast<void>(snapshot(store, store.HardwareScreenGenReg, 0, image));
+  std::ranges::copy(info.data, image.begin() + offset);
+  ScreenPatternGenProcess(std::span(image).first<pattern::kImageSize>());
   putBytes(store, store.HardwareScreenGenReg, 0, image);
 }
 

@@ -30,7 +30,7 @@ void logEntry(const WorkKey& key) {
 
 template <int Room>
 void logKeyText(const WorkKey& key, const PenetrateInfo& info) {
-  const HexText<Room> text(info.data.data(), info.length);
+  const HexText<Room> text(info.data);
   PARLEND_TRACE(kInfo) << "Process key: " << key.name << "  Register: " << CTrace::hex << info.Register
                        << " len: " << info.length << " data:" << text.c_str();
 }
@@ -101,11 +101,10 @@ int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
 
 int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
   return handlePenetrate<DoSoftwareTableKey>(lenth, data, [](const PenetrateInfo& info) {
-    if (info.Register < reg::kRoleTable) {
-      Data_Global::getInstance()->LEDConfigStatus = shortcut::kByTables;
-    }
-    const int ret =
-        Data_Global::getInstance()->CopyConstDataToFlash(flash::ofSoftwareTable(info.Register), info.data);
+    Data_Global& store = *Data_Global::getInstance();
+    const CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+    if (info.Register < reg::kRoleTable) store.LEDConfigStatus = shortcut::kByTables;
+    const int ret = store.CopyConstDataToFlash(flash::ofSoftwareTable(info.Register), info.data);
     if (ret != 0) {
       PARLEND_TRACE(kError) << "=== WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = "
                             << ret;

@@ -1,4 +1,6 @@
 // What a person adjusts: HDR, picture quality, warm-up.
+#include <initializer_list>
+
 #include "calc/colourrecords.h"
 #include "maps/flashmap.h"
 #include "mcuctrace.h"
@@ -16,12 +18,26 @@ namespace {
 constexpr std::size_t kStoredRecord = 32;
 constexpr int kWarmUpSize = 2;
 
-// What is put into the table must not be lost to a later read of one that could not be loaded.
-void keep(para::Field field, uint16_t value) {
-  Data_Global& store = *Data_Global::getInstance();
-  const CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
-  if (store.loadFailures.global) loadGlobal(store);
-  ParaTable.putLe16(field, value);
+using ConfigurationGuard = CMutexGuardT<CMutexThreadRecursive>;
+
+Data_Global& store() {
+  return *Data_Global::getInstance();
+}
+
+struct Setting {
+  para::Field field;
+  uint16_t value;
+};
+constexpr std::size_t kFieldsEnd = para::PbufSendcardBitDepth + 2;
+
+// What is put into the table must not be lost to a later read of one that could not be loaded. A record and
+// what is calculated from it belong together: callers hold the configuration lock over both.
+void keep(std::initializer_list<Setting> settings) {
+  if (store().loadFailures.global) loadGlobal(store());
+  std::array<uint8_t, kFieldsEnd> fields{};
+  static_cast<void>(snapshot(store(), ParaTable, 0, fields));
+  for (const Setting& setting : settings) putLe16(fields, setting.field, setting.value);
+  static_cast<void>(putBytes(store(), ParaTable, 0, fields));
 }
 
 HDRParaData hdrRecord(std::span<const uint8_t> payload) {
@@ -30,7 +46,7 @@ HDRParaData hdrRecord(std::span<const uint8_t> payload) {
 
 // Loads the curve, then keeps the record for the next start.
 void applyHdr(uint8_t mode, std::span<const uint8_t> payload) {
-  SendCardHDRProcess(*Data_Global::getInstance(), mode);
+  SendCardHDRProcess(store(), mode);
   writeFlash(flash::kHdr, payload.first(std::min(payload.size(), kStoredRecord)),
              {"WriteToHCInteraction", "write to page program failed. driverRet = "});
 }
@@ -41,20 +57,21 @@ void applyHdr10(std::span<const uint8_t> payload) {
                        << " fScreenPeakLight: " << hdr.fScreenPeakLight
                        << " fambientLight: " << hdr.fambientLight << " brightness: " << hdr.brightness
                        << " pMinLum: " << hdr.pMinLum;
-  keep(para::PbufHDRType, hdr.HDRType);
-  keep(para::PbufScrPeakLight, hdr.fScreenPeakLight);
-  keep(para::PbufAmbientLight, hdr.fambientLight);
-  keep(para::PbufBrightness, hdr.brightness);
-  keep(para::PbufLowGrayEffect, hdr.pMinLum);
-  keep(para::PbufHigGrayEffect, hdr.pdelta);
+  const ConfigurationGuard guard(store().m_mutex);
+  keep({{para::PbufHDRType, hdr.HDRType},
+        {para::PbufScrPeakLight, hdr.fScreenPeakLight},
+        {para::PbufAmbientLight, hdr.fambientLight},
+        {para::PbufBrightness, hdr.brightness},
+        {para::PbufLowGrayEffect, hdr.pMinLum},
+        {para::PbufHigGrayEffect, hdr.pdelta}});
   applyHdr(hdr.HDRType, payload);
 }
 
 void applyHlg(std::span<const uint8_t> payload) {
   const HDRParaData hdr = hdrRecord(payload);
   PARLEND_TRACE(kInfo) << "Process key: " << workKey<HLGKey>.name << " HLGClass: " << hdr.HLGCalss;
-  keep(para::PbufHDRType, hdr.HDRType);
-  keep(para::PbufHLGClass, hdr.HLGCalss);
+  const ConfigurationGuard guard(store().m_mutex);
+  keep({{para::PbufHDRType, hdr.HDRType}, {para::PbufHLGClass, hdr.HLGCalss}});
   applyHdr(hdr.HDRType, payload);
 }
 
@@ -63,9 +80,9 @@ void applyPictureQuality(std::span<const uint8_t> payload) {
   PARLEND_TRACE(kInfo) << "Process key: " << workKey<PictureQualityCalKey>.name
                        << " Contrast: " << csc.Contrast << " Saturation: " << csc.Saturation
                        << " Hue: " << csc.Hue;
-  keep(para::PbufSaturation, csc.Saturation);
-  keep(para::PbufContrast, csc.Contrast);
-  keep(para::PbufHue, csc.Hue);
+  const ConfigurationGuard guard(store().m_mutex);
+  keep(
+      {{para::PbufSaturation, csc.Saturation}, {para::PbufContrast, csc.Contrast}, {para::PbufHue, csc.Hue}});
   PictureQualityProcess(0);
 }
 

@@ -37,9 +37,8 @@ void writePositions(const PenetrateInfo& info) {
   const TableWrite write;
   const uint32_t at = info.Register & reg::kOffsetMask;
   if (!fits(PortsTopoPara.size(), at, info.data.size())) return keepWhatFits(write.store(), at, info.data);
-  const int ret = writeThrough(write.store(), PortsTopoPara, at, fpga::kPositionTables + at, info.data);
-  if (ret != 0)
-    PARLEND_TRACE(kError) << "=== WriteToPosNetPort ===Write FPGA Position Info failed! ret = " << ret;
+  writeThrough(write.store(), PortsTopoPara, at, fpga::kPositionTables + at, info.data,
+               {"WriteToPosNetPort", "Write FPGA Position Info failed! ret = "});
 }
 
 constexpr bool holds(const NumberPart& part, std::size_t at) {
@@ -57,9 +56,8 @@ void writeNumbers(const PenetrateInfo& info) {
   if (single) static_cast<void>(putBytes(write.store(), VsPartPara, at, info.data));
   for (const NumberPart& part : kNumberParts) {
     if (single && !holds(part, at)) continue;
-    if (const int ret = writeNumberPart(write.store(), part, at, info.data))
-      PARLEND_TRACE(kError)
-          << "=== WriteToNumberFunCardPort ===Write FPGA NumberFunCardPort Info failed! ret = " << ret;
+    writeNumberPart(write.store(), part, at, info.data,
+                    {"WriteToNumberFunCardPort", "Write FPGA NumberFunCardPort Info failed! ret = "});
   }
 }
 

@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::size_t kAdvancedArea = 4096;
 constexpr int kRecordTextRoom = 1536;
-constexpr uint8_t kNotABackup = 0xFF;
 constexpr std::size_t kScreenParaSaved = 2;
 
 Data_Global& store() {
@@ -43,17 +42,18 @@ bool isTaken(const SmartScreen& screen) {
 
 void logRecord(std::span<const uint8_t> record) {
   if (!tracePasses(kInfo)) return;
-  const HexText<kRecordTextRoom> text(record.data(), static_cast<int>(record.size()));
+  const HexText<kRecordTextRoom> text(record);
   PARLEND_TRACE(kInfo) << workKey<CalculateParaOfSenderKey>.handler << " enter:" << text.view();
 }
 
 // A submission takes the backup marker back: the output ports are assigned anew.
-void clearBackupMark() {
+FeatureDraft clearBackupMark() {
   FeatureDraft draft;
-  draft.put(fpga::kBackupMark, kNotABackup);
+  draft.put(fpga::kBackupMark, fpga::kNoMark);
   putFeature(store(), draft);
-  writeFlash(flash::ofFeature(fpga::kBackupMark), {&kNotABackup, 1}, "Sprocess_CalculateParaOfSender");
+  writeFlash(flash::ofFeature(fpga::kBackupMark), {&fpga::kNoMark, 1}, "Sprocess_CalculateParaOfSender");
   store().NormalBackupStatus = 1;
+  return draft;
 }
 
 void submit(std::span<const uint8_t> record) {
@@ -66,8 +66,7 @@ void submit(std::span<const uint8_t> record) {
                        << " MyTempParaTable[3] = " << screen.cardsPerPort
                        << " MyTempParaCharTable[0] = " << screen.mode
                        << " MyTempParaCharTable[2]=" << MyTempParaCharTable[kTempRoleAt];
-  clearBackupMark();
-  store().CalculateParaGetSreenSize(MyTempParaTable);
+  store().CalculateParaGetSreenSize(MyTempParaTable, clearBackupMark());
   setConfigStatus(shortcut::kSmart);
   store().CalculateParaHandlerCnt.add(1);
 }
@@ -111,7 +110,7 @@ std::optional<AdvancedScreen> readAdvancedScreen() {
     return std::nullopt;
   }
   if (tracePasses(kInfo)) {
-    const HexText<kRecordTextRoom> text(area.data(), kRecordTextRoom / 3 - 1);
+    const HexText<kRecordTextRoom> text{std::span(area).first<kRecordTextRoom / 3 - 1>()};
     PARLEND_TRACE(kInfo) << "ShortcutConfigScreenRegister  buf:" << text.view();
   }
   AdvancedScreen screen;
@@ -138,7 +137,9 @@ void saveScreenPara() {
                           << " ===the screen parameters could not be loaded and are not saved.";
     return;
   }
-  writeFlash(flash::kScreenPara, store().ScreenParaReg.part<0, kScreenParaSaved>(), kCaller);
+  std::array<uint8_t, kScreenParaSaved> bytes{};
+  static_cast<void>(snapshot(store(), store().ScreenParaReg, 0, bytes));
+  writeFlash(flash::kScreenPara, bytes, kCaller);
 }
 
 }  // namespace
@@ -176,8 +177,8 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
     CMutexGuardT<CMutexThreadRecursive> guard(store().m_mutex);
     const auto screen = readAdvancedScreen();
     if (!screen) return;
-    store().AdvCalcParaGetSreenSize(*screen);
-    store().AdvCalcParaOfSenderInMosaicMode(*screen);
+    const FeatureDraft size = store().AdvCalcParaGetSreenSize(*screen);
+    store().AdvCalcParaOfSenderInMosaicMode(*screen, size);
     setConfigStatus(shortcut::kAdvanced);
     // What came before it and waits for its tick would replace it.
     store().CalculateParaHandlerCnt = 0;

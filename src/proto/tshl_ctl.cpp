@@ -24,17 +24,17 @@ int print(IMD_proto3rd*) {
   return spaceAt(At<base>{}).Ssh_print();
 }
 
-// The router's row of a row of the map. One that no space serves has no function.
+// The router's row of a row of the map.
 template <std::size_t no>
 constexpr Fshl_cmd rootRow() {
   constexpr const SpaceRow& row = kSpaces[no];
   constexpr uint32_t space = firstBase(row);
-  Fshl_cmd root{.RegisterAddr = row.base, .cmd_str = row.name, .cmd_exp = row.text};
-  if constexpr (Served<space>) {
-    root.called_fun = &enter<space>;
-    root.print_fun = &print<space>;
-  }
-  return root;
+  static_assert(Served<space>, "a row of maps/spaces.h has no line in proto/spaces/spaces.h");
+  return {.RegisterAddr = row.base,
+          .cmd_str = row.name,
+          .cmd_exp = row.text,
+          .called_fun = &enter<space>,
+          .print_fun = &print<space>};
 }
 
 constexpr auto kRootRows = []<std::size_t... no>(std::index_sequence<no...>) {
@@ -78,10 +78,7 @@ int Tshl_ctl::Ssh_StartSendCard(IMD_proto3rd* msgIMD) {
     return kRefused;
   }
   const Fshl_cmd* row = hit->second.cmd;
-  if (row->called_fun != nullptr) return row->called_fun(msgIMD, row, 0);
-  PARLEND_TRACE(kError) << "=== Ssh_StartSendCard ===no space serves " << row->cmd_exp;
-  msgIMD->proto.m_ucAck = kAckRefused;
-  return kRefused;
+  return row->called_fun(msgIMD, row, 0);
 }
 
 void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {
@@ -89,7 +86,7 @@ void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {
   const auto hit = m_mapProtoShl.find(msgIMD->proto.m_uiRegisterUnitAddress & reg::kWideMask);
   if (hit == m_mapProtoShl.end()) {
     PARLEND_TRACE(kError) << "=== Ssh_cmdOffset ===Ssh_cmdOffset: Invalid register access";
-  } else if (hit->second.cmd->print_fun != nullptr) {
+  } else {
     hit->second.cmd->print_fun(msgIMD);
   }
   PARLEND_TRACE(kInfo) << "-----------Ssh_cmdOffset end--------------";

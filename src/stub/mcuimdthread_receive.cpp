@@ -44,7 +44,7 @@ bool resetting() {
 void logFrame(const unsigned char* frame, int length) {
   constexpr int kBytesInALine = static_cast<int>(CTrace::kLineSize) / 3;
   const int shown = length <= DATA_BLOCK_LENGTH / 3 ? std::min(length, kBytesInALine) : 0;
-  const HexText<3 * kBytesInALine + 1> text(frame, shown);
+  const HexText<3 * kBytesInALine + 1> text({frame, static_cast<std::size_t>(shown)});
   PARLEND_TRACE(kInfo) << "Apipc: the new Packet's datalength = " << length << " the Data = " << text.c_str();
 }
 

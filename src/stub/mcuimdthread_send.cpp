@@ -42,7 +42,7 @@ constexpr int kSendTextRoom = 131072;
 
 void logSent(const FrameWords& words, const unsigned char* bytes, int total) {
   PARLEND_TRACE(kInfo) << words.sent << 0 << " datalength = " << total;
-  const HexText<kSendTextRoom> text(bytes, total);
+  const HexText<kSendTextRoom> text({bytes, static_cast<std::size_t>(total)});
   if (text.view().size() < kPieceLength) {
     PARLEND_TRACE(kInfo) << words.shortData << text.c_str();
     return;

@@ -18,7 +18,7 @@ constexpr std::array kFloors{
     Floor{"src/", 2},
     Floor{"src/maps/", 3},
     Floor{"src/calc/", 4},
-    // The only code that calls the driver library, the shell and the clock.
+    // The only code that calls the driver library.
     Floor{"src/driver", 5},
     Floor{"src/envstore", 5},
     // What goes out: frames, items of work, and the calls that send and queue them.
@@ -55,6 +55,25 @@ constexpr std::array kViews{
     // Of the daemon maps, calculations and the bytes that they are made of.
     View{"tools/", {"src/maps/", "src/calc/", "src/mcucdatablock.h", "platform/sim/board_conf.h"}},
     View{"tests/system/", {"tests/support/", "tools/", "src/maps/", "src/calc/", "src/mcucdatablock.h"}},
+};
+
+/** A service of the platform and who in the daemon calls it: files by the beginnings of their paths. */
+struct Service {
+  std::string_view header;
+  std::array<std::string_view, 8> callers;
+};
+
+constexpr std::array kServices{
+    Service{"platform/include/platform/driver.h", {"src/driverutil"}},
+    // Shell and clock; beside driverutil the trace, and who asks for a path or a moment.
+    Service{"platform/include/platform/board.h",
+            {"src/driverutil", "src/main.cpp", "src/mcuctrace.cpp", "src/mcucutil.cpp", "src/regularfile.cpp",
+             "src/proto/spaces/ratetest.cpp", "src/stub/loadflag.cpp"}},
+    Service{"platform/include/platform/colour.h", {"src/process/colour.cpp"}},
+    Service{"platform/include/platform/input.h", {"src/process/inputSource.h"}},
+    Service{"platform/include/platform/netinfo.h", {"src/proto/store/data_common_identity.cpp"}},
+    Service{"platform/include/platform/stinfo.h", {"src/process/featureeffects.cpp"}},
+    Service{"platform/include/platform/sysconf.h", {"src/envstore.h"}},
 };
 
 }  // namespace house

@@ -54,6 +54,15 @@ bool sees(std::string_view from, std::string_view to) {
                              [&](std::string_view seen) { return !seen.empty() && to.starts_with(seen); });
 }
 
+/** Whether a file of the daemon may call a service of the platform, if it is one. */
+bool mayCall(std::string_view from, std::string_view to) {
+  const auto* service = std::ranges::find(kServices, to, &Service::header);
+  return !from.starts_with("src/") || service == kServices.end() ||
+         std::ranges::any_of(service->callers, [&](std::string_view caller) {
+           return !caller.empty() && from.starts_with(caller);
+         });
+}
+
 TEST(House, EveryQuotedIncludeNamesAFileOfTheRepository) {
   ASSERT_GT(tree().size(), 150U);
   for (const auto& [path, source] : tree())
@@ -67,6 +76,7 @@ TEST(House, IncludesGoDown) {
       EXPECT_FALSE(goesUp(from, to)) << from << " (floor " << floorOf(from) << ") includes " << to
                                      << " (floor " << floorOf(to) << ")";
       EXPECT_TRUE(sees(from, to)) << from << " must not know " << to;
+      EXPECT_TRUE(mayCall(from, to)) << from << " must not call " << to;
     }
 }
 
@@ -94,6 +104,9 @@ TEST(HouseChecks, AnArrowUpwardOrIntoAForeignRoomIsSeen) {
   EXPECT_FALSE(sees("tools/peer/frame.cpp", "src/maps/registermap.h"));
   EXPECT_FALSE(sees("platform/sim/board_dir.cpp", "src/mcucutil.h"));
   EXPECT_FALSE(sees("tests/system/wire_test.cpp", "src/stub/stubutil.h"));
+  EXPECT_FALSE(mayCall("src/proto/store/imageload.cpp", "platform/include/platform/driver.h"));
+  EXPECT_FALSE(mayCall("src/process/colour.h", "platform/include/platform/board.h"));
+  EXPECT_TRUE(mayCall("src/driverutil_flash.cpp", "platform/include/platform/driver.h"));
   EXPECT_TRUE(sees("tests/src/calc/mapping_test.cpp", "src/calc/mapping.h"));
 }
 

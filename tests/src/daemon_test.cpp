@@ -2,6 +2,7 @@
 #include "calc/screenrecord.h"
 #include "daemontest.h"
 #include "mcuctrace.h"
+#include "proto/store/paratables.h"
 
 namespace {
 
@@ -46,10 +47,14 @@ TEST_F(WholeDaemon, TheStoreOfANewProgramIsFreshAndFilledFromFlash) {
   configure(wall(2, 4));
   const Bytes table = fpgaWall();
   const Bytes output = daemon.board.fpga(0x1EC, 4);
+  TempAdvCfgPortRow[9] = 7;
   daemon.powerOn();
+  EXPECT_EQ(TempAdvCfgPortRow[9], 1);
   EXPECT_EQ(fpgaWall(), table);
   EXPECT_EQ(daemon.read(kRecord, 1).data, Bytes{shortcut::kSmart});
   EXPECT_EQ(daemon.board.fpga(0x1EC, 4), output);
+  EXPECT_THAT(TempAdvCfgPortRow, testing::Each(1));
+  EXPECT_THAT(TempAdvCfgPortCol, testing::Each(1));
 }
 
 TEST_F(WholeDaemon, WhoIsConnectedIsToldAndNobodyElse) {

@@ -11,8 +11,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using simboard::Fault;
-
 class DriverUtilTest : public BoardTest {
  protected:
   void SetUp() override {

@@ -53,6 +53,21 @@ TEST_F(FaultsTest, AnFpgaThatCannotBeReadLeavesZerosOrNoData) {
                          testing::HasSubstr(">>>>>>>>>>>>>>>>>>>>> FPGA Read Fail<<<<<<<<<<<<<<<<<<<")));
 }
 
+TEST_F(FaultsTest, WhatTheFpgaDoesNotGiveOrTakeOfAnImageIsNamed) {
+  daemon.board.failNext(Fault::FpgaRead, TestBoard::kEveryCall);
+  daemon.board.failNext(Fault::FpgaWrite, TestBoard::kEveryCall);
+  for (const uint32_t image : {0x12010000U, 0x03000000U}) read(image, 8);
+  for (const uint32_t image : {0x03000000U, 0x03100000U}) write(image, counting(2));
+  daemon.workOff();
+  EXPECT_THAT(
+      daemon.trace(" failed! ret = "),
+      testing::ElementsAre(
+          "Error === ReadScreenPatternGenInfo ===Read ScreenPatternGenInfo failed! ret = -1",
+          "Error === ReadFromPosNetPort ===Read FPGA Posi Info failed! ret = -1",
+          "Error === WriteToPosNetPort ===Write FPGA Position Info failed! ret = -1",
+          "Error === WriteToNumberFunCardPort ===Write FPGA NumberFunCardPort Info failed! ret = -1"));
+}
+
 TEST_F(FaultsTest, AFlashThatCannotBeReadOrWrittenChangesNothing) {
   daemon.board.setFlash(0x00B98000, counting(8));
   daemon.board.failNext(Fault::FlashRead, TestBoard::kEveryCall);

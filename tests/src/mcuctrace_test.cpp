@@ -67,7 +67,7 @@ TEST(Recorder, TheHexFlagHoldsForTheNextIntegerAndPassesOverEverythingElse) {
 
 TEST(Recorder, NeverFillsTheLast64BytesAndAlwaysEndsTheText) {
   EXPECT_EQ(recorded(std::string(959, 'x'), 123, "more", 4), std::string(959, 'x') + "1");
-  for (const std::size_t size : {0, 1, 63, 64, 65, 66}) {
+  for (const std::size_t size : {0U, 1U, 63U, 64U, 65U, 66U}) {
     std::string buffer(80, '#');
     CTrace::CLogRecorder recorder(buffer.data(), size);
     recorder << "abc" << 123;

@@ -33,8 +33,8 @@ std::vector<Timing> timingsOf(const std::string& text) {
       R"(\s*\n\s+Vfront\s+(\d+) Vsync\s+(\d+) Vback\s+(\d+) Vpol (\w)(?: Vborder (\d+))?)?)");
   std::vector<Timing> timings;
   for (std::sregex_iterator at(text.begin(), text.end(), line), end; at != end; ++at) {
-    const auto number = [&m = *at](std::size_t n) { return std::atoi(m[n].str().c_str()); };
-    const auto real = [&m = *at](std::size_t n) { return std::atof(m[n].str().c_str()); };
+    const auto number = [&m = *at](std::size_t n) { return m.length(n) == 0 ? 0 : std::stoi(m[n]); };
+    const auto real = [&m = *at](std::size_t n) { return std::stod(m[n]); };
     Timing t{.name = (*at)[1], .width = number(2), .height = number(3)};
     t.interlaced = (*at)[4] == "i";
     t.hertz = real(5);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -40,6 +41,12 @@ constexpr uint32_t kServiceCode = 0x00FFFFFF;
 constexpr auto kTick = 200ms;
 constexpr int kMostTicks = 20;
 
+template <class T>
+void makeAnew(T& object) {
+  std::destroy_at(&object);
+  std::construct_at(&object);
+}
+
 /** What the next daemon must not find in memory. */
 void forgetEverything() {
   StubUtil::deleteInstance();
@@ -54,16 +61,8 @@ void forgetEverything() {
   DriverUtil::deleteInstance();
   Tprocess_ctl::getInstance()->apipc_connect_status = false;
   Tprocess_ctl::getInstance()->OptToNetEnableOnce = false;
-  for (auto* table : {&ParaTable, &AdvCfgParaTable, &MyTempParaTable}) table->fill(0);
-  for (auto* table : {&ParaCharTable, &MyTempParaCharTable}) table->fill(0);
-  PortsTopoPara.fill(0);
-  VsPartPara.fill(0);
-  for (auto* values : {&TempAdvCfgPortRow, &TempAdvCfgPortCol, &TempAdvCfgPortX, &TempAdvCfgPortY})
-    for (auto& value : *values) value = 0;
-  for (auto& value : TempAdvPortCM) value = 0;
-  for (auto& value : RecvCardSize_befor) value = 0U;
-  factory_flag = 0;
-  read_CardSize_flag = 0;
+  makeAnew(workingTables);
+  makeAnew(portTables);
   ScreenPatternGenState = 0;
 }
 
@@ -170,7 +169,7 @@ std::optional<peer::Message> TestDaemon::exchange(const Bytes& frame, peer::Head
   messagedesk::arrive(message);
   StubUtil::getInstance()->channel().takeMessage();
   sortSent();
-  const auto reply = std::exchange(reply_, {});
+  auto reply = std::exchange(reply_, {});
   if (reply && reply->head.labelCount != number_) throw std::logic_error("a reply to another request");
   return reply;
 }

@@ -112,7 +112,7 @@ TEST(CabFileText, CompilesAndDecompiles) {
 }
 
 TEST(CabFileText, IsComplainedOfByLine) {
-  const std::string many = "1 = " + std::string(2 * 4096, '0') + "\n";
+  const std::string many = "1 = " + std::string(std::size_t{2} * 4096, '0') + "\n";
   const struct {
     std::string text;
     const char* complaint;

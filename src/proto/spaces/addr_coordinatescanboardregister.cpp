@@ -42,9 +42,9 @@ int ReadFromPosNetPort(IMD_proto3rd& request) {
   auto& data = request.proto.m_data;
   data.assign(length, 0);
   const Data_Global& store = *Data_Global::getInstance();
-  const int ret = readThrough(store, PortsTopoPara, offset, fpga::kPositionTables + offset, data);
+  const int ret = readThrough(store, PortsTopoPara, offset, fpga::kPositionTables + offset, data,
+                              {"ReadFromPosNetPort", "Read FPGA Posi Info failed! ret = "});
   if (ret == 0) return tested ? kDone : kFailed;
-  PARLEND_TRACE(kError) << "=== ReadFromPosNetPort ===Read FPGA Posi Info failed! ret = " << ret;
   data.clear();
   section.abandon();
   return kFailed;

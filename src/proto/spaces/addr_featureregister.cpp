@@ -116,10 +116,12 @@ struct Offset {
 
 // The offset as it will be after a write at one of its two registers; none after one that is no whole field.
 Offset offsetAfter(bool atX, std::span<const uint8_t> data) {
-  const Image& image = store().SendParameterReg;
-  if (atX && data.size() == 2) return {le16(data), image.le16(fpga::kScreenOffsetY)};
+  static_assert(fpga::kScreenOffsetY == fpga::kScreenOffsetX + 2);
+  std::array<uint8_t, 4> now{};
+  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kScreenOffsetX, now));
+  if (atX && data.size() == 2) return {le16(data), le16(now, 2)};
   if (atX && data.size() == 4) return {le16(data), le16(data, 2)};
-  if (!atX && data.size() == 2) return {image.le16(fpga::kScreenOffsetX), le16(data)};
+  if (!atX && data.size() == 2) return {le16(now), le16(data)};
   return {};
 }
 

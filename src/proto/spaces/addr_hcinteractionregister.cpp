@@ -9,6 +9,7 @@
 #include "maps/flashmap.h"
 #include "proto/spaces/coloursettings.h"
 #include "proto/spaces/spaces.h"
+#include "proto/store/data_common.h"
 #include "proto/store/paratables.h"
 #include "singleton.h"
 
@@ -81,9 +82,8 @@ void readHlgClass(uint32_t, std::span<uint8_t> reply) {
 }
 
 void readPictureQuality(uint32_t, std::span<uint8_t> reply) {
-  putLe16(reply, 0, ParaTable.le16(para::PbufContrast));
-  putLe16(reply, 2, ParaTable.le16(para::PbufSaturation));
-  putLe16(reply, 4, ParaTable.le16(para::PbufHue));
+  static_assert(para::PbufSaturation == para::PbufContrast + 2 && para::PbufHue == para::PbufContrast + 4);
+  static_cast<void>(snapshot(*Data_Global::getInstance(), ParaTable, para::PbufContrast, reply.first(6)));
 }
 
 void readWarmUp(uint32_t address, std::span<uint8_t> reply) {

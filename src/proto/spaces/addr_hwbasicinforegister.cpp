@@ -6,14 +6,13 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint32_t kPageSize = 256;
 constexpr uint32_t kModelIdAt = 2;
 constexpr uint32_t kSerialNumberAt = 22;
 
 bool insidePage(const IMD_proto3rd& request, const char* operation) {
   const uint32_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const uint32_t length = request.proto.m_usValidDataLength;
-  if (offset + length <= kPageSize) return true;
+  if (offset + length <= flash::kBasicHardwareSize) return true;
   PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex
                         << offset << " len = " << length;
   return false;
@@ -27,7 +26,7 @@ int ReadHwBasicInfomation(IMD_proto3rd& request) {
   if (!insidePage(request, "ReadHwBasicInfomation")) return kBeyondImage;
   const uint32_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const uint32_t length = request.proto.m_usValidDataLength;
-  std::array<uint8_t, kPageSize> page{};
+  std::array<uint8_t, flash::kBasicHardwareSize> page{};
   const auto part = std::span(page).subspan(offset, length);
   const int ret = readFlash(flash::kBasicHardwarePage + offset, part);
   Data_Global& data = *Data_Global::getInstance();

@@ -18,13 +18,10 @@ int ReadScreenPatternGenInfo(IMD_proto3rd& request) {
   std::array<uint8_t, pattern::kImageSize> bytes{};
   const auto read = std::span(bytes).first(length);
   Data_Global& global = *Data_Global::getInstance();
-  const int ret =
-      readThrough(global, global.HardwareScreenGenReg, offset, fpga::kScreenPatternGen + offset, read);
-  if (ret != 0) {
-    PARLEND_TRACE(kError) << "=== ReadScreenPatternGenInfo ===Read ScreenPatternGenInfo failed! ret = "
-                          << ret;
+  constexpr FailureWords kWords{"ReadScreenPatternGenInfo", "Read ScreenPatternGenInfo failed! ret = "};
+  if (readThrough(global, global.HardwareScreenGenReg, offset, fpga::kScreenPatternGen + offset, read,
+                  kWords) != 0)
     return kFailed;
-  }
   replyWith(request, read);
   return kDone;
 }

@@ -1,5 +1,5 @@
 // The register spaces that serve requests: a line each, defined in the space's own source file. A row of
-// maps/spaces.h without a line here is on the map, and its requests are refused.
+// maps/spaces.h without a line here does not compile.
 #pragma once
 
 #include "proto/spaces/registerspace.h"

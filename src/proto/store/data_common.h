@@ -77,8 +77,9 @@ class Data_Global : public RegisterImages,
   void refreshCardSizeInScreenPara();
 
   // Type 0: basic hardware page; type 1: feature, global, position and number parameters. Each failure is
-  // logged and the rest saved all the same.
-  void SaveParaToFlash(int type);
+  // logged and the rest saved all the same. What was decided is saved as it is: the image may show again what
+  // the FPGA holds.
+  void SaveParaToFlash(int type, const FeatureDraft& decided = {});
   // Rebuilds the FPGA from flash; without a loaded FPGA only the images are filled.
   void RestoreFPGA();
   // Output role of all sixteen ports: 0 master, else backup; to image, FPGA and flash.
@@ -89,13 +90,15 @@ class Data_Global : public RegisterImages,
   int GetRecvCardSize_EnvNew();
   // Smart configuration. table: fields 1, 2, 3 are rows, columns, cards per port; chars: byte 0 connection
   // mode, byte 2 master/backup. The size step applies the output size at once; the mapping writes windows,
-  // card counts, port tables and roles to the FPGA and saves them.
-  void CalculateParaGetSreenSize(const ByteImage<1024>& table);
+  // card counts, port tables and roles to the FPGA and saves them. decided: what else the submission has put
+  // into the feature image.
+  void CalculateParaGetSreenSize(const ByteImage<1024>& table, FeatureDraft decided = {});
   void CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table, const ByteImage<32>& chars);
   // Advanced configuration: the same two steps. The mapping returns 0, or kErrPortPara with nothing changed.
   // Both steps of one configuration are given the same value; without it, the working arrays of the ports.
-  void AdvCalcParaGetSreenSize(const AdvancedScreen& screen);
-  int AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen);
+  // The FPGA is not told the size: the mapping saves what the size step returns.
+  FeatureDraft AdvCalcParaGetSreenSize(const AdvancedScreen& screen);
+  int AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen, const FeatureDraft& size = {});
   void AdvCalcParaGetSreenSize(const PortValues& rows, const PortValues& columns, const PortValues& xs,
                                const PortValues& ys);
   int AdvCalcParaOfSenderInMosaicMode();

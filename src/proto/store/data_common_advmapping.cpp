@@ -83,8 +83,7 @@ CardSize measuredCard(Data_Global& store) {
 }
 
 // The cards are measured once, so that windows and tables agree.
-void mapScreen(Data_Global& store, const AdvancedScreen& screen, CardSize card) {
-  FeatureDraft draft;
+void mapScreen(Data_Global& store, FeatureDraft draft, const AdvancedScreen& screen, CardSize card) {
   storeScreen(store, draft, screen, card);
   putWindows(draft, screen, card);
   countCards(store, screen);
@@ -103,7 +102,7 @@ void Data_Global::AdvCalcParaGetSreenSize(const PortValues& rows, const PortValu
   AdvCalcParaGetSreenSize(screenOf(rows, columns, xs, ys));
 }
 
-void Data_Global::AdvCalcParaGetSreenSize(const AdvancedScreen& screen) {
+FeatureDraft Data_Global::AdvCalcParaGetSreenSize(const AdvancedScreen& screen) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   loadWhatIsMissing(*this);
   clearScreenOffset(*this,
@@ -117,8 +116,9 @@ void Data_Global::AdvCalcParaGetSreenSize(const AdvancedScreen& screen) {
   putScreenSize(draft, extent.width, extent.height);
   putFeature(*this, draft);
   DebugForScreenZero(8, 0, "AdvCalcParaGetSreenSize, ADV calc screen!!");
-  SaveParaToFlash(1);
+  SaveParaToFlash(1, draft);
   ChangeOutScreenPara(extent.width, extent.height);
+  return draft;
 }
 
 int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
@@ -126,14 +126,14 @@ int Data_Global::AdvCalcParaOfSenderInMosaicMode() {
       screenOf(TempAdvCfgPortRow, TempAdvCfgPortCol, TempAdvCfgPortX, TempAdvCfgPortY));
 }
 
-int Data_Global::AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen) {
+int Data_Global::AdvCalcParaOfSenderInMosaicMode(const AdvancedScreen& screen, const FeatureDraft& size) {
   const LogSection section(
       {"===================== Begin Calculate Advanced LED configure =======================",
        "===================== Finish Calculate Advanced LED configure ======================"});
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   loadWhatIsMissing(*this);
   const bool accepted = accept(screen);
-  if (accepted) mapScreen(*this, screen, measuredCard(*this));
+  if (accepted) mapScreen(*this, size, screen, measuredCard(*this));
   return accepted ? 0 : kErrPortPara;
 }
 

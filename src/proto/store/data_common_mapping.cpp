@@ -21,7 +21,7 @@ void logImage(const char* text, const RegisterImages& images, const FeatureDraft
   if (!tracePasses(kInfo)) return;
   auto bytes = images.SendParameterReg.bytes();
   draft.applyTo(bytes);
-  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes.data(), bytes.size()).view();
+  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes).view();
 }
 
 void logSplit(const SmartScreen& screen, const PortSplit& split) {
@@ -159,7 +159,7 @@ bool mapScreen(Data_Global& store, FeatureDraft& draft, const SmartScreen& scree
 
 }  // namespace
 
-void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
+void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table, FeatureDraft decided) {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   loadWhatIsMissing(*this);
   clearScreenOffset(*this,
@@ -178,13 +178,12 @@ void Data_Global::CalculateParaGetSreenSize(const ByteImage<1024>& table) {
   PARLEND_TRACE(kInfo) << " SM2W===2 : DVI_Width =" << width << "; DVI_Height =" << height;
   if (const auto counter = storeOutputSize(width, height, "CalculateParaGetSreenSize"))
     logScreenChangeCounter(*counter);
-  FeatureDraft draft;
-  putOutputSize(draft, width, height);
-  putScreenSize(draft, width, height);
-  putFeature(*this, draft);
+  putOutputSize(decided, width, height);
+  putScreenSize(decided, width, height);
+  putFeature(*this, decided);
   DebugForScreenZero(7, 0, "CalculateParaGetSreenSize, calc screen!!");
-  SaveParaToFlash(1);
-  putFeature(*this, draft, fpga::kOutputWidth, 4,
+  SaveParaToFlash(1, decided);
+  putFeature(*this, decided, fpga::kOutputWidth, 4,
              {"CalculateParaGetSreenSize", "\n Write 0200_01EC to FPGA failed !!! ret = "});
 }
 

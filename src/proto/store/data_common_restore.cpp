@@ -20,7 +20,6 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr char kCaller[] = "RestoreFPGA";
-constexpr uint8_t kBackupMarks[] = {0x5A, 0xA5};
 constexpr int kNumberTextRoom = 3 * 768 + 1;
 
 void readConfigStatus(Data_Global& store, const char* logLine) {
@@ -130,16 +129,15 @@ bool loadAndRestoreNumberTable(Data_Global& store) {
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
   if (tracePasses(kInfo)) {
     const auto table = VsPartPara.bytes();
-    PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table.data(), table.size()).view();
+    PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table).view();
   }
   return restoreNumberTable(store);
 }
 
 void closeOutput(Data_Global& store) {
   constexpr uint8_t kClosed = 0;
-  if (writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1}) !=
-      0)
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the output was not closed.";
+  writeThrough(store, store.SendParameterReg, fpga::kOutputEnable, fpga::kOutputEnable, {&kClosed, 1},
+               {kCaller, "the output was not closed."});
   store.SendParameterReg[fpga::kOutputEnable] = fpga::kOutputRestored;
 }
 
@@ -168,8 +166,7 @@ void Data_Global::BootRecover() {
   if (isOnline(*this)) {
     uint8_t mark = 0;
     readFpga(fpga::kBackupMark, {&mark, 1});
-    const bool marked =
-        std::find(std::begin(kBackupMarks), std::end(kBackupMarks), mark) != std::end(kBackupMarks);
+    const bool marked = mark == fpga::kMasterMark || mark == fpga::kSlaveMark;
     NormalBackupStatus = marked ? 0 : 1;
   }
   if (loadScreenPara(*this) != 0) {

@@ -12,7 +12,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr std::size_t kBasicHardwareSize = 256;
 constexpr uint16_t kLargestMeasure = 3840;  // pixels, of a sound screen or window
 constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
@@ -42,6 +41,14 @@ void saveImage(const RegisterImages& images, const ByteImage<N>& image, uint32_t
   std::array<uint8_t, Size> bytes{};
   snapshot(images, image, 0, bytes);
   save(words, address, bytes);
+}
+
+void saveFeature(const RegisterImages& images, const FeatureDraft& decided) {
+  std::array<uint8_t, 512> bytes{};
+  snapshot(images, images.SendParameterReg, 0, bytes);
+  decided.applyTo(bytes);
+  save({"Save feature para to flash :", {nullptr, "=== Save feature para to flash failed! ret = "}},
+       flash::kFeature, bytes);
 }
 
 bool isSound(uint16_t measure) {
@@ -85,7 +92,7 @@ void saveBasicHardware(Data_Preset& preset) {
   if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
   save({"Save basic hardware para to flash :",
         {nullptr, "=== Save  basic hardware para to flash failed! ret = "}},
-       flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(kBasicHardwareSize));
+       flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(flash::kBasicHardwareSize));
 }
 
 // One write, or one for each table that was loaded.
@@ -104,16 +111,12 @@ void savePortTables(const RegisterImages& images) {
   }
 }
 
-void saveParameters(Data_Global& images) {
+void saveParameters(Data_Global& images, const FeatureDraft& decided) {
   const bool newTag = formatTagDiffers();
   logSoundness(images.SendParameterReg);
   loadWhatIsMissing(images);
   const LoadFailures& failures = images.loadFailures;
-  if (mayBeSaved(failures.feature, "the feature image")) {
-    saveImage<512>(
-        images, images.SendParameterReg, flash::kFeature,
-        {"Save feature para to flash :", {nullptr, "=== Save feature para to flash failed! ret = "}});
-  }
+  if (mayBeSaved(failures.feature, "the feature image")) saveFeature(images, decided);
   if (mayBeSaved(failures.global, "the parameter table")) {
     saveImage<kGlobalParaSize>(
         images, ParaTable, flash::kGlobalPara,
@@ -131,7 +134,7 @@ void saveParameters(Data_Global& images) {
 
 }  // namespace
 
-void Data_Global::SaveParaToFlash(int type) {
+void Data_Global::SaveParaToFlash(int type, const FeatureDraft& decided) {
   // Whoever saves later also saves later values.
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:"
@@ -139,7 +142,7 @@ void Data_Global::SaveParaToFlash(int type) {
                        << SendParameterReg[fpga::kOutputHeight];
   PARLEND_TRACE(kInfo) << "======================Save para to flash, the type = " << type;
   if (type == 0) saveBasicHardware(*Data_Preset::getInstance());
-  if (type == 1) saveParameters(*this);
+  if (type == 1) saveParameters(*this, decided);
   PARLEND_TRACE(kInfo) << "=========================== Finish save para to flash ===========================";
 }
 

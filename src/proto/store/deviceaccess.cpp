@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "driverutil.h"
+#include "mcucdatablock.h"
 #include "mcuctrace.h"
 #include "results.h"
 
@@ -28,7 +29,8 @@ struct Access {
 };
 
 int logged(int result, const FailureWords& words, const Access& access) {
-  if (result == 0 || !tracePasses(kError)) return result;
+  const bool silent = words.caller == nullptr && words.text == nullptr;
+  if (result == 0 || silent || !tracePasses(kError)) return result;
   TraceLine line(kError, sourceName(__FILE__), __LINE__);
   if (words.caller != nullptr) line.record() << "=== " << words.caller << " ===";
   if (words.text == nullptr) {
@@ -43,53 +45,51 @@ int logged(int result, const FailureWords& words, const Access& access) {
 
 }  // namespace
 
-int readFpga(uint32_t address, std::span<uint8_t> bytes) {
-  return driver().FPGAC5_ReadDataBlock(0, 0, address, lengthOf(bytes), bytes.data());
-}
-int writeFpga(uint32_t address, std::span<const uint8_t> bytes) {
-  return driver().FPGAC5_WriteDataBlock(0, 0, address, lengthOf(bytes), bytes.data());
-}
-
-int readFlash(uint32_t address, std::span<uint8_t> bytes) {
-  return driver().ReadBytesFromFlash(address, lengthOf(bytes), bytes.data());
-}
-int writeFlash(uint32_t address, std::span<const uint8_t> bytes) {
-  return driver().WriteDataToFlash(address, lengthOf(bytes), bytes.data());
-}
-
-int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes) {
-  if (bytes.size() > kLongestCardAccess) return kFailed;
-  return driver().ReadCardPara(address, card.port, card.board, static_cast<uint16_t>(bytes.size()),
-                               bytes.data(), card.type);
-}
-int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes) {
-  if (bytes.size() > kLongestCardAccess) return kFailed;
-  return driver().SendCardPara(address, static_cast<uint8_t>(card.port), card.board,
-                               static_cast<uint16_t>(bytes.size()), bytes.data(), card.type);
+CMutexGuardT<CMutexThreadRecursive> holdReads() {
+  return driver().holdReads();
 }
 
 int readFpga(uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
-  return logged(readFpga(address, bytes), words, {"read from", "FPGA", address, bytes.size()});
+  const int result = driver().FPGAC5_ReadDataBlock(0, 0, address, lengthOf(bytes), bytes.data());
+  return logged(result, words, {"read from", "FPGA", address, bytes.size()});
 }
 int writeFpga(uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
-  return logged(writeFpga(address, bytes), words, {"written to", "FPGA", address, bytes.size()});
+  const int result = driver().FPGAC5_WriteDataBlock(0, 0, address, lengthOf(bytes), bytes.data());
+  return logged(result, words, {"written to", "FPGA", address, bytes.size()});
 }
+int writeFpgaWord(uint32_t address, uint16_t value, FailureWords words) {
+  std::array<uint8_t, 2> bytes{};
+  putLe16(bytes, 0, value);
+  return writeFpga(address, bytes, words);
+}
+
 int readFlash(uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
-  return logged(readFlash(address, bytes), words, {"read from", "flash", address, bytes.size()});
+  const int result = driver().ReadBytesFromFlash(address, lengthOf(bytes), bytes.data());
+  return logged(result, words, {"read from", "flash", address, bytes.size()});
 }
 int writeFlash(uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
-  return logged(writeFlash(address, bytes), words, {"written to", "flash", address, bytes.size()});
+  const int result = driver().WriteDataToFlash(address, lengthOf(bytes), bytes.data());
+  return logged(result, words, {"written to", "flash", address, bytes.size()});
 }
 int writeFactoryCopy(uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
   const int result = driver().WriteDataToFactoryTmpFlash(address, lengthOf(bytes), bytes.data());
   return logged(result, words, {"written to", "factory copy", address, bytes.size()});
 }
+
 int readCard(const CardPlace& card, uint32_t address, std::span<uint8_t> bytes, FailureWords words) {
-  return logged(readCard(card, address, bytes), words, {"read from", "card register", address, bytes.size()});
+  const bool fits = bytes.size() <= kLongestCardAccess;
+  const auto length = static_cast<uint16_t>(bytes.size());
+  const int result =
+      fits ? driver().ReadCardPara(address, card.port, card.board, length, bytes.data(), card.type) : kFailed;
+  return logged(result, words, {"read from", "card register", address, bytes.size()});
 }
 int writeCard(const CardPlace& card, uint32_t address, std::span<const uint8_t> bytes, FailureWords words) {
-  return logged(writeCard(card, address, bytes), words,
-                {"written to", "card register", address, bytes.size()});
+  const bool fits = bytes.size() <= kLongestCardAccess;
+  const auto length = static_cast<uint16_t>(bytes.size());
+  const auto port = static_cast<uint8_t>(card.port);
+  const int result =
+      fits ? driver().SendCardPara(address, port, card.board, length, bytes.data(), card.type) : kFailed;
+  return logged(result, words, {"written to", "card register", address, bytes.size()});
 }
 
 }  // namespace ORVE_MCUC

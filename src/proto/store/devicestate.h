@@ -7,16 +7,17 @@
 namespace ORVE_MCUC {
 
 struct DeviceState {
-  RelaxedByte PbufMorSMode;    // 0 master, 1 slave
-  RelaxedByte FpgaOnlineFlag;  // 1: the device has loaded the FPGA; set by the flag and status thread
+  RelaxedByte PbufMorSMode;         // 0 master, 1 slave
+  RelaxedByte FpgaOnlineFlag;       // 1: the device has loaded the FPGA; set by the flag and status thread
+  WaitableByte RWFPGATestflag;      // 1: the report thread tests FPGA tables
+  RelaxedByte _gCorroentHighSpeed;  // 1: correction data go to the cards with short pauses
+  // Kept under the system's names; nothing reads them.
   RelaxedValue<bool> FpgaParaLoadFinish;  // a restore has written the FPGA
+  RelaxedByte LocalAddr;                  // on the device's serial chain
   RelaxedByte factoryflag;
-  WaitableByte RWFPGATestflag;  // 1: the report thread tests FPGA tables
-  RelaxedByte LocalAddr;        // on the device's serial chain
   ByteImage<4> ScanRecvBuf;
   RelaxedByte ScanCardID;
   RelaxedByte sync_hwtime_flag;
-  RelaxedByte _gCorroentHighSpeed;  // 1: correction data go to the cards with short pauses
 };
 
 }  // namespace ORVE_MCUC

@@ -152,7 +152,7 @@ std::array<uint8_t, kPortTableSize> portTableOf(const RegisterImages& images, un
 
 void writeAndSaveFeature(Data_Global& store, const FeatureDraft& draft, const char* caller) {
   putFeature(store, draft, fpga::kFeatureFirst, fpga::kFeatureMappingLength, caller);
-  store.SaveParaToFlash(1);
+  store.SaveParaToFlash(1, draft);
 }
 
 }  // namespace ORVE_MCUC

@@ -7,8 +7,8 @@
 namespace ORVE_MCUC {
 
 // As much of some bytes for VsPartPara as lies in a part: into the image, and the whole part to the FPGA. 0,
-// or DriverUtil's result.
+// or DriverUtil's result, logged with the words.
 int writeNumberPart(const RegisterImages& images, const NumberPart& part, std::size_t at,
-                    std::span<const uint8_t> bytes);
+                    std::span<const uint8_t> bytes, FailureWords words);
 
 }  // namespace ORVE_MCUC

@@ -9,11 +9,45 @@
 
 namespace ORVE_MCUC {
 
-inline constinit ByteImage<1024> ParaTable;          // the first kGlobalParaSize bytes are saved in flash
-inline constinit ByteImage<1024> AdvCfgParaTable;    // advanced configuration, 10 bytes a port
-inline constinit ByteImage<32> ParaCharTable;        // bytes 1..16: advanced connection modes of ports 1..16
-inline constinit ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
-inline constinit ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
+using PortValues = std::array<RelaxedValue<uint16_t>, 10>;  // of ports 0..9
+
+// Owner: the store. ParaTable and the MyTemp tables change under the configuration lock, on the work thread
+// and the flag and status thread; ParaTable is loaded and saved under the image lock as well. The other
+// values are single ones, under no lock; the receive thread writes the TempAdv ones, too.
+struct WorkingTables {
+  ByteImage<1024> ParaTable;          // the first kGlobalParaSize bytes are saved in flash
+  ByteImage<1024> MyTempParaTable;    // fields 1, 2, 3: rows, columns, cards per port
+  ByteImage<32> MyTempParaCharTable;  // byte 0 connection mode, byte 2 master/backup
+  // Working values of the advanced configuration.
+  PortValues TempAdvCfgPortRow{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+  PortValues TempAdvCfgPortCol{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+  PortValues TempAdvCfgPortX{};
+  PortValues TempAdvCfgPortY{};
+  std::array<RelaxedByte, 10> TempAdvPortCM{};
+  // Kept under the system's names; nothing reads them.
+  ByteImage<1024> AdvCfgParaTable;                             // advanced configuration, 10 bytes a port
+  ByteImage<32> ParaCharTable;                                 // bytes 1..16: connection modes of ports 1..16
+  std::array<RelaxedValue<uint32_t>, 2> RecvCardSize_befor{};  // pixels, read back after a factory reset
+  RelaxedValue<uint32_t> factory_flag{};  // 1 while the first boot after a factory reset is restored
+  RelaxedValue<uint32_t> read_CardSize_flag{};
+  std::array<RelaxedByte, 7> Time_to_vsp{};
+};
+inline constinit WorkingTables workingTables;
+
+inline constexpr auto& ParaTable = workingTables.ParaTable;
+inline constexpr auto& AdvCfgParaTable = workingTables.AdvCfgParaTable;
+inline constexpr auto& ParaCharTable = workingTables.ParaCharTable;
+inline constexpr auto& MyTempParaTable = workingTables.MyTempParaTable;
+inline constexpr auto& MyTempParaCharTable = workingTables.MyTempParaCharTable;
+inline constexpr auto& TempAdvCfgPortRow = workingTables.TempAdvCfgPortRow;
+inline constexpr auto& TempAdvCfgPortCol = workingTables.TempAdvCfgPortCol;
+inline constexpr auto& TempAdvCfgPortX = workingTables.TempAdvCfgPortX;
+inline constexpr auto& TempAdvCfgPortY = workingTables.TempAdvCfgPortY;
+inline constexpr auto& TempAdvPortCM = workingTables.TempAdvPortCM;
+inline constexpr auto& RecvCardSize_befor = workingTables.RecvCardSize_befor;
+inline constexpr auto& factory_flag = workingTables.factory_flag;
+inline constexpr auto& read_CardSize_flag = workingTables.read_CardSize_flag;
+inline constexpr auto& Time_to_vsp = workingTables.Time_to_vsp;
 
 inline constexpr std::size_t kGlobalParaSize = 512;
 
@@ -26,21 +60,6 @@ inline constexpr std::size_t kStored = 15;
 inline constexpr std::size_t kCardSizeAt = 6;  // width u16, height u16, in pixels
 inline constexpr std::size_t kLayoutAt = 10;   // rows, columns, connection mode, cards per port u16
 }  // namespace screenpara
-
-// Working values of the advanced configuration, ports 0..9.
-using PortValues = std::array<RelaxedValue<uint16_t>, 10>;
-inline constinit PortValues TempAdvCfgPortRow{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-inline constinit PortValues TempAdvCfgPortCol{1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-inline constinit PortValues TempAdvCfgPortX;
-inline constinit PortValues TempAdvCfgPortY;
-inline constinit std::array<RelaxedByte, 10> TempAdvPortCM;
-
-inline constinit std::array<RelaxedValue<uint32_t>, 2>
-    RecvCardSize_befor;  // pixels, read back after a factory reset
-inline constinit RelaxedValue<uint32_t>
-    factory_flag;  // 1 while the first boot after a factory reset is restored
-inline constinit RelaxedValue<uint32_t> read_CardSize_flag;
-inline constinit std::array<RelaxedByte, 7> Time_to_vsp;
 
 // Offsets of the fields in ParaTable. The role lives in the store's member of that name; its slot here stays
 // unused.

@@ -12,10 +12,16 @@
 
 namespace ORVE_MCUC {
 
-// Ten port tables, each 1024 positions in the order of the port's chain.
-inline constinit ByteImage<kPortTablesSize> PortsTopoPara;
-// Card counts of the ports, 32 bytes a port, and a part common to all.
-inline constinit ByteImage<768> VsPartPara;
+// Owner: the store; both change under the image lock, on the receive, work, flag and status thread.
+struct PortTables {
+  ByteImage<kPortTablesSize>
+      PortsTopoPara;          // ten port tables, 1024 positions each in the order of the port's chain
+  ByteImage<768> VsPartPara;  // card counts of the ports, 32 bytes a port, and a part common to all
+};
+inline constinit PortTables portTables;
+
+inline constexpr auto& PortsTopoPara = portTables.PortsTopoPara;
+inline constexpr auto& VsPartPara = portTables.VsPartPara;
 
 // Where a part of VsPartPara lies on the FPGA bus.
 struct NumberPart {

@@ -12,6 +12,10 @@ void applyBytes(const std::array<uint8_t, 512>& bytes, const std::bitset<512>& t
 
 }  // namespace
 
+void FeatureDraft::put(const FeatureDraft& later) {
+  later.applyTo(std::span(bytes_));
+  taken_ |= later.taken_;
+}
 void FeatureDraft::applyTo(std::span<uint8_t, 512> image) const {
   applyBytes(bytes_, taken_, image);
 }

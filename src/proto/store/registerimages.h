@@ -63,6 +63,11 @@ class FeatureDraft {
     put(at, static_cast<uint8_t>(value));
     put(at + 1, static_cast<uint8_t>(value >> 8));
   }
+  void put(std::size_t at, std::span<const uint8_t> values) {
+    for (const uint8_t value : values) put(at++, value);
+  }
+  // What another draft holds, over what was put before.
+  void put(const FeatureDraft& later);
   // Only what was put; the rest stays.
   void applyTo(std::span<uint8_t, 512> image) const;
   void applyTo(ByteImage<512>& image) const;
@@ -85,32 +90,35 @@ void changeFeature(RegisterImages& images, Change change) {
   change(images.SendParameterReg);
 }
 
+// The three that follow log a failure of the FPGA with the words that they are given, if any.
+
 // Bytes into an image and to the FPGA. -1, and nothing done, when they do not lie inside the image, else
 // DriverUtil's result.
 template <std::size_t N>
 int writeThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
-                 std::span<const uint8_t> bytes) {
+                 std::span<const uint8_t> bytes, FailureWords words = {}) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  return image.copyFrom(bytes, at) ? writeFpga(fpgaRegister, bytes) : -1;
+  return image.copyFrom(bytes, at) ? writeFpga(fpgaRegister, bytes, words) : -1;
 }
 
 // A part of an image to the FPGA, as it is; at most 1024 bytes. The same results.
 template <std::size_t N>
 int writeImage(const RegisterImages& images, const ByteImage<N>& image, std::size_t at, std::size_t length,
-               uint32_t fpgaRegister) {
+               uint32_t fpgaRegister, FailureWords words = {}) {
   std::array<uint8_t, 1024> room{};
   if (length > room.size()) return -1;
   const auto bytes = std::span(room).first(length);
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  return image.copyTo(bytes, at) ? writeFpga(fpgaRegister, bytes) : -1;
+  return image.copyTo(bytes, at) ? writeFpga(fpgaRegister, bytes, words) : -1;
 }
 
 // Registers of the FPGA into an image, which keeps its bytes when they cannot be read. The same results.
 template <std::size_t N>
 int readThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
-                std::span<uint8_t> bytes) {
+                std::span<uint8_t> bytes, FailureWords words = {}) {
+  const auto reads = holdReads();
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  if (const int ret = readFpga(fpgaRegister, bytes)) return ret;
+  if (const int ret = readFpga(fpgaRegister, bytes, words)) return ret;
   return image.copyFrom(bytes, at) ? 0 : -1;
 }
 

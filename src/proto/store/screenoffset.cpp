@@ -1,7 +1,5 @@
 #include "proto/store/screenoffset.h"
 
-#include <array>
-
 #include "calc/bypass.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -10,12 +8,6 @@ namespace ORVE_MCUC {
 namespace {
 
 constexpr char kCaller[] = "RestoreFPGA";
-
-void writeWord(uint32_t address, uint16_t value) {
-  std::array<uint8_t, 2> bytes{};
-  putLe16(bytes, 0, value);
-  writeFpga(address, bytes, kCaller);
-}
 
 int32_t signedOffset(const ByteImage<512>& image, std::size_t at) {
   return static_cast<int32_t>(image.le16(at) | static_cast<uint32_t>(image.le16(at + 2)) << 16);
@@ -27,11 +19,11 @@ void applySignedOffsets(const ByteImage<512>& image) {
   const int32_t y = signedOffset(image, fpga::kSignedOffsetY);
   PARLEND_TRACE(kInfo) << "============== LSD Para OffsetXPara:0x" << CTrace::hex << x << " int:" << x;
   PARLEND_TRACE(kInfo) << "============== LSD Para OffsetYPara:0x" << CTrace::hex << y << " int:" << y;
-  writeWord(fpga::kScreenOffsetX, magnitudeOf(x));
-  writeWord(fpga::kScreenDirectionX, directionOf(x));
+  writeFpgaWord(fpga::kScreenOffsetX, magnitudeOf(x), kCaller);
+  writeFpgaWord(fpga::kScreenDirectionX, directionOf(x), kCaller);
   PARLEND_TRACE(kInfo) << "3- @@@@@@@@@@@@@@@@@@@@@@@@@@@ LSD Para to port dist :" << directionOf(x);
-  writeWord(fpga::kScreenOffsetY, magnitudeOf(y));
-  writeWord(fpga::kScreenDirectionY, directionOf(y));
+  writeFpgaWord(fpga::kScreenOffsetY, magnitudeOf(y), kCaller);
+  writeFpgaWord(fpga::kScreenDirectionY, directionOf(y), kCaller);
 }
 
 }  // namespace
@@ -46,8 +38,8 @@ void applyScreenOffset(RegisterImages& images) {
   }
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Para Anly SendParameterReg";
   if (mode == kNoOffset) return;
-  writeWord(fpga::kScreenDirectionX, 0);
-  writeWord(fpga::kScreenDirectionY, 0);
+  writeFpgaWord(fpga::kScreenDirectionX, 0, kCaller);
+  writeFpgaWord(fpga::kScreenDirectionY, 0, kCaller);
   putFeature(images, {}, fpga::kScreenOffsetX, 4, kCaller);
 }
 

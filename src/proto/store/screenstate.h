@@ -23,7 +23,7 @@ struct ScreenState {
   RelaxedByte LEDConfigStatus;                     // what configured the screen last
   RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated; any thread adds
   ByteImage<32> TmpCalcScreenPara;                 // the record as it was written last
-  ByteImage<2> CfgScreenStatus;
+  ByteImage<2> CfgScreenStatus;                    // kept under the system's name; nothing reads it
 };
 
 // Owner: whoever measures, on any thread; no lock.

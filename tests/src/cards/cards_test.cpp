@@ -13,7 +13,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using simboard::Fault;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Bytes = TestBoard::Bytes;

@@ -15,8 +15,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using simboard::Fault;
-
 class InputSourceTest : public BoardTest {
  protected:
   void TearDown() override {
@@ -220,7 +218,7 @@ TEST_F(InputSourceTest, SourcesOfOtherKindsGetNoEdid) {
   for (const int group : {-1, 9, 1000}) inputs().EDIDCommStorage(group, edidFor(800, 600, 6000));
   EXPECT_EQ(loads(), 0U);
   inputs().EDIDCommStorage(8, edidFor(800, 600, 6000));
-  EXPECT_EQ(le16(storedModes(), 6 * 8), 800) << "stored before anyone asks for a source";
+  EXPECT_EQ(le16(storedModes(), 48), 800) << "stored before anyone asks for a source";
 }
 
 TEST_F(InputSourceTest, EveryCallThatFailsCostsItsOwnStepOnly) {

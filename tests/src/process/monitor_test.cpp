@@ -109,7 +109,7 @@ TEST_F(MonitorTest, WhatWasConfiguredStaysInTheImageWhateverTheFpgaShows) {
   change({{0x18, {1, 1, 1, 1}}, {0x98, {2, 2, 2, 2}}, {0x100, {3, 3, 3, 3}}, {0x1DA, {4}}, {0x1E0, {5, 6}}});
   EXPECT_THAT(tick(), ElementsAre("18 01010101", "98 02020202", "100 03030303", "1da 04", "1e0 05", "1e1 06",
                                   "1da 04"));
-  for (const std::size_t at : {0x18, 0x1B, 0x98, 0x9B, 0x100, 0x103, 0x1DA, 0x1E0, 0x1E1})
+  for (const std::size_t at : {0x18U, 0x1BU, 0x98U, 0x9BU, 0x100U, 0x103U, 0x1DAU, 0x1E0U, 0x1E1U})
     EXPECT_EQ(store().SendParameterReg[at], 0xEE) << at;
 }
 

@@ -131,7 +131,7 @@ TEST_F(PollTest, TheTimetableSetsPortsAndTheirComponents) {
   table[brightness::kNodePorts] = 0x0F;
   table[brightness::kNodePorts + 1] = 0x0A;
   for (uint8_t i = 0; i < 4; ++i)
-    table[brightness::kNodeComponents + 0x20U * i + 1] = static_cast<uint8_t>(0xC0 + i);
+    table[brightness::kNodeComponents + std::size_t{0x20} * i + 1] = static_cast<uint8_t>(0xC0 + i);
   daemon.tick();
   submit(table, 512);
   EXPECT_EQ(brightness(2), 60);

@@ -19,7 +19,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using simboard::Fault;
 namespace fs = std::filesystem;
 
 class Pushes final : public Outgoing {

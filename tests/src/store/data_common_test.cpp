@@ -8,8 +8,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using simboard::Fault;
-
 class StoreTest : public BoardTest {
  protected:
   void SetUp() override { start(); }

@@ -36,6 +36,11 @@ class LocksTest : public StoreFixture {
  protected:
   LocksTest() : StoreFixture("journal = all\n") {}
   ~LocksTest() override { simboard::onJournal(nullptr); }
+  static bool imageIsFree() {
+    const bool isFree = store().imageLock.TryLock() == 0;
+    if (isFree) store().imageLock.UnLock();
+    return isFree;
+  }
   static SmartScreen wall(uint16_t columns) { return {1, columns, 1, 0, {}}; }
   void storeRecord(const SmartScreen& screen) const {
     Bytes record(shortcut::kUsedSize);
@@ -54,6 +59,10 @@ class LocksTest : public StoreFixture {
         {"advanced mapping", [] { store().AdvCalcParaOfSenderInMosaicMode(AdvancedScreen{}); }},
         {"calculation", [] { Tprocess::CalculateParaOfSenderHandler(); }},
         {"save handler", [] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); }},
+        {"software table",
+         [] {
+           queued(&Tprocess::Sprocess_DoSoftwareTable, {0, 0, 6, 5, 1, 0, 9});
+         }},
         {"submission",
          [] {
            std::array<char, 32> record{};
@@ -139,6 +148,34 @@ TEST_F(LocksTest, WhileABusAccessForAnImageIsUnderWayNobodyElseTouchesOne) {
   }
 }
 
+TEST_F(LocksTest, WhoWaitsForAReadOfAnotherThreadKeepsNobodyFromTheImage) {
+  constexpr TestBoard::Time kBusPause{100};
+  daemon.connect();
+  const std::vector<Operation> readers{
+      {"readThrough",
+       [] {
+         std::array<uint8_t, 1> room{};
+         EXPECT_EQ(readThrough(store(), store().SendParameterReg, 0x18, 0x18, room), 0);
+       }},
+      {"push", [] { store().SendMStoLSD1_4(); }},
+      {"request", [this] { EXPECT_EQ(daemon.read(reg::kFeature, 512).data.size(), 512U); }},
+  };
+  board.takeTime(kBusPause);
+  for (const Operation& each : readers) {
+    board.failNext(Fault::FpgaRead, 1);
+    std::thread reading([] {
+      std::array<uint8_t, 1> room{};
+      EXPECT_EQ(readFpga(0x18, room), 0);
+    });
+    ASSERT_TRUE(board.awaitHeld(1));
+    EXPECT_TRUE(comesToWait(each.run, [&] {
+      EXPECT_TRUE(imageIsFree()) << each.name;
+      board.advance(kBusPause);
+    })) << each.name;
+    reading.join();
+  }
+}
+
 TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
   int writes = 0;
   for (const Operation& each : configurations()) {
@@ -148,8 +185,7 @@ TEST_F(LocksTest, TheImageIsFreeWhileFlashIsWritten) {
       // At each flash write in turn somebody looks, on the thread that writes.
       simboard::onOutage([&](simboard::Outage) {
         ++writes;
-        EXPECT_EQ(store().imageLock.TryLock(), 0) << each.name << ", write " << n;
-        store().imageLock.UnLock();
+        EXPECT_TRUE(imageIsFree()) << each.name << ", write " << n;
       });
       board.cutPower({n++});
       each.run();
@@ -168,14 +204,170 @@ TEST_F(LocksTest, TheImageIsFreeDuringShellCommandsCardAccessesAndSends) {
     const auto call = calls.find(line.substr(0, line.find(' ')));
     if (call == calls.end()) return;
     ++call->second;
-    EXPECT_EQ(store().imageLock.TryLock(), 0) << line;
-    store().imageLock.UnLock();
+    EXPECT_TRUE(imageIsFree()) << line;
   });
   daemon.tick(5);
   daemon.ask({.deviceType = 1, .address = 0x02000017, .length = 4});
   daemon.ask({.deviceType = 1, .code = peer::kWrite, .address = 0x02000001, .length = 1, .data = {9}});
   for (const Operation& each : configurations()) each.run();
   for (const auto& [kind, count] : calls) EXPECT_GT(count, 0) << kind;
+}
+
+class ReadsInBetween : public LocksTest {
+ protected:
+  struct Outcome {
+    Bytes fpga, feature, size;
+    bool operator==(const Outcome&) const = default;
+  };
+  Outcome outcome() const {
+    return {board.fpga(0, 512), board.flash(flash::kFeature, 512), board.flash(flash::kScreenSize, 8)};
+  }
+  // A screen with an offset, and image and FPGA of one mind; with an output size, or none yet.
+  void prepare(bool withOutput) const {
+    Bytes registers(fpga::kMirrorEnd);
+    putLe16(registers, fpga::kScreenWidth, 1920);
+    putLe16(registers, fpga::kScreenHeight, 1080);
+    putLe16(registers, fpga::kScreenOffsetX, 16);
+    putLe16(registers, fpga::kScreenOffsetY, 8);
+    putLe16(registers, fpga::kMappedWidth, 1920);
+    if (withOutput) putLe16(registers, fpga::kOutputWidth, 1936);
+    if (withOutput) putLe16(registers, fpga::kOutputHeight, 1088);
+    registers[fpga::kBackupMark] = 0xA5;
+    board.setFpga(0, registers);
+    readAll();
+    putBytes(store(), store().SendParameterReg, fpga::kMirrorEnd, Bytes{0, 0, 0, 0, 0, 0, 0, 0, 1});
+  }
+  // As a peer does who wants to know everything.
+  static void readAll() {
+    std::array<uint8_t, fpga::kMirrorEnd> room{};
+    EXPECT_EQ(readThrough(store(), store().SendParameterReg, 0, 0, room), 0);
+  }
+  std::size_t calls(const std::string& kind, const Operation& each) const {
+    std::streamoff seen = 0;
+    static_cast<void>(board.journal(seen));
+    each.run();
+    const auto lines = board.journal(seen);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(lines, [&](const std::string& line) { return line.starts_with(kind); }));
+  }
+  static std::function<void()> write(uint32_t at, const Bytes& data) {
+    return [=] { DoWriteFeatureInfo(reg::ofFeature(at), data); };
+  }
+};
+
+// Each flash write and each bus write in turn is held in its middle, where it fails once.
+TEST_F(ReadsInBetween, WhatIsDecidedReachesFlashAndFpgaWhateverPeersReadMeanwhile) {
+  constexpr TestBoard::Time kBusPause{100};
+  storeRecord(wall(3));
+  const std::vector<Operation> operations{
+      {"bypass opened", write(fpga::kOffsetMode, {0xA5})},
+      {"bypass closed", write(fpga::kOffsetMode, {0})},
+      {"offset of LSD", write(fpga::kSignedOffsetX, {0xF0, 0xFF, 0xFF, 0xFF, 0xF8, 0xFF, 0xFF, 0xFF})},
+      {"offset of a tool", write(fpga::kScreenOffsetX, {4, 0, 5, 0})},
+      {"screen width", write(fpga::kScreenWidth, {0, 5, 0xD0, 2})},
+      {"screen height", write(fpga::kScreenHeight, {0xD0, 2})},
+      {"mapped width", write(fpga::kMappedWidth, {0, 5})},
+      {"time-out", write(fpga::kSerialTimeout, {33})},
+      {"role", write(fpga::kBackupMark, {0x5A})},
+      {"submission",
+       [] {
+         std::array<uint8_t, shortcut::kUsedSize> record{};
+         shortcut::putSmartScreen(record, wall(3));
+         queued(&Tprocess::Sprocess_CalculateParaOfSender, {record.begin(), record.end()});
+       }},
+      {"mapping", [] { Tprocess::CalculateParaOfSenderHandler(); }},
+      {"advanced submission",
+       [] {
+         char one = 1;
+         Tprocess::Sprocess_AdvCalcParaOfSender(1, &one);
+       }},
+  };
+  board.takeTime(kBusPause);
+  for (const bool withOutput : {true, false}) {
+    for (const Operation& each : operations) {
+      each.run();  // what is done for new values only is done
+      for (const auto& [kind, words] :
+           {std::pair{Fault::FlashWrite, "flash-write"}, {Fault::FpgaWrite, "fpga-write"}}) {
+        prepare(withOutput);
+        const std::size_t count = calls(words, each);
+        const Outcome undisturbed = outcome();
+        for (uint32_t n = 1; n <= count; ++n) {
+          SCOPED_TRACE(each.name + (", " + std::string(words)) + " " + std::to_string(n));
+          prepare(withOutput);
+          board.failCall(kind, n);
+          std::thread working(each.run);
+          ASSERT_TRUE(board.awaitHeld(1));
+          if (imageIsFree()) readAll();
+          board.advance(kBusPause);
+          working.join();
+          EXPECT_EQ(outcome(), undisturbed);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(LocksTest, WhatIsReadOfAnImageIsOfOneMoment) {
+  daemon.connect();
+  store().SendParameterReg[fpga::kOffsetMode] = 1;
+  // With the image held by this thread everything changes, a field at a time, before the reader gets on.
+  Bytes quality;
+  EXPECT_TRUE(waitsFor(
+      store().imageLock, [&] { quality = daemon.read(reg::kPictureQuality, 6).data; },
+      [] {
+        for (const auto field : {para::PbufContrast, para::PbufSaturation, para::PbufHue})
+          ParaTable.putLe16(field, 7);
+      }));
+  EXPECT_EQ(quality, (Bytes{7, 0, 7, 0, 7, 0}));
+  EXPECT_TRUE(waitsFor(
+      store().imageLock,
+      [&] {
+        daemon.write(reg::ofFeature(fpga::kScreenOffsetX), {4, 0});
+      },
+      [] { store().SendParameterReg.putLe16(fpga::kScreenOffsetY, 9); }));
+  const auto pushes = daemon.pushes();
+  ASSERT_THAT(pushes, testing::SizeIs(1));
+  EXPECT_EQ(pushes[0].data, (Bytes{0xFC, 0xFF, 0xFF, 0xFF, 0xF7, 0xFF, 0xFF, 0xFF}));
+  EXPECT_TRUE(waitsFor(
+      store().imageLock, [] { Tprocess::Sprocess_SaveSendCardPara(0, nullptr); },
+      [] { store().ScreenParaReg[1] = 5; }));
+  EXPECT_EQ(board.flash(flash::kScreenPara, 2), (Bytes{0, 5}));
+}
+
+TEST_F(LocksTest, AColourRecordAndItsCalculationKeepASaveWaiting) {
+  constexpr TestBoard::Time kBusPause{100};
+  const std::vector<Operation> colours{
+      {"HDR10", [] { queued(&Tprocess::Sprocess_HDR10, Bytes(HDRParaData::kSize)); }},
+      {"HLG", [] { queued(&Tprocess::Sprocess_HLG, Bytes(HDRParaData::kSize)); }},
+      {"picture quality", [] { queued(&Tprocess::Sprocess_PictureQualityCal, Bytes(CSCParaData::kSize)); }},
+  };
+  board.takeTime(kBusPause);
+  for (const Operation& each : colours) {
+    board.failNext(Fault::FpgaWrite, 1);
+    std::thread calculating(each.run);
+    ASSERT_TRUE(board.awaitHeld(1));
+    EXPECT_TRUE(comesToWait([] { store().SaveParaToFlash(1); }, [&] { board.advance(kBusPause); }))
+        << each.name;
+    calculating.join();
+  }
+}
+
+// In front of the FPGA the image would lose the new bytes to a read.
+TEST_F(LocksTest, ThePatternsImageIsNeverAheadOfTheFpga) {
+  constexpr TestBoard::Time kBusPause{100};
+  board.takeTime(kBusPause);
+  board.failNext(Fault::FpgaRead, 1);
+  std::atomic<bool> loaded{false};
+  std::thread loading([&] {
+    queued(&Tprocess::Sprocess_ScreenPatternGen, {0x0E, 0, 1, 0x12, 1, 0, 9});
+    loaded = true;
+  });
+  ASSERT_TRUE(board.awaitHeld(1));
+  EXPECT_EQ(store().HardwareScreenGenReg[0x0E], board.fpga(fpga::kScreenPatternGen + 0x0E, 1)[0]);
+  while (!loaded) board.advance(kBusPause);
+  loading.join();
+  EXPECT_EQ(board.fpga(fpga::kScreenPatternGen + 0x0E, 1), Bytes{9});
+  EXPECT_EQ(store().HardwareScreenGenReg[0x0E], 9);
 }
 
 TEST_F(LocksTest, ACalculationUsesTheRecordThatIsThereWhenItsTurnComes) {

@@ -84,7 +84,7 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
-  for (const LoadFailure& failure : store().loadFailures.portTables) EXPECT_FALSE(failure);
+  EXPECT_THAT(store().loadFailures.portTables, testing::Each(false));
 }
 
 TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
@@ -93,10 +93,10 @@ TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
   board.clearFaults();
   const LoadFailures& failures = store().loadFailures;
   EXPECT_TRUE(failures.feature && failures.global && failures.number && failures.screen);
-  for (const LoadFailure& failure : failures.portTables) EXPECT_TRUE(failure);
+  EXPECT_THAT(failures.portTables, testing::Each(true));
   loadWhatIsMissing(store());
   EXPECT_FALSE(failures.feature || failures.global || failures.number || failures.screen);
-  for (const LoadFailure& failure : failures.portTables) EXPECT_FALSE(failure);
+  EXPECT_THAT(failures.portTables, testing::Each(false));
   for (const uint8_t loaded : {store().SendParameterReg[0x21], ParaTable[0], VsPartPara[0],
                                store().ScreenParaReg[0], PortsTopoPara[0]})
     EXPECT_EQ(loaded, kPattern);
@@ -302,13 +302,14 @@ TEST_F(RestoreTest, AccessOverSpansAnswersTheDriversResultAndLogsUnderTheWordsGi
        },
        "2 bytes were not written to card register 0x00000024. ret = -1"},
   };
-  for (const auto& [kind, call, line] : accesses) {
-    EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(nullptr), 0); }), IsEmpty()) << line;
-    for (const auto& [text, whole] : {std::pair<const char*, std::string>{nullptr, line},
-                                      {"it failed.", "it failed."},
-                                      {"ret = ", "ret = -1"}}) {
-      board.fault(kind, {TestBoard::kEveryCall});
-      EXPECT_THAT(errorsOf([&] { EXPECT_EQ(call(text), -1); }), Contains("Error === Caller ===" + whole));
+  for (const auto& access : accesses) {
+    EXPECT_THAT(errorsOf([&] { EXPECT_EQ(access.call(nullptr), 0); }), IsEmpty()) << access.line;
+    for (const auto& words : {std::pair<const char*, std::string>{nullptr, access.line},
+                              {"it failed.", "it failed."},
+                              {"ret = ", "ret = -1"}}) {
+      board.fault(access.kind, {TestBoard::kEveryCall});
+      EXPECT_THAT(errorsOf([&] { EXPECT_EQ(access.call(words.first), -1); }),
+                  Contains("Error === Caller ===" + words.second));
       board.clearFaults();
     }
   }

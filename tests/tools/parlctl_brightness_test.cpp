@@ -49,9 +49,8 @@ TEST_F(ParlctlBrightnessTest, APlanIsWrittenVerifiedReadAndExplained) {
 TEST_F(ParlctlBrightnessTest, APlanOfManyPiecesIsReadAsAWhole) {
   json plan = json::parse(kPlan);
   for (int minute = 5; minute < 24 * 60; minute += 10) {
-    std::array<char, 8> from{};
-    std::snprintf(from.data(), from.size(), "%02d:%02d", minute / 60, minute % 60);
-    plan["slots"].push_back({{"from", from.data()}, {"percent", minute % 100}});
+    const std::string hours = std::to_string(100 + minute / 60), minutes = std::to_string(100 + minute % 60);
+    plan["slots"].push_back({{"from", hours.substr(1) + ":" + minutes.substr(1)}, {"percent", minute % 100}});
   }
   file("long.json", plan.dump());
   EXPECT_EQ(run("brightness plan write " + path("long.json") + " --wait").status, 0);

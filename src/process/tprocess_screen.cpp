@@ -178,10 +178,10 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
     const auto screen = readAdvancedScreen();
     if (!screen) return;
     const FeatureDraft size = store().AdvCalcParaGetSreenSize(*screen);
-    store().AdvCalcParaOfSenderInMosaicMode(*screen, size);
+    const bool mapped = store().AdvCalcParaOfSenderInMosaicMode(*screen, size) == 0;
     setConfigStatus(shortcut::kAdvanced);
     // What came before it and waits for its tick would replace it.
-    store().CalculateParaHandlerCnt = 0;
+    if (mapped) store().CalculateParaHandlerCnt = 0;
   });
 }
 

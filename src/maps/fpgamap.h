@@ -99,6 +99,15 @@ inline constexpr uint32_t kFeatureFirst = 0x18;
 inline constexpr uint32_t kFeatureRestoreLength = kMirrorEnd - kFeatureFirst;
 inline constexpr uint32_t kFeatureMappingLength = 0x1C6 - kFeatureFirst;
 
+// Runs of registers in which the hardware tells its state: what flash holds of them is the last run's.
+struct Run {
+  uint32_t first;
+  std::size_t length;
+};
+inline constexpr Run kHardwareStatus[] = {
+    {kRedundancyPorts1To4, 2}, {kRedundancyPorts5To8, 2}, {kRedundancyPorts9To16, 2},
+    {kNetLinkPorts9To16, 2},   {kFiberLink, 1},           {kFiberToNetStatus, 2}};
+
 inline constexpr uint32_t kTestPatternEnable = 0x00100051;
 inline constexpr uint32_t kReportEnable = 0x00100070;
 inline constexpr uint32_t kReportParameters = 0x00100071;

@@ -94,7 +94,7 @@ void writePattern(const PenetrateInfo& info) {
   static_cast<void>(snapshot(store, store.HardwareScreenGenReg, 0, image));
   std::ranges::copy(info.data, image.begin() + offset);
   ScreenPatternGenProcess(std::span(image).first<pattern::kImageSize>());
-  putBytes(store, store.HardwareScreenGenReg, 0, image);
+  refreshBytes(store, store.HardwareScreenGenReg, 0, image);
 }
 
 }  // namespace

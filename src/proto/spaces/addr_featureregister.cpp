@@ -10,7 +10,7 @@
 namespace ORVE_MCUC {
 namespace {
 
-using Image = ByteImage<512>;
+using Image = FpgaImage<512>;
 
 constexpr uint32_t kProbeMask = 0xFFF;
 constexpr uint32_t kLastRefreshed = 492;  // reads that start behind it are answered from the image
@@ -40,12 +40,20 @@ bool insideImage(const IMD_proto3rd& request, const char* operation) {
   return false;
 }
 
-// Registers from there on to the end of the mirrored ones, when the access reaches behind them.
-int refresh(uint32_t offset, uint32_t length) {
-  if (offset + length <= fpga::kMirrorEnd || offset > kLastRefreshed) return kDone;
-  std::array<uint8_t, fpga::kMirrorEnd> room{};
-  return readThrough(store(), store().SendParameterReg, offset, offset,
-                     std::span(room).first(fpga::kMirrorEnd - offset));
+// The registers that image and FPGA both hold. Reads that reach behind them ask the FPGA.
+using Mirror = std::array<uint8_t, fpga::kMirrorEnd>;
+
+bool asksFpga(uint32_t offset, uint32_t length) {
+  return offset + length > fpga::kMirrorEnd && offset <= kLastRefreshed;
+}
+
+// Who asks the FPGA is told what it holds, also where the image knows what it is going to hold.
+void answerAsFpga(uint32_t offset, std::span<uint8_t> answer, const Mirror& held) {
+  changeFeature(store(), [&](const Image& image) {
+    for (std::size_t at = offset; at < held.size(); ++at) {
+      if (image.isAhead(at)) answer[at - offset] = held[at];
+    }
+  });
 }
 
 // What lies below the fibers counts as linked, too.
@@ -66,14 +74,14 @@ void addFiberLinks() {
 
 // The first bytes tell peers nothing any more, and the clock tells them the time.
 void completeImage() {
-  FeatureDraft draft;
-  for (const unsigned at : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 13U, 14U}) draft.put(at, 0xFF);
-  for (const unsigned at : {15U, 16U}) draft.put(at, 0);
   BcdClock clock{};
   static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kClock, clock));
   BasicPublicFunc::getInstance()->GetHwTime(clock);
-  for (std::size_t i = 0; i < clock.size(); ++i) draft.put(fpga::kClock + i, clock[i]);
-  putFeature(store(), draft);
+  changeFeature(store(), [&](Image& image) {
+    for (const unsigned at : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 13U, 14U}) image[at] = 0xFF;
+    for (const unsigned at : {15U, 16U}) image[at] = 0;
+    for (std::size_t i = 0; i < clock.size(); ++i) image[fpga::kClock + i] = clock[i];
+  });
 }
 
 int answerProbe(IMD_proto3rd& request, LogSection& section) {
@@ -92,7 +100,10 @@ int ReadFromFeatureInfo(IMD_proto3rd& request) {
   if ((address & kProbeMask) == fpga::kProbe && length == 1) return answerProbe(request, section);
   const uint32_t offset = address & reg::kOffsetMask;
   const bool inside = insideImage(request, "ReadFromFeatureInfo");
-  if (!inside || refresh(offset, length) != 0) {
+  const bool asked = asksFpga(offset, length);
+  Mirror held{};
+  if (!inside || (asked && readThrough(store(), store().SendParameterReg, offset, offset,
+                                       std::span(held).subspan(offset)) != 0)) {
     section.abandon();
     if (!inside) return kBeyondImage;
     PARLEND_TRACE(kError)
@@ -105,6 +116,7 @@ int ReadFromFeatureInfo(IMD_proto3rd& request) {
   std::array<uint8_t, Image::size()> room{};
   const auto bytes = std::span(room).first(length);
   static_cast<void>(snapshot(store(), store().SendParameterReg, offset, bytes));
+  if (asked) answerAsFpga(offset, bytes, held);
   replyWith(request, bytes);
   return kDone;
 }

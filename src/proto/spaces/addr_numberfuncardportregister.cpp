@@ -19,22 +19,24 @@ bool insideTable(const IMD_proto3rd& request, const char* operation) {
   return false;
 }
 
-int refreshPart(const NumberPart& part) {
-  std::array<uint8_t, VsPartPara.size()> room{};
+// The table as it is told: where the FPGA is asked, with what the FPGA holds.
+using Table = std::array<uint8_t, VsPartPara.size()>;
+
+int refreshPart(const NumberPart& part, Table& table) {
   return readThrough(*Data_Global::getInstance(), VsPartPara, part.at, part.fpga,
-                     std::span(room).first(part.length));
+                     std::span(table).subspan(part.at, part.length));
 }
 
-int refreshAll() {
+int refreshAll(Table& table) {
   for (const NumberPart& part : kNumberParts) {
-    if (const int ret = refreshPart(part)) return ret;
+    if (const int ret = refreshPart(part, table)) return ret;
   }
   return kDone;
 }
 
-int refreshPartAt(std::size_t offset) {
+int refreshPartAt(std::size_t offset, Table& table) {
   for (const NumberPart& part : kNumberParts) {
-    if (offset >= part.at && offset - part.at < part.length) return refreshPart(part);
+    if (offset >= part.at && offset - part.at < part.length) return refreshPart(part, table);
   }
   PARLEND_TRACE(kError) << "=== ReadFromNumberFunCardPort ===invalid data.";
   return kDone;
@@ -45,15 +47,14 @@ int ReadFromNumberFunCardPort(IMD_proto3rd& request) {
   const std::size_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const std::size_t length = request.proto.m_usValidDataLength;
   request.proto.m_data.clear();
-  if (const int ret = length < kShortRead ? refreshPartAt(offset) : refreshAll()) {
+  Table table{};
+  snapshot(*Data_Global::getInstance(), VsPartPara, 0, table);
+  if (const int ret = length < kShortRead ? refreshPartAt(offset, table) : refreshAll(table)) {
     PARLEND_TRACE(kError)
         << "=== ReadFromNumberFunCardPort ===Read FPGA NumberFunCardPort Info failed! ret = " << ret;
     return kRefused;
   }
-  std::array<uint8_t, VsPartPara.size()> room{};
-  const auto bytes = std::span(room).first(length);
-  static_cast<void>(snapshot(*Data_Global::getInstance(), VsPartPara, offset, bytes));
-  replyWith(request, bytes);
+  replyWith(request, std::span(table).subspan(offset, length));
   return kDone;
 }
 

@@ -137,6 +137,9 @@ void assignRoles(const Data_Global& store, FeatureDraft& draft, const PortSplit&
                          << int{backup != 0 ? fpga::kBackup : fpga::kMaster};
   }
   if (store.NormalBackupStatus != 0) {
+    // A peer's read brings back the mark that the submission has cleared: the FPGA is told only now.
+    const uint8_t mark = store.SendParameterReg[fpga::kBackupMark];
+    if (mark == fpga::kMasterMark || mark == fpga::kSlaveMark) draft.put(fpga::kBackupMark, fpga::kNoMark);
     const unsigned int linked = store.GigaPhyLinkSta;
     for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
       if ((linked >> port & 1) != 0) draft.put(fpga::portRole(port), fpga::kBackup);

@@ -60,7 +60,7 @@ void Data_Global::pushMirror(uint32_t fpgaRegister, std::size_t length, const ch
   if (length > bytes.size() || !fits(fpga::kMirrorEnd, fpgaRegister, length)) return;
   const auto data = std::span(bytes).first(length);
   if (readThrough(*this, SendParameterReg, fpgaRegister, fpgaRegister, data) != 0) {
-    if (checked.size() == length) putBytes(*this, SendParameterReg, fpgaRegister, checked);
+    if (checked.size() == length) refreshBytes(*this, SendParameterReg, fpgaRegister, checked);
     snapshot(*this, SendParameterReg, fpgaRegister, data);
   }
   logPush(logLine, reg::ofFeature(fpgaRegister), data.size());

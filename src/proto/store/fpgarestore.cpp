@@ -32,8 +32,9 @@ bool isOnline(const Data_Global& store) {
 }
 
 bool restoreFeature(Data_Global& store) {
+  if (store.loadFailures.feature) return false;
   mendImage(store);
-  if (!isOnline(store) || store.loadFailures.feature) return false;
+  if (!isOnline(store)) return false;
   const int ret = putFeature(store, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
   applyScreenOffset(store);
@@ -72,14 +73,7 @@ bool restoreNumberTable(Data_Global& store) {
 // The flash holds these registers as they were in the last run.
 void readHardwareStatus(Data_Global& store) {
   if (!isOnline(store)) return;
-  struct Run {
-    uint32_t first;
-    std::size_t length;
-  };
-  constexpr Run kRuns[] = {
-      {fpga::kRedundancyPorts1To4, 2}, {fpga::kRedundancyPorts5To8, 2}, {fpga::kRedundancyPorts9To16, 2},
-      {fpga::kNetLinkPorts9To16, 2},   {fpga::kFiberLink, 1},           {fpga::kFiberToNetStatus, 2}};
-  for (const Run& run : kRuns) {
+  for (const fpga::Run& run : fpga::kHardwareStatus) {
     std::array<uint8_t, 2> bytes{};
     const int ret =
         readThrough(store, store.SendParameterReg, run.first, run.first, std::span(bytes).first(run.length));

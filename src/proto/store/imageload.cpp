@@ -10,11 +10,24 @@ namespace ORVE_MCUC {
 namespace {
 
 template <std::size_t Length, std::size_t N>
-int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image, std::size_t at) {
+int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image) {
   std::array<uint8_t, Length> bytes{};
   const int ret = readFlash(address, bytes);
-  if (ret == 0) putBytes(images, image, at, bytes);
+  if (ret == 0) putBytes(images, image, 0, bytes);
   return ret;
+}
+
+// What was decided while flash could not be read is not taken back by the old values that it holds.
+template <std::size_t Length, std::size_t N>
+int load(const RegisterImages& images, uint32_t address, FpgaImage<N>& image, std::size_t at,
+         LoadFailure& failure) {
+  std::array<uint8_t, Length> bytes{};
+  const int ret = readFlash(address, bytes);
+  if (ret == 0) {
+    CMutexGuardT<CMutexThread> guard(images.imageLock);
+    static_cast<void>(image.load(bytes, at, failure));
+  }
+  return failure.note(ret);
 }
 
 // An output that was closed, or opened since, stays so, and the status stays today's.
@@ -32,29 +45,36 @@ void loadFeatureLate(Data_Global& store) {
 int loadFeature(RegisterImages& images) {
   std::array<uint8_t, 512> bytes{};
   const int ret = Data_Global::RestoreDataFromFlash(1, bytes);
-  if (ret == 0) putBytes(images, images.SendParameterReg, 0, bytes);
+  if (ret == 0) {
+    CMutexGuardT<CMutexThread> guard(images.imageLock);
+    FpgaImage<512>& image = images.SendParameterReg;
+    static_cast<void>(image.load(bytes, 0, images.loadFailures.feature));
+    // What the FPGA says of itself was never decided.
+    image.written(0, fpga::kFeatureFirst, 0);
+    for (const fpga::Run& run : fpga::kHardwareStatus) image.written(run.first, run.length, 0);
+  }
   return images.loadFailures.feature.note(ret);
 }
 
 int loadGlobal(RegisterImages& images) {
   LoadFailure& failure = images.loadFailures.global;
   if (failure.loaded()) return 0;
-  return failure.note(load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable, 0));
+  return failure.note(load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable));
 }
 
 int loadPortTable(RegisterImages& images, unsigned port) {
   const std::size_t at = portTableAt(port);
-  return images.loadFailures.portTables.at(port).note(
-      load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at));
+  return load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at,
+                              images.loadFailures.portTables.at(port));
 }
 
 int loadNumberTable(RegisterImages& images) {
-  return images.loadFailures.number.note(load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0));
+  return load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0, images.loadFailures.number);
 }
 
 int loadScreenPara(RegisterImages& images) {
   return images.loadFailures.screen.note(
-      load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg, 0));
+      load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg));
 }
 
 int loadRole(Data_Global& store) {

@@ -11,8 +11,9 @@ int writeNumberPart(const RegisterImages& images, const NumberPart& part, std::s
   std::array<uint8_t, 256> room{};
   const auto whole = std::span(room).first(std::min(part.length, room.size()));
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  if (first < end && !VsPartPara.copyFrom(bytes.subspan(first - at, end - first), first)) return -1;
-  return VsPartPara.copyTo(whole, part.at) ? writeFpga(part.fpga, whole, words) : -1;
+  if (first < end && !VsPartPara.decide(bytes.subspan(first - at, end - first), first)) return -1;
+  if (!VsPartPara.copyTo(whole, part.at)) return -1;
+  return VsPartPara.written(part.at, whole.size(), writeFpga(part.fpga, whole, words));
 }
 
 }  // namespace ORVE_MCUC

@@ -8,15 +8,15 @@
 
 #include "maps/cardgeometry.h"
 #include "maps/fpgamap.h"
-#include "mcucdatablock.h"
+#include "proto/store/fpgaimage.h"
 
 namespace ORVE_MCUC {
 
 // Owner: the store; both change under the image lock, on the receive, work, flag and status thread.
 struct PortTables {
-  ByteImage<kPortTablesSize>
+  FpgaImage<kPortTablesSize>
       PortsTopoPara;          // ten port tables, 1024 positions each in the order of the port's chain
-  ByteImage<768> VsPartPara;  // card counts of the ports, 32 bytes a port, and a part common to all
+  FpgaImage<768> VsPartPara;  // card counts of the ports, 32 bytes a port, and a part common to all
 };
 inline constinit PortTables portTables;
 

@@ -1,26 +1,21 @@
 #include "proto/store/registerimages.h"
 
 namespace ORVE_MCUC {
-namespace {
-
-template <class Image>
-void applyBytes(const std::array<uint8_t, 512>& bytes, const std::bitset<512>& taken, Image&& image) {
-  for (std::size_t at = 0; at < bytes.size(); ++at) {
-    if (taken[at]) image[at] = bytes[at];
-  }
-}
-
-}  // namespace
+namespace {}  // namespace
 
 void FeatureDraft::put(const FeatureDraft& later) {
   later.applyTo(std::span(bytes_));
   taken_ |= later.taken_;
 }
 void FeatureDraft::applyTo(std::span<uint8_t, 512> image) const {
-  applyBytes(bytes_, taken_, image);
+  for (std::size_t at = 0; at < bytes_.size(); ++at) {
+    if (taken_[at]) image[at] = bytes_[at];
+  }
 }
-void FeatureDraft::applyTo(ByteImage<512>& image) const {
-  applyBytes(bytes_, taken_, image);
+void FeatureDraft::applyTo(FpgaImage<512>& image) const {
+  for (std::size_t at = 0; at < bytes_.size(); ++at) {
+    if (taken_[at]) static_cast<void>(image.decide(std::span(bytes_).subspan(at, 1), at));
+  }
 }
 
 void putFeature(RegisterImages& images, const FeatureDraft& draft) {
@@ -34,7 +29,8 @@ int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first
   const auto bytes = std::span(block).first(std::min(length, block.size()));
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   draft.applyTo(images.SendParameterReg);
-  return images.SendParameterReg.copyTo(bytes, first) ? writeFpga(first, bytes, words) : -1;
+  if (!images.SendParameterReg.copyTo(bytes, first)) return -1;
+  return images.SendParameterReg.written(first, bytes.size(), writeFpga(first, bytes, words));
 }
 
 }  // namespace ORVE_MCUC

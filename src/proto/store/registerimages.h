@@ -12,6 +12,7 @@
 #include "mcucdatablock.h"
 #include "mcucmutex.h"
 #include "proto/store/deviceaccess.h"
+#include "proto/store/fpgaimage.h"
 
 namespace ORVE_MCUC {
 
@@ -44,9 +45,9 @@ struct LoadFailures {
 };
 
 struct RegisterImages {
-  ByteImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
+  FpgaImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
   ByteImage<392> ScreenParaReg;         // screen information
-  ByteImage<512> HardwareScreenGenReg;  // test-pattern generator
+  FpgaImage<512> HardwareScreenGenReg;  // test-pattern generator
   LoadFailures loadFailures;            // under the configuration lock
   // Also for the images beside the store: PortsTopoPara, VsPartPara, ParaTable.
   mutable CMutexThread imageLock;
@@ -70,7 +71,7 @@ class FeatureDraft {
   void put(const FeatureDraft& later);
   // Only what was put; the rest stays.
   void applyTo(std::span<uint8_t, 512> image) const;
-  void applyTo(ByteImage<512>& image) const;
+  void applyTo(FpgaImage<512>& image) const;  // which decides them
 
  private:
   std::array<uint8_t, 512> bytes_{};
@@ -95,34 +96,50 @@ void changeFeature(RegisterImages& images, Change change) {
 // Bytes into an image and to the FPGA. -1, and nothing done, when they do not lie inside the image, else
 // DriverUtil's result.
 template <std::size_t N>
-int writeThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
+int writeThrough(const RegisterImages& images, FpgaImage<N>& image, std::size_t at, uint32_t fpgaRegister,
                  std::span<const uint8_t> bytes, FailureWords words = {}) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  return image.copyFrom(bytes, at) ? writeFpga(fpgaRegister, bytes, words) : -1;
+  if (!image.decide(bytes, at)) return -1;
+  return image.written(at, bytes.size(), writeFpga(fpgaRegister, bytes, words));
 }
 
 // A part of an image to the FPGA, as it is; at most 1024 bytes. The same results.
 template <std::size_t N>
-int writeImage(const RegisterImages& images, const ByteImage<N>& image, std::size_t at, std::size_t length,
+int writeImage(const RegisterImages& images, FpgaImage<N>& image, std::size_t at, std::size_t length,
                uint32_t fpgaRegister, FailureWords words = {}) {
   std::array<uint8_t, 1024> room{};
   if (length > room.size()) return -1;
   const auto bytes = std::span(room).first(length);
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  return image.copyTo(bytes, at) ? writeFpga(fpgaRegister, bytes, words) : -1;
+  if (!image.copyTo(bytes, at)) return -1;
+  return image.written(at, length, writeFpga(fpgaRegister, bytes, words));
 }
 
-// Registers of the FPGA into an image, which keeps its bytes when they cannot be read. The same results.
+// Registers of the FPGA into an image, which keeps what the FPGA was not told yet, and all of its bytes when
+// they cannot be read. The same results.
 template <std::size_t N>
-int readThrough(const RegisterImages& images, ByteImage<N>& image, std::size_t at, uint32_t fpgaRegister,
+int readThrough(const RegisterImages& images, FpgaImage<N>& image, std::size_t at, uint32_t fpgaRegister,
                 std::span<uint8_t> bytes, FailureWords words = {}) {
   const auto reads = holdReads();
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (const int ret = readFpga(fpgaRegister, bytes, words)) return ret;
-  return image.copyFrom(bytes, at) ? 0 : -1;
+  return image.refresh(bytes, at) ? 0 : -1;
 }
 
-// Bytes into an image, and a part of an image as it is at one moment.
+// Bytes into an image: decided by somebody, or known to be what the FPGA holds; and a part of an image as it
+// is at one moment.
+template <std::size_t N>
+bool putBytes(const RegisterImages& images, FpgaImage<N>& image, std::size_t at,
+              std::span<const uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.decide(bytes, at);
+}
+template <std::size_t N>
+bool refreshBytes(const RegisterImages& images, FpgaImage<N>& image, std::size_t at,
+                  std::span<const uint8_t> bytes) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  return image.refresh(bytes, at);
+}
 template <std::size_t N>
 bool putBytes(const RegisterImages& images, ByteImage<N>& image, std::size_t at,
               std::span<const uint8_t> bytes) {

@@ -31,7 +31,7 @@ void expectPush(uint32_t service, uint32_t address, const std::vector<uint8_t>& 
 }
 
 TEST(Push, EachPeerGetsWhatItMirrors) {
-  const TestDaemon daemon("fpga_autoload = no\n");
+  const TestDaemon daemon;
   messagedesk::connect(taskOf(peer::kLsd));
   messagedesk::connect(taskOf(peer::kVsp));
 

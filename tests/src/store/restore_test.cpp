@@ -163,6 +163,55 @@ TEST_F(RestoreTest, WhatWasNotLoadedIsWrittenToTheFpgaOnceItCanBeRead) {
   }
 }
 
+TEST_F(RestoreTest, NoReadOfAnFpgaThatIsNotLoadedTakesAnythingFromWhatFlashHolds) {
+  const auto readAll = [this] {
+    EXPECT_EQ(daemon.read(reg::kFeature, 512).data.at(0x51), 0) << "told as the FPGA holds it";
+    EXPECT_EQ(daemon.read(reg::kScanBoardPosition + 0x9000, 0x1000).data, Bytes(0x1000));
+    EXPECT_EQ(daemon.read(reg::kFunCardPortNumber, 768).data, Bytes(768));
+  };
+  daemon.restart();
+  readAll();
+  store().SaveParaToFlash(1);
+  for (const Area& area : {kTable0, kTable9, kNumber})
+    EXPECT_EQ(stored(area), Bytes(area.length, kPattern)) << area.name;
+  EXPECT_EQ(board.flash(flash::ofFeature(0x20), 0x7E), Bytes(0x7E, kPattern)) << "between status registers";
+  readAll();
+  daemon.bringUp();
+  for (const uint32_t at : {0x51U, portTableOnFpga(9) + 0xFFF, kNumberPorts8To11.fpga})
+    EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern}) << at;
+}
+
+TEST_F(RestoreTest, WhatPeersSetWhileFlashCouldNotBeReadStaysWhenItCan) {
+  board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
+  daemon.restart();
+  daemon.bringUp();
+  daemon.write(reg::ofFeature(0x51), {1, 2});
+  daemon.write(reg::kScanBoardPosition + 4, {3, 4});
+  daemon.write(reg::kFunCardPortNumber, {5, 6});
+  daemon.workOff();
+  board.clearFaults();
+  store().SaveParaToFlash(1);
+  for (const auto& [onFlash, onFpga, bytes] : {std::tuple{flash::ofFeature(0x51), 0x51U, Bytes{1, 2}},
+                                               {kTable0.first + 4, portTableOnFpga(0) + 4, Bytes{3, 4}},
+                                               {kNumber.first, kNumberPorts0To3.fpga, Bytes{5, 6}}}) {
+    const Bytes around{bytes[0], bytes[1], kPattern, kPattern};
+    EXPECT_EQ(board.flash(onFlash, 4), around) << onFlash;
+    EXPECT_EQ(board.fpga(onFpga, 4), around) << onFpga;
+  }
+}
+
+TEST_F(RestoreTest, WhatCouldNotBeWrittenToTheFpgaIsSavedThoughAPeerReadsOldBytesFromThere) {
+  daemon.restart();
+  daemon.bringUp();
+  board.fault(Fault::FpgaWrite, {TestBoard::kEveryCall});
+  store().SendMasterOrBackup(1);
+  board.clearFaults();
+  daemon.read(reg::kFeature, 512);
+  store().SaveParaToFlash(1);
+  EXPECT_EQ(board.flash(flash::ofFeature(fpga::kMasterSlavePorts9To16), 8), Bytes(8, fpga::kBackup));
+  EXPECT_EQ(board.fpga(fpga::kMasterSlavePorts9To16, 1), Bytes{kPattern});
+}
+
 TEST_F(RestoreTest, WhatWasLoadedOnceIsRestoredToTheFpgaThoughALaterReadFails) {
   daemon.restart();
   board.fault(Fault::FlashRead, {TestBoard::kEveryCall});

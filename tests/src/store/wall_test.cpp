@@ -115,6 +115,17 @@ TEST_F(WallTest, LinkedPortsBeyondTheUsedOnesAreBackupsUnlessAPeerHasMarkedThem)
   expectRoles("bbbbbbbbbbbbbbbb");
 }
 
+TEST_F(WallTest, AMarkThatASubmissionClearsDoesNotComeBackWithAPeersRead) {
+  daemon.tick(2);
+  daemon.write(reg::ofFeature(fpga::kBackupMark), {fpga::kMasterMark});
+  daemon.workOff();
+  ASSERT_EQ(submit(3, 1, 1, 0), 0);
+  daemon.workOff();
+  daemon.read(reg::kFeature, 512);
+  daemon.settle();
+  expectFeature(fpga::kBackupMark, {fpga::kNoMark});
+}
+
 TEST_F(WallTest, ASlaveWhoseRoleCannotBeReadIsNotMadeAMaster) {
   const struct {
     const char* name;

@@ -181,7 +181,7 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
     const bool mapped = store().AdvCalcParaOfSenderInMosaicMode(*screen, size) == 0;
     setConfigStatus(shortcut::kAdvanced);
     // What came before it and waits for its tick would replace it.
-    if (mapped) store().CalculateParaHandlerCnt = 0;
+    if (mapped) store().forgetSubmissions();
   });
 }
 

@@ -3,7 +3,7 @@
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/numbertable.h"
 #include "proto/store/porttables.h"
 

@@ -10,7 +10,7 @@
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -132,7 +132,7 @@ std::optional<AdvancedScreen> readAdvancedScreen() {
 // The first bytes of the screen information; what could not be loaded is left alone in flash.
 void saveScreenPara() {
   constexpr char kCaller[] = "Sprocess_SaveSendCardPara";
-  if (store().loadFailures.screen) {
+  if (store().loadStates.screen.failed()) {
     PARLEND_TRACE(kError) << "=== " << kCaller
                           << " ===the screen parameters could not be loaded and are not saved.";
     return;

@@ -10,8 +10,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using Image = ByteImage<512>;
-
 constexpr uint32_t kProbeMask = 0xFFF;
 constexpr uint32_t kLastRefreshed = 492;  // reads that start behind it are answered from the image
 constexpr std::size_t kOffsetBytes = 8;   // both signed offsets
@@ -34,7 +32,7 @@ bool insideImage(const IMD_proto3rd& request, const char* operation) {
   const std::size_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const std::size_t length =
       std::max<std::size_t>(request.proto.m_usValidDataLength, request.proto.m_data.size());
-  if (fits(Image::size(), offset, length)) return true;
+  if (fits(kFeatureSize, offset, length)) return true;
   PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex
                         << offset << " len = " << length;
   return false;
@@ -56,7 +54,7 @@ void addFiberLinks() {
   const int ports0To7 = both(0);
   const int ports8To15 = both(1);
   const int groups[] = {ports0To7 & 0x0F, ports0To7 >> 4, ports8To15 & 0x0F, ports8To15 >> 4};
-  changeFeature(store(), [&](Image& image) {
+  changeImage(store(), store().SendParameterReg, [&](FeatureImage& image) {
     for (std::size_t i = 0; i < fpga::kNetLinks.size(); ++i) {
       RelaxedByte& links = image[fpga::kNetLinks[i]];
       links = static_cast<uint8_t>(links | groups[i]);
@@ -102,7 +100,7 @@ int ReadFromFeatureInfo(IMD_proto3rd& request) {
   addFiberLinks();
   store().DebugForScreenZero(10, address, "ReadFromFeatureInfo, Read FPGA para!!");
   completeImage();
-  std::array<uint8_t, Image::size()> room{};
+  FeatureBytes room{};
   const auto bytes = std::span(room).first(length);
   static_cast<void>(snapshot(store(), store().SendParameterReg, offset, bytes));
   replyWith(request, bytes);

@@ -4,7 +4,7 @@ namespace ORVE_MCUC {
 namespace {
 
 template <class Image>
-void applyBytes(const std::array<uint8_t, 512>& bytes, const std::bitset<512>& taken, Image&& image) {
+void applyBytes(const FeatureBytes& bytes, const std::bitset<kFeatureSize>& taken, Image&& image) {
   for (std::size_t at = 0; at < bytes.size(); ++at) {
     if (taken[at]) image[at] = bytes[at];
   }
@@ -16,10 +16,10 @@ void FeatureDraft::put(const FeatureDraft& later) {
   later.applyTo(std::span(bytes_));
   taken_ |= later.taken_;
 }
-void FeatureDraft::applyTo(std::span<uint8_t, 512> image) const {
+void FeatureDraft::applyTo(std::span<uint8_t, kFeatureSize> image) const {
   applyBytes(bytes_, taken_, image);
 }
-void FeatureDraft::applyTo(ByteImage<512>& image) const {
+void FeatureDraft::applyTo(FeatureImage& image) const {
   applyBytes(bytes_, taken_, image);
 }
 
@@ -30,11 +30,18 @@ void putFeature(RegisterImages& images, const FeatureDraft& draft) {
 
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words) {
-  std::array<uint8_t, 512> block{};
+  FeatureBytes block{};
   const auto bytes = std::span(block).first(std::min(length, block.size()));
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   draft.applyTo(images.SendParameterReg);
   return images.SendParameterReg.copyTo(bytes, first) ? writeFpga(first, bytes, words) : -1;
+}
+
+FeatureBytes featureBytes(const RegisterImages& images, const FeatureDraft& over) {
+  FeatureBytes bytes{};
+  snapshot(images, images.SendParameterReg, 0, bytes);
+  over.applyTo(bytes);
+  return bytes;
 }
 
 }  // namespace ORVE_MCUC

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "driverutil.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
@@ -17,14 +18,14 @@ constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
 constexpr char kCaller[] = "SaveParaToFlash";
 
-// The lines of one save: that it begins, and how its failure is logged.
+// The lines of one save: that it begins, and that it failed, with the result.
 struct SaveWords {
   const char* begin;
-  FailureWords failed;
+  const char* failed;
 };
 void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> bytes) {
   PARLEND_TRACE(kInfo) << words.begin;
-  writeFlash(address, bytes, words.failed);
+  writeFlash(address, bytes, {nullptr, words.failed});
 }
 
 // What could not be loaded is left alone in flash.
@@ -44,8 +45,8 @@ void saveImage(const RegisterImages& images, const ByteImage<N>& image, uint32_t
 }
 
 void saveFeature(const RegisterImages& images, const FeatureDraft& decided) {
-  save({"Save feature para to flash :", {nullptr, "=== Save feature para to flash failed! ret = "}},
-       flash::kFeature, featureBytes(images, decided));
+  save({"Save feature para to flash :", "=== Save feature para to flash failed! ret = "}, flash::kFeature,
+       featureBytes(images, decided));
 }
 
 bool isSound(uint16_t measure) {
@@ -87,15 +88,14 @@ bool formatTagDiffers() {
 void saveBasicHardware(Data_Preset& preset) {
   if (preset.loadFailed) Data_Global::getInstance()->ReadHardwareInfo();
   if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
-  save({"Save basic hardware para to flash :",
-        {nullptr, "=== Save  basic hardware para to flash failed! ret = "}},
+  save({"Save basic hardware para to flash :", "=== Save  basic hardware para to flash failed! ret = "},
        flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(flash::kBasicHardwareSize));
 }
 
 // One write, or one for each table that was loaded.
 void savePortTables(const RegisterImages& images) {
   constexpr SaveWords kWords{"Save position para to flash :",
-                             {nullptr, "=== Save position para to flash failed! ret = "}};
+                             "=== Save position para to flash failed! ret = "};
   const auto& states = images.loadStates.portTables;
   if (std::ranges::none_of(states, &LoadState::failed))
     return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
@@ -117,14 +117,14 @@ void saveParameters(Data_Global& store, const FeatureDraft& decided) {
   if (mayBeSaved(states.global.failed(), "the parameter table")) {
     saveImage<kGlobalParaSize>(
         store, ParaTable, flash::kGlobalPara,
-        {"Save Global para to flash :", {nullptr, "=== Save Global para to flash failed! ret = "}});
+        {"Save Global para to flash :", "=== Save Global para to flash failed! ret = "});
   }
   if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, kCaller);
   savePortTables(store);
   if (mayBeSaved(states.number.failed(), "the number table")) {
     saveImage<VsPartPara.size()>(
         store, VsPartPara, flash::kNumberTable,
-        {"Save number para to flash :", {nullptr, "=== Save number para to flash failed! ret = "}});
+        {"Save number para to flash :", "=== Save number para to flash failed! ret = "});
   }
   DriverUtil::getInstance()->runCommand("sync");
 }
@@ -137,10 +137,12 @@ void Data_Global::SaveParaToFlash(int type, const FeatureDraft& decided) {
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:"
                        << SendParameterReg[fpga::kOutputWidth] << " "
                        << SendParameterReg[fpga::kOutputHeight];
-  PARLEND_TRACE(kInfo) << "======================Save para to flash, the type = " << type;
+  const LogSection section(
+      {"======================Save para to flash, the type = ",
+       "=========================== Finish save para to flash ==========================="},
+      static_cast<unsigned>(type));
   if (type == 0) saveBasicHardware(*Data_Preset::getInstance());
   if (type == 1) saveParameters(*this, decided);
-  PARLEND_TRACE(kInfo) << "=========================== Finish save para to flash ===========================";
 }
 
 }  // namespace ORVE_MCUC

@@ -20,7 +20,7 @@ constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used
 void loadFeatureLate(Data_Global& store) {
   const uint8_t output = store.SendParameterReg[fpga::kOutputEnable];
   if (loadFeature(store) != 0 || !isOnline(store)) return;
-  // For the FPGA, and once more for the image: what is mended holds 0 for an output that a restore has closed.
+  // For the FPGA, and once more for the image: its mark of an output that was closed is mended to 0.
   store.SendParameterReg[fpga::kOutputEnable] = output;
   mendFeature(store);
   restoreFeature(store);

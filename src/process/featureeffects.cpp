@@ -69,7 +69,7 @@ void storeInImage(FeatureWrite& write) {
 
 // The bytes go into the image once more: who has asked the FPGA meanwhile has put its old ones there.
 void writeToFpga(FeatureWrite& write) {
-  static_cast<void>(writeThrough(write.store, write.store.SendParameterReg, write.at, write.at, write.data));
+  writeThrough(write.store, write.store.SendParameterReg, write.at, write.at, write.data);
 }
 
 void saveImage(FeatureWrite& write) {

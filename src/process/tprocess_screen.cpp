@@ -138,7 +138,7 @@ void saveScreenPara() {
     return;
   }
   std::array<uint8_t, kScreenParaSaved> bytes{};
-  static_cast<void>(snapshot(store(), store().ScreenParaReg, 0, bytes));
+  snapshot(store(), store().ScreenParaReg, 0, bytes);
   writeFlash(flash::kScreenPara, bytes, kCaller);
 }
 

@@ -68,7 +68,7 @@ void completeImage() {
   for (const unsigned at : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 13U, 14U}) draft.put(at, 0xFF);
   for (const unsigned at : {15U, 16U}) draft.put(at, 0);
   BcdClock clock{};
-  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kClock, clock));
+  snapshot(store(), store().SendParameterReg, fpga::kClock, clock);
   BasicPublicFunc::getInstance()->GetHwTime(clock);
   for (std::size_t i = 0; i < clock.size(); ++i) draft.put(fpga::kClock + i, clock[i]);
   putFeature(store(), draft);
@@ -102,7 +102,7 @@ int ReadFromFeatureInfo(IMD_proto3rd& request) {
   completeImage();
   FeatureBytes room{};
   const auto bytes = std::span(room).first(length);
-  static_cast<void>(snapshot(store(), store().SendParameterReg, offset, bytes));
+  snapshot(store(), store().SendParameterReg, offset, bytes);
   replyWith(request, bytes);
   return kDone;
 }
@@ -116,7 +116,7 @@ struct Offset {
 Offset offsetAfter(bool atX, std::span<const uint8_t> data) {
   static_assert(fpga::kScreenOffsetY == fpga::kScreenOffsetX + 2);
   std::array<uint8_t, 4> now{};
-  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kScreenOffsetX, now));
+  snapshot(store(), store().SendParameterReg, fpga::kScreenOffsetX, now);
   if (atX && data.size() == 2) return {le16(data), le16(now, 2)};
   if (atX && data.size() == 4) return {le16(data), le16(data, 2)};
   if (!atX && data.size() == 2) return {le16(now), le16(data)};
@@ -136,7 +136,7 @@ void tellLsdOfOffset(const IMD_proto3rd& request) {
   std::array<uint8_t, kOffsetBytes> bytes{};
   putLe32(bytes, 0, negated(offset.x));
   putLe32(bytes, 4, negated(offset.y));
-  static_cast<void>(putBytes(store(), store().SendParameterReg, fpga::kSignedOffsetX, bytes));
+  putBytes(store(), store().SendParameterReg, fpga::kSignedOffsetX, bytes);
   store().SendDatetoLSD(reg::ofFeature(fpga::kSignedOffsetX), bytes);
 }
 

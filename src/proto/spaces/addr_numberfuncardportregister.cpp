@@ -52,7 +52,7 @@ int ReadFromNumberFunCardPort(IMD_proto3rd& request) {
   }
   std::array<uint8_t, VsPartPara.size()> room{};
   const auto bytes = std::span(room).first(length);
-  static_cast<void>(snapshot(*Data_Global::getInstance(), VsPartPara, offset, bytes));
+  snapshot(*Data_Global::getInstance(), VsPartPara, offset, bytes);
   replyWith(request, bytes);
   return kDone;
 }

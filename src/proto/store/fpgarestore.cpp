@@ -17,15 +17,15 @@ constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
 
 // An output that was closed, or opened since, stays so, and the status stays today's.
-void loadFeatureLate(Data_Global& store) {
-  const uint8_t output = store.SendParameterReg[fpga::kOutputEnable];
-  if (loadFeature(store) != 0 || !isOnline(store)) return;
+void loadFeatureLate(RegisterImages& images, bool online) {
+  const uint8_t output = images.SendParameterReg[fpga::kOutputEnable];
+  if (loadFeature(images) != 0 || !online) return;
   // For the FPGA, and once more for the image: its mark of an output that was closed is mended to 0.
-  store.SendParameterReg[fpga::kOutputEnable] = output;
-  mendFeature(store);
-  restoreFeature(store);
-  store.SendParameterReg[fpga::kOutputEnable] = output;
-  readHardwareStatus(store);
+  images.SendParameterReg[fpga::kOutputEnable] = output;
+  mendFeature(images);
+  restoreFeature(images);
+  images.SendParameterReg[fpga::kOutputEnable] = output;
+  readHardwareStatus(images);
 }
 
 }  // namespace
@@ -103,7 +103,7 @@ void readHardwareStatus(RegisterImages& images) {
 void loadWhatIsMissing(Data_Global& store) {
   const LoadStates& states = store.loadStates;
   const bool online = isOnline(store);
-  if (states.feature.failed()) loadFeatureLate(store);
+  if (states.feature.failed()) loadFeatureLate(store, online);
   if (states.global.failed()) loadGlobal(store);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
     if (states.portTables[port].failed() && loadPortTable(store, port) == 0 && online)

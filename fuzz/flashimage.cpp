@@ -14,7 +14,6 @@ using namespace ORVE_MCUC;
 constexpr uint8_t kAfterReset = 0x01;
 constexpr char kBoard[] = "journal = off\ncards_per_port = 4\nsensor = 0 0 0 100\n";
 constexpr int64_t kNoon = 1700049600;
-constexpr uint8_t kSubmitAdvanced = 0xB9;
 constexpr uint16_t kSome = 64;
 constexpr unsigned kToSensors = 100;  // ticks before the automatic brightness reads them
 
@@ -39,7 +38,7 @@ void calculate(TestDaemon& daemon) {
   const auto cards = static_cast<uint32_t>(shortcut::kCardsPerPortAt);
   daemon.write(reg::kShortcutConfigScreen + cards, daemon.board.flash(flash::kShortcutConfig + cards, 2));
   daemon.settle();
-  daemon.write(reg::kShortcutConfigScreen, {kSubmitAdvanced});
+  daemon.write(reg::kShortcutConfigScreen, {shortcut::kSubmitAdvanced});
   daemon.settle();
 }
 

@@ -56,6 +56,7 @@ constexpr uint16_t lightOf(std::size_t level) {
   const double signal = static_cast<double>(level) / (kGammaLevels - 1);
   const double light = 65535 * exponential(kDefaultGamma * logarithm(signal));
   const auto below = static_cast<uint16_t>(light);
+  // std::lround is not constexpr.
   return light - below < 0.5 ? below : static_cast<uint16_t>(below + 1);
 }
 

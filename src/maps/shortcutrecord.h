@@ -20,7 +20,9 @@ inline constexpr uint8_t kSmart = 0xA8;
 inline constexpr uint8_t kAdvanced = 0xB8;
 inline constexpr uint8_t kByTables = 0xC8;
 
-// Advanced configuration: a block for each output port.
+// Advanced configuration: a block for each output port, and the byte that submits them when a write begins
+// with it.
+inline constexpr uint8_t kSubmitAdvanced = 0xB9;
 inline constexpr std::size_t kPortsAt = 0x50;
 inline constexpr std::size_t kPortSize = 0x40;
 inline constexpr std::size_t kPortsLast = 0x41C;

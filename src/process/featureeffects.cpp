@@ -52,18 +52,12 @@ void FeatureWrite::decide(const FeatureDraft& change) {
   putFeature(store, change);
 }
 
-std::array<uint8_t, 512> FeatureWrite::image() const {
-  std::array<uint8_t, 512> bytes{};
-  static_cast<void>(snapshot(store, store.SendParameterReg, 0, bytes));
-  decided.applyTo(bytes);
-  return bytes;
+FeatureBytes FeatureWrite::image() const {
+  return featureBytes(store, decided);
 }
 
 void FeatureWrite::writeBlock(uint32_t first) const {
-  constexpr std::size_t kBlock = 4;
-  const auto bytes = image();
-  static_cast<void>(
-      writeThrough(store, store.SendParameterReg, first, first, std::span(bytes).subspan(first, kBlock)));
+  putFeature(store, decided, first, 4, {});
 }
 
 void storeInImage(FeatureWrite& write) {
@@ -75,7 +69,7 @@ void storeInImage(FeatureWrite& write) {
 
 // The bytes go into the image once more: who has asked the FPGA meanwhile has put its old ones there.
 void writeToFpga(FeatureWrite& write) {
-  static_cast<void>(writeThrough(write.store, write.store.SendParameterReg, write.at, write.at, write.data));
+  writeThrough(write.store, write.store.SendParameterReg, write.at, write.at, write.data);
 }
 
 void saveImage(FeatureWrite& write) {
@@ -85,7 +79,7 @@ void saveImage(FeatureWrite& write) {
   const uint16_t height = le16(image, fpga::kOutputHeight);
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:" << width
                        << " heigh:" << height;
-  if (store.loadFailures.feature) {
+  if (store.loadStates.feature.failed()) {
     PARLEND_TRACE(kError)
         << "=== DoWriteFeatureInfo ===the feature image could not be loaded and is not saved.";
   } else {

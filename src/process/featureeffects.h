@@ -2,7 +2,6 @@
 // in featurewrite.cpp.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <span>
 
@@ -28,7 +27,7 @@ struct FeatureWrite {
   void decide(const FeatureDraft& change);
   // The image as this write leaves it. The image itself may show older bytes: whoever asks the FPGA puts
   // there what the FPGA holds, which is told at last or not at all.
-  std::array<uint8_t, 512> image() const;
+  FeatureBytes image() const;
   // Four bytes of that to image and FPGA.
   void writeBlock(uint32_t first) const;
 };

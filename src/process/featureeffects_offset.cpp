@@ -29,12 +29,10 @@ void decideMode(FeatureWrite& write, OffsetMode mode) {
 
 // An offset into the screen information, whose byte 0 says what it goes with.
 void keepOffset(Data_Global& store, std::size_t at, std::span<const uint8_t> offset) {
-  constexpr uint8_t kConfigured = 0x55;
-  std::array<uint8_t, 6> bytes{};
-  static_cast<void>(snapshot(store, store.ScreenParaReg, 0, bytes));
-  bytes[0] = bytes[1] == kConfigured ? 1 : 3;
-  std::ranges::copy(offset, std::span(bytes).subspan(at).begin());
-  static_cast<void>(putBytes(store, store.ScreenParaReg, 0, bytes));
+  changeImage(store, store.ScreenParaReg, [&](auto& image) {
+    image[0] = image[1] == screenpara::kConfigured ? 1 : 3;
+    for (const uint8_t byte : offset) image[at++] = byte;
+  });
 }
 
 // One axis, with the texts of its log lines.
@@ -102,7 +100,7 @@ void applySigned(FeatureWrite& write, const Axis& axis, int32_t offset) {
 }
 
 // The output of an image without its offset.
-void shrinkOutput(FeatureWrite& write, std::span<const uint8_t, 512> image) {
+void shrinkOutput(FeatureWrite& write, const FeatureBytes& image) {
   const uint16_t width = le16(image, fpga::kOutputWidth);
   const uint16_t height = le16(image, fpga::kOutputHeight);
   const uint16_t x = le16(image, fpga::kScreenOffsetX);
@@ -135,10 +133,11 @@ constexpr ModeChange kToNormal{
     kNoOffset, "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass Para Anly SendParameterReg", 4,
     "Bypass mode change to mode Normal!!"};
 
-void writeOffsetOf(std::span<const uint8_t, 512> image, const ModeChange& change) {
+void writeOffsetOf(const FeatureBytes& image, const ModeChange& change) {
   constexpr std::array<uint8_t, 4> kNone{};
   const bool keeps = change.mode != kNoOffset;
-  writeFpga(kX.offset, keeps ? image.subspan<kX.offset, 4>() : std::span<const uint8_t, 4>(kNone), kCaller);
+  writeFpga(kX.offset, keeps ? std::span(image).subspan<kX.offset, 4>() : std::span<const uint8_t, 4>(kNone),
+            kCaller);
 }
 
 // What it starts from is taken once: a peer may read the FPGA's new offset back into the image.

@@ -36,7 +36,7 @@ void setRole(FeatureWrite& write) {
   const uint8_t mark = write.value();
   const uint8_t role = mark == fpga::kSlaveMark ? kSlaveRole : kMasterRole;
   store.PbufMorSMode = role;
-  store.loadFailures.role.note(0);
+  store.roleLoad.settle();
   PARLEND_TRACE(kInfo) << (role == kSlaveRole ? "=== PbufMorSMode Set Sender Mode salve!    -----  01"
                                               : "=== PbufMorSMode Set Sender Mode maste!   ------- 00");
   saveRole(mark, role);

@@ -9,7 +9,7 @@
 namespace ORVE_MCUC {
 namespace {
 
-OutputSizeSource sourceOf(std::span<const uint8_t, 512> image) {
+OutputSizeSource sourceOf(const FeatureBytes& image) {
   return {.outputWidth = le16(image, fpga::kOutputWidth),
           .outputHeight = le16(image, fpga::kOutputHeight),
           .mappedWidth = le16(image, fpga::kMappedWidth),

@@ -5,7 +5,7 @@
 #include "logwords.h"
 #include "maps/fpgamap.h"
 #include "process/featureeffects.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 
 namespace ORVE_MCUC {
 namespace {

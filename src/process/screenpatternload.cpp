@@ -91,7 +91,7 @@ void writePattern(const PenetrateInfo& info) {
     return;
   }
   // Composed aside: who reads the generator meanwhile puts what the FPGA holds into the image.
-  static_cast<void>(snapshot(store, store.HardwareScreenGenReg, 0, image));
+  snapshot(store, store.HardwareScreenGenReg, 0, image);
   std::ranges::copy(info.data, image.begin() + offset);
   ScreenPatternGenProcess(std::span(image).first<pattern::kImageSize>());
   refreshBytes(store, store.HardwareScreenGenReg, 0, image);

@@ -8,7 +8,7 @@
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "singleton.h"
 
 namespace ORVE_MCUC {

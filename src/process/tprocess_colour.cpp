@@ -28,16 +28,14 @@ struct Setting {
   para::Field field;
   uint16_t value;
 };
-constexpr std::size_t kFieldsEnd = para::PbufSendcardBitDepth + 2;
 
 // What is put into the table must not be lost to a later read of one that could not be loaded. A record and
 // what is calculated from it belong together: callers hold the configuration lock over both.
 void keep(std::initializer_list<Setting> settings) {
-  if (store().loadFailures.global) loadGlobal(store());
-  std::array<uint8_t, kFieldsEnd> fields{};
-  static_cast<void>(snapshot(store(), ParaTable, 0, fields));
-  for (const Setting& setting : settings) putLe16(fields, setting.field, setting.value);
-  static_cast<void>(putBytes(store(), ParaTable, 0, fields));
+  if (store().loadStates.global.failed()) loadGlobal(store());
+  changeImage(store(), ParaTable, [&](auto& table) {
+    for (const Setting& setting : settings) table.putLe16(setting.field, setting.value);
+  });
 }
 
 HDRParaData hdrRecord(std::span<const uint8_t> payload) {

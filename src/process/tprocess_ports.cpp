@@ -3,7 +3,7 @@
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/numbertable.h"
 #include "proto/store/porttables.h"
 
@@ -27,7 +27,7 @@ void keepWhatFits(Data_Global& store, std::size_t at, std::span<const uint8_t> d
   if (at < PortsTopoPara.size()) {
     PARLEND_TRACE(kInfo) << "$$$$ MoreThan Little Sprocess_PositionNetPort $$$$ Reg more than max:"
                          << PortsTopoPara.size() << " Now:" << at;
-    static_cast<void>(putBytes(store, PortsTopoPara, at, data.first(PortsTopoPara.size() - at)));
+    putBytes(store, PortsTopoPara, at, data.first(PortsTopoPara.size() - at));
   }
   PARLEND_TRACE(kInfo) << "$$$$ All para Pooling Sprocess_PositionNetPort $$$$ Reg more than max:"
                        << PortsTopoPara.size() << " Now:" << at;
@@ -53,7 +53,7 @@ void writeNumbers(const PenetrateInfo& info) {
     return;
   }
   const bool single = info.data.size() <= kLongestSingle;
-  if (single) static_cast<void>(putBytes(write.store(), VsPartPara, at, info.data));
+  if (single) putBytes(write.store(), VsPartPara, at, info.data);
   for (const NumberPart& part : kNumberParts) {
     if (single && !holds(part, at)) continue;
     writeNumberPart(write.store(), part, at, info.data,

@@ -10,7 +10,7 @@
 #include "mcuctrace.h"
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/smarttable.h"
 
 namespace ORVE_MCUC {
@@ -132,13 +132,13 @@ std::optional<AdvancedScreen> readAdvancedScreen() {
 // The first bytes of the screen information; what could not be loaded is left alone in flash.
 void saveScreenPara() {
   constexpr char kCaller[] = "Sprocess_SaveSendCardPara";
-  if (store().loadFailures.screen) {
+  if (store().loadStates.screen.failed()) {
     PARLEND_TRACE(kError) << "=== " << kCaller
                           << " ===the screen parameters could not be loaded and are not saved.";
     return;
   }
   std::array<uint8_t, kScreenParaSaved> bytes{};
-  static_cast<void>(snapshot(store(), store().ScreenParaReg, 0, bytes));
+  snapshot(store(), store().ScreenParaReg, 0, bytes);
   writeFlash(flash::kScreenPara, bytes, kCaller);
 }
 
@@ -181,7 +181,7 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int lenth, char* data) {
     const bool mapped = store().AdvCalcParaOfSenderInMosaicMode(*screen, size) == 0;
     setConfigStatus(shortcut::kAdvanced);
     // What came before it and waits for its tick would replace it.
-    if (mapped) store().CalculateParaHandlerCnt = 0;
+    if (mapped) store().forgetSubmissions();
   });
 }
 

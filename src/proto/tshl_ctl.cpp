@@ -82,23 +82,23 @@ int Tshl_ctl::Ssh_StartSendCard(IMD_proto3rd* msgIMD) {
 }
 
 void Tshl_ctl::Ssh_cmdOffset(IMD_proto3rd* msgIMD) {
-  PARLEND_TRACE(kInfo) << "-----------Ssh_cmdOffset begin------------";
+  const LogSection section(
+      {"-----------Ssh_cmdOffset begin------------", "-----------Ssh_cmdOffset end--------------"});
   const auto hit = m_mapProtoShl.find(msgIMD->proto.m_uiRegisterUnitAddress & reg::kWideMask);
   if (hit == m_mapProtoShl.end()) {
     PARLEND_TRACE(kError) << "=== Ssh_cmdOffset ===Ssh_cmdOffset: Invalid register access";
   } else {
     hit->second.cmd->print_fun(msgIMD);
   }
-  PARLEND_TRACE(kInfo) << "-----------Ssh_cmdOffset end--------------";
 }
 
 int Tshl_ctl::Ssh_cmdAll() {
-  PARLEND_TRACE(kInfo) << "-----------Ssh_cmdAll begin------------";
+  const LogSection section(
+      {"-----------Ssh_cmdAll begin------------", "-----------Ssh_cmdAll end--------------"});
   for (const auto& [key, entry] : m_mapProtoShl) {
     PARLEND_TRACE(kInfo) << "Ssh_cmdAll: register base = " << CTrace::hex << key
                          << " cmd exp = " << entry.cmd->cmd_exp;
   }
-  PARLEND_TRACE(kInfo) << "-----------Ssh_cmdAll end--------------";
   return 0;
 }
 

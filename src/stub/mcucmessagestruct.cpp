@@ -61,6 +61,10 @@ int refuse(const unsigned char* frame, int length) {
 
 }  // namespace
 
+void logUnknownCode(std::string_view asked, uint8_t code) {
+  PARLEND_TRACE(kError) << "=== " << asked << " ===the code " << code << " neither reads nor writes, return.";
+}
+
 std::optional<TransportHead> decodeTransportHead(std::span<const uint8_t> bytes) {
   ByteReader reader(bytes);
   // Braces read from left to right.

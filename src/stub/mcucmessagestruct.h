@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace ORVE_MCUC {
@@ -20,6 +21,8 @@ inline constexpr int kFrameHeadLength = 18;  // bytes in front of the data
 inline constexpr int kFrameMinimum = 20;     // head and checksum
 inline constexpr uint8_t kCodeRead = 0;
 inline constexpr uint8_t kCodeWrite = 1;
+// Error line of whoever was asked for anything else.
+void logUnknownCode(std::string_view asked, uint8_t code);
 inline constexpr uint8_t kReplyCarriesData = 0xFF;  // in m_ucReserved: a write's reply repeats its data
 
 constexpr uint16_t TOLM_MAKEWD(uint8_t hi, uint8_t lo) {

@@ -75,7 +75,6 @@ class McuIMDThread {
   Worker m_recv;
   Worker m_flag;
   std::atomic<bool> m_ready{false};
-  uint32_t m_submissionsSeen = 0;       // at the previous tick; flag and status thread only
   uint64_t m_lsdConnection = 0;         // number of the connection that is told; flag and status thread only
   std::vector<uint32_t> m_vectorUIIDs;  // peers seen so far; receive thread only
 };

@@ -102,16 +102,15 @@ void McuIMDThread::LsdApipcConnHandler() {
 
 void McuIMDThread::CalculateSenderParaHandler() {
   Data_Global& store = *Data_Global::getInstance();
-  const uint32_t count = store.CalculateParaHandlerCnt;
-  const bool debounced = count != 0 && count == m_submissionsSeen;
-  m_submissionsSeen = count;
-  if (!debounced) return;
-  // Who held the lock may have submitted another one, or an advanced configuration in its place.
+  if (store.CalculateParaHandlerCnt == 0) return;
+  // Who holds the lock may submit another one, or an advanced configuration in its place.
   CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
-  if (store.CalculateParaHandlerCnt != count) return;
+  const uint32_t count = store.CalculateParaHandlerCnt;
+  const bool rested = count != 0 && count == store.submissionsSeen;
+  store.submissionsSeen = count;
+  if (!rested) return;
   Tprocess::CalculateParaOfSenderHandler();
-  store.CalculateParaHandlerCnt = 0;
-  m_submissionsSeen = 0;
+  store.forgetSubmissions();
 }
 
 }  // namespace ORVE_MCUC

@@ -129,8 +129,7 @@ int run(const CardTask& task, IMD_proto3rd* request) {
   if (proto.m_ucCode == kCodeRead) return read(task, proto);
   if (task.outspoken)
     PARLEND_TRACE(kInfo) << "=============================Do nothing !!! ==============================";
-  PARLEND_TRACE(kError) << "=== " << task.name << " ===the code " << proto.m_ucCode
-                        << " neither reads nor writes, return! ";
+  logUnknownCode(task.name, proto.m_ucCode);
   return kDone;
 }
 

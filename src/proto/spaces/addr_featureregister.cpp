@@ -10,8 +10,6 @@
 namespace ORVE_MCUC {
 namespace {
 
-using Image = FpgaImage<512>;
-
 constexpr uint32_t kProbeMask = 0xFFF;
 constexpr uint32_t kLastRefreshed = 492;  // reads that start behind it are answered from the image
 constexpr std::size_t kOffsetBytes = 8;   // both signed offsets
@@ -34,7 +32,7 @@ bool insideImage(const IMD_proto3rd& request, const char* operation) {
   const std::size_t offset = request.proto.m_uiRegisterUnitAddress & reg::kOffsetMask;
   const std::size_t length =
       std::max<std::size_t>(request.proto.m_usValidDataLength, request.proto.m_data.size());
-  if (fits(Image::size(), offset, length)) return true;
+  if (fits(kFeatureSize, offset, length)) return true;
   PARLEND_TRACE(kError) << "=== " << operation << " ===Invalid addr+len, return! address = " << CTrace::hex
                         << offset << " len = " << length;
   return false;
@@ -49,7 +47,7 @@ bool asksFpga(uint32_t offset, uint32_t length) {
 
 // Who asks the FPGA is told what it holds, also where the image knows what it is going to hold.
 void answerAsFpga(uint32_t offset, std::span<uint8_t> answer, const Mirror& held) {
-  changeFeature(store(), [&](const Image& image) {
+  changeImage(store(), store().SendParameterReg, [&](const FeatureImage& image) {
     for (std::size_t at = offset; at < held.size(); ++at) {
       if (image.isAhead(at)) answer[at - offset] = held[at];
     }
@@ -64,7 +62,7 @@ void addFiberLinks() {
   const int ports0To7 = both(0);
   const int ports8To15 = both(1);
   const int groups[] = {ports0To7 & 0x0F, ports0To7 >> 4, ports8To15 & 0x0F, ports8To15 >> 4};
-  changeFeature(store(), [&](Image& image) {
+  changeImage(store(), store().SendParameterReg, [&](FeatureImage& image) {
     for (std::size_t i = 0; i < fpga::kNetLinks.size(); ++i) {
       RelaxedByte& links = image[fpga::kNetLinks[i]];
       links = static_cast<uint8_t>(links | groups[i]);
@@ -75,9 +73,9 @@ void addFiberLinks() {
 // The first bytes tell peers nothing any more, and the clock tells them the time.
 void completeImage() {
   BcdClock clock{};
-  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kClock, clock));
+  snapshot(store(), store().SendParameterReg, fpga::kClock, clock);
   BasicPublicFunc::getInstance()->GetHwTime(clock);
-  changeFeature(store(), [&](Image& image) {
+  changeImage(store(), store().SendParameterReg, [&](FeatureImage& image) {
     for (const unsigned at : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 13U, 14U}) image[at] = 0xFF;
     for (const unsigned at : {15U, 16U}) image[at] = 0;
     for (std::size_t i = 0; i < clock.size(); ++i) image[fpga::kClock + i] = clock[i];
@@ -113,9 +111,9 @@ int ReadFromFeatureInfo(IMD_proto3rd& request) {
   addFiberLinks();
   store().DebugForScreenZero(10, address, "ReadFromFeatureInfo, Read FPGA para!!");
   completeImage();
-  std::array<uint8_t, Image::size()> room{};
+  FeatureBytes room{};
   const auto bytes = std::span(room).first(length);
-  static_cast<void>(snapshot(store(), store().SendParameterReg, offset, bytes));
+  snapshot(store(), store().SendParameterReg, offset, bytes);
   if (asked) answerAsFpga(offset, bytes, held);
   replyWith(request, bytes);
   return kDone;
@@ -130,7 +128,7 @@ struct Offset {
 Offset offsetAfter(bool atX, std::span<const uint8_t> data) {
   static_assert(fpga::kScreenOffsetY == fpga::kScreenOffsetX + 2);
   std::array<uint8_t, 4> now{};
-  static_cast<void>(snapshot(store(), store().SendParameterReg, fpga::kScreenOffsetX, now));
+  snapshot(store(), store().SendParameterReg, fpga::kScreenOffsetX, now);
   if (atX && data.size() == 2) return {le16(data), le16(now, 2)};
   if (atX && data.size() == 4) return {le16(data), le16(data, 2)};
   if (!atX && data.size() == 2) return {le16(now), le16(data)};
@@ -150,7 +148,7 @@ void tellLsdOfOffset(const IMD_proto3rd& request) {
   std::array<uint8_t, kOffsetBytes> bytes{};
   putLe32(bytes, 0, negated(offset.x));
   putLe32(bytes, 4, negated(offset.y));
-  static_cast<void>(putBytes(store(), store().SendParameterReg, fpga::kSignedOffsetX, bytes));
+  putBytes(store(), store().SendParameterReg, fpga::kSignedOffsetX, bytes);
   store().SendDatetoLSD(reg::ofFeature(fpga::kSignedOffsetX), bytes);
 }
 

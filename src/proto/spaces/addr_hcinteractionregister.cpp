@@ -83,7 +83,7 @@ void readHlgClass(uint32_t, std::span<uint8_t> reply) {
 
 void readPictureQuality(uint32_t, std::span<uint8_t> reply) {
   static_assert(para::PbufSaturation == para::PbufContrast + 2 && para::PbufHue == para::PbufContrast + 4);
-  static_cast<void>(snapshot(*Data_Global::getInstance(), ParaTable, para::PbufContrast, reply.first(6)));
+  snapshot(*Data_Global::getInstance(), ParaTable, para::PbufContrast, reply.first(6));
 }
 
 void readWarmUp(uint32_t address, std::span<uint8_t> reply) {

@@ -10,8 +10,7 @@
 namespace ORVE_MCUC {
 namespace {
 
-constexpr uint8_t kSubmitAdvanced = 0xB9;  // as the first byte of a write
-constexpr uint16_t kVspReadLength = 38;    // a read of the record that VSP makes
+constexpr uint16_t kVspReadLength = 38;  // a read of the record that VSP makes
 constexpr std::size_t kCalculationFirst = 0x10;
 constexpr std::size_t kCalculationLast = 0x1C;
 
@@ -149,7 +148,7 @@ int submitSmart(IMD_proto3rd& request) {
 int writeRecord(IMD_proto3rd& request) {
   const std::span<const uint8_t> data = request.proto.m_data;
   const uint32_t offset = offsetOf(request);
-  const bool submits = data[0] == kSubmitAdvanced;
+  const bool submits = data[0] == shortcut::kSubmitAdvanced;
   if ((offset & 0xFF) == 0) {
     if (!submits) PARLEND_TRACE(kInfo) << "   m_cfgScreenFlag =  " << m_cfgScreenFlag;
     PARLEND_TRACE(kInfo) << "\t buff[0] = " << data[0];

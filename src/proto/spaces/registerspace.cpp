@@ -98,8 +98,7 @@ int RegisterSpace::carryOut(IMD_proto3rd& request, const OffsetRow* row) const {
     case kCodeWrite:
       return traits.write(request);
     default:
-      PARLEND_TRACE(kError) << "=== " << map.owner << " ===the code " << request.proto.m_ucCode
-                            << " neither reads nor writes, return.";
+      logUnknownCode(map.owner, request.proto.m_ucCode);
       return traits.unknownCode;
   }
 }

@@ -6,7 +6,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "results.h"

@@ -79,8 +79,7 @@ int Data_Global::GetRecvCardSize_EnvNew() {
   const LogSection section(
       {"=========================== Begin GetRecvCardSize_Env =========================",
        "=========================== Finish GetRecvCardSize_Env ========================="});
-  const int result = measureFirstLinked(*this, *this);
-  return result;
+  return measureFirstLinked(*this, *this);
 }
 
 void Data_Global::refreshCardSizeInScreenPara() {

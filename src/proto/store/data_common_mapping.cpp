@@ -4,7 +4,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/smarttable.h"
@@ -14,14 +14,12 @@ namespace {
 
 constexpr uint16_t kOutputForZero = 128;  // pixels, in place of a size that is zero
 constexpr char kCaller[] = "CalculateParaOfSenderInMosaicMode";
-constexpr int kImageTextRoom = 3 * 512 + 1;
+constexpr int kImageTextRoom = 3 * kFeatureSize + 1;
 
 // The image as it will be.
 void logImage(const char* text, const RegisterImages& images, const FeatureDraft& draft) {
   if (!tracePasses(kInfo)) return;
-  auto bytes = images.SendParameterReg.bytes();
-  draft.applyTo(bytes);
-  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(bytes).view();
+  PARLEND_TRACE(kInfo) << text << HexText<kImageTextRoom>(featureBytes(images, draft)).view();
 }
 
 void logSplit(const SmartScreen& screen, const PortSplit& split) {

@@ -96,7 +96,8 @@ void restoreFirstBoot(Data_Global& store) {
   PARLEND_TRACE(kInfo) << "=======Reboot after ReturnFactory === RestoreFPGA    ";
   takeCardSizeOfReset(store);
   loadTables(store);
-  if (isOnline(store)) {
+  const bool online = isOnline(store);
+  if (online) {
     DriverUtil::getInstance()->runCommand("sysconfig set firstboot 0");
     PARLEND_TRACE(kInfo) << "=======Recover smart LED configure when Reboot after ReturnFactory.";
     mapOneCard(store);
@@ -107,31 +108,26 @@ void restoreFirstBoot(Data_Global& store) {
   }
   PARLEND_TRACE(kInfo) << " No set 10bit 位深";
   PARLEND_TRACE(kInfo) << "=======Finish Restore FPGA When FirstBoot after ReturnFactory ============";
-  if (isOnline(store)) store.FpgaParaLoadFinish = true;
+  if (online) store.FpgaParaLoadFinish = true;
 }
 
-// Each table that is in flash, and whether the FPGA has all of them now.
-bool restorePortTables(Data_Global& store) {
-  bool whole = true;
+void restorePortTables(RegisterImages& images, bool online) {
   PARLEND_TRACE(kInfo) << "Restore position para to FPGA :";
   for (unsigned int port = 0; port < kMappedPorts; ++port) {
     PARLEND_TRACE(kInfo) << "Port number = " << port;
-    const int ret = loadPortTable(store, port);
+    const int ret = loadPortTable(images, port);
     PARLEND_TRACE(kInfo) << "Read from flash, the ret = " << ret;
-    whole = restorePortTable(store, port) && whole;
+    if (online) restorePortTable(images, port);
   }
-  return whole;
 }
 
-bool loadAndRestoreNumberTable(Data_Global& store) {
+void loadAndLogNumberTable(RegisterImages& images) {
   PARLEND_TRACE(kInfo) << "Restore number para to FPGA";
-  if (const int ret = loadNumberTable(store))
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the number table cannot be read. ret = " << ret;
+  loadNumberTable(images, {kCaller, "the number table cannot be read. ret = "});
   if (tracePasses(kInfo)) {
     const auto table = VsPartPara.bytes();
     PARLEND_TRACE(kInfo) << "VsPartPara >>>" << HexText<kNumberTextRoom>(table).view();
   }
-  return restoreNumberTable(store);
 }
 
 void closeOutput(Data_Global& store) {
@@ -142,36 +138,36 @@ void closeOutput(Data_Global& store) {
 }
 
 void restoreConfigured(Data_Global& store) {
-  const bool feature = restoreFeature(store);
+  const bool online = isOnline(store);
+  mendFeature(store);
+  if (online) restoreFeature(store);
   factory_flag = 0U;
   PARLEND_TRACE(kInfo) << "Recover software LED configure when boot.";
   readConfigStatus(store, "=======Recover software LED configure when boot ! LEDConfigStatus = ");
-  const bool tables = restorePortTables(store);
-  const bool number = loadAndRestoreNumberTable(store);
-  if (isOnline(store)) {
+  restorePortTables(store, online);
+  loadAndLogNumberTable(store);
+  if (online) {
+    restoreNumberTable(store);
     closeOutput(store);
     resetScreenChangeCounter(kCaller);
-    store.FpgaParaLoadFinish = feature && tables && number;
+    store.FpgaParaLoadFinish = store.restoredParts.all();
   }
   store.DebugForScreenZero(20, 0, "RestoreFPGA, Device Power on !!");
-  if (const int ret = loadScreenPara(store))
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the screen parameters cannot be read. ret = " << ret;
+  loadScreenPara(store, {kCaller, "the screen parameters cannot be read. ret = "});
 }
 
 }  // namespace
 
 void Data_Global::BootRecover() {
-  if (loadRole(*this) != 0)
-    PARLEND_TRACE(kError) << "=== BootRecover ===Can not read flash when get the PbufMorSMode in poweron! ";
+  loadRole(*this, {"BootRecover", "Can not read flash when get the PbufMorSMode in poweron! "});
   if (isOnline(*this)) {
     uint8_t mark = 0;
     readFpga(fpga::kBackupMark, {&mark, 1});
     const bool marked = mark == fpga::kMasterMark || mark == fpga::kSlaveMark;
     NormalBackupStatus = marked ? 0 : 1;
   }
-  if (loadScreenPara(*this) != 0) {
-    PARLEND_TRACE(kError)
-        << "=== BootRecover ===Can not read flash when get the ScreenParaReg[0x01] in poweron! ";
+  if (loadScreenPara(
+          *this, {"BootRecover", "Can not read flash when get the ScreenParaReg[0x01] in poweron! "}) != 0) {
     return;
   }
   for (std::size_t i = 0; i < screenpara::kStored; ++i) {
@@ -187,8 +183,7 @@ void Data_Global::RestoreFPGA() {
   CMutexGuardT<CMutexThreadRecursive> guard(m_mutex);
   if (const int ret = loadFeature(*this))
     PARLEND_TRACE(kError) << "=== RestoreFPGA ===the feature parameters cannot be read. ret = " << ret;
-  if (const int ret = loadGlobal(*this))
-    PARLEND_TRACE(kError) << "=== RestoreFPGA ===the parameter table cannot be read. ret = " << ret;
+  loadGlobal(*this, {kCaller, "the parameter table cannot be read. ret = "});
   RebootRF = kIdle;
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space:";
   BootRecover();
@@ -198,7 +193,7 @@ void Data_Global::RestoreFPGA() {
   } else {
     restoreConfigured(*this);
   }
-  readHardwareStatus(*this);
+  if (isOnline(*this)) readHardwareStatus(*this);
 }
 
 }  // namespace ORVE_MCUC

@@ -2,11 +2,12 @@
 #include <algorithm>
 
 #include "driverutil.h"
+#include "logwords.h"
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
@@ -17,14 +18,14 @@ constexpr std::size_t kPowerOnTimeAt = 0x21;
 constexpr uint8_t kNoPowerOnTime = 0xFF;
 constexpr char kCaller[] = "SaveParaToFlash";
 
-// The lines of one save: that it begins, and how its failure is logged.
+// The lines of one save: that it begins, and that it failed, with the result.
 struct SaveWords {
   const char* begin;
-  FailureWords failed;
+  const char* failed;
 };
 void save(const SaveWords& words, uint32_t address, std::span<const uint8_t> bytes) {
   PARLEND_TRACE(kInfo) << words.begin;
-  writeFlash(address, bytes, words.failed);
+  writeFlash(address, bytes, {nullptr, words.failed});
 }
 
 // What could not be loaded is left alone in flash.
@@ -44,18 +45,15 @@ void saveImage(const RegisterImages& images, const ByteImage<N>& image, uint32_t
 }
 
 void saveFeature(const RegisterImages& images, const FeatureDraft& decided) {
-  std::array<uint8_t, 512> bytes{};
-  snapshot(images, images.SendParameterReg, 0, bytes);
-  decided.applyTo(bytes);
-  save({"Save feature para to flash :", {nullptr, "=== Save feature para to flash failed! ret = "}},
-       flash::kFeature, bytes);
+  save({"Save feature para to flash :", "=== Save feature para to flash failed! ret = "}, flash::kFeature,
+       featureBytes(images, decided));
 }
 
 bool isSound(uint16_t measure) {
   return measure <= kLargestMeasure;
 }
 
-bool screenIsSound(const ByteImage<512>& image) {
+bool screenIsSound(const FeatureImage& image) {
   if (image[kPowerOnTimeAt] == kNoPowerOnTime) return false;
   for (const std::size_t at : {fpga::kScreenWidth, fpga::kScreenHeight, fpga::kScreenOffsetX,
                                fpga::kScreenOffsetY, fpga::kMappedWidth}) {
@@ -64,7 +62,7 @@ bool screenIsSound(const ByteImage<512>& image) {
   return true;
 }
 
-bool windowsAreSound(const ByteImage<512>& image) {
+bool windowsAreSound(const FeatureImage& image) {
   for (unsigned int port = 0; port < kOutputPorts; ++port) {
     for (const uint32_t field : {0U, fpga::kWindowHeightAt, fpga::kWindowXAt, fpga::kWindowYAt}) {
       if (!isSound(image.le16(fpga::portWindow(port) + field))) return false;
@@ -74,7 +72,7 @@ bool windowsAreSound(const ByteImage<512>& image) {
 }
 
 // Parameters that look wrong are saved like any others: this is a hint for whoever reads the log.
-void logSoundness(const ByteImage<512>& image) {
+void logSoundness(const FeatureImage& image) {
   if (!tracePasses(kInfo)) return;
   PARLEND_TRACE(kInfo) << (screenIsSound(image) && windowsAreSound(image)
                                ? "Finish parameter verify. the parameter is OK."
@@ -90,20 +88,19 @@ bool formatTagDiffers() {
 void saveBasicHardware(Data_Preset& preset) {
   if (preset.loadFailed) Data_Global::getInstance()->ReadHardwareInfo();
   if (!mayBeSaved(preset.loadFailed, "the basic hardware page")) return;
-  save({"Save basic hardware para to flash :",
-        {nullptr, "=== Save  basic hardware para to flash failed! ret = "}},
+  save({"Save basic hardware para to flash :", "=== Save  basic hardware para to flash failed! ret = "},
        flash::kBasicHardwareCopy, std::span(preset.BasicHardWareReg).first(flash::kBasicHardwareSize));
 }
 
 // One write, or one for each table that was loaded.
 void savePortTables(const RegisterImages& images) {
   constexpr SaveWords kWords{"Save position para to flash :",
-                             {nullptr, "=== Save position para to flash failed! ret = "}};
-  const auto& failed = images.loadFailures.portTables;
-  if (std::ranges::none_of(failed, &LoadFailure::operator bool))
+                             "=== Save position para to flash failed! ret = "};
+  const auto& states = images.loadStates.portTables;
+  if (std::ranges::none_of(states, &LoadState::failed))
     return saveImage<kPortTablesSize>(images, PortsTopoPara, flash::kPositionTables, kWords);
   for (unsigned port = 0; port < kMappedPorts; ++port) {
-    if (!mayBeSaved(failed[port], "a port table")) continue;
+    if (!mayBeSaved(states[port].failed(), "a port table")) continue;
     std::array<uint8_t, kPortTableSize> table{};
     const std::size_t at = portTableAt(port);
     snapshot(images, PortsTopoPara, at, table);
@@ -111,23 +108,23 @@ void savePortTables(const RegisterImages& images) {
   }
 }
 
-void saveParameters(Data_Global& images, const FeatureDraft& decided) {
+void saveParameters(Data_Global& store, const FeatureDraft& decided) {
   const bool newTag = formatTagDiffers();
-  logSoundness(images.SendParameterReg);
-  loadWhatIsMissing(images);
-  const LoadFailures& failures = images.loadFailures;
-  if (mayBeSaved(failures.feature, "the feature image")) saveFeature(images, decided);
-  if (mayBeSaved(failures.global, "the parameter table")) {
+  logSoundness(store.SendParameterReg);
+  loadWhatIsMissing(store);
+  const LoadStates& states = store.loadStates;
+  if (mayBeSaved(states.feature.failed(), "the feature image")) saveFeature(store, decided);
+  if (mayBeSaved(states.global.failed(), "the parameter table")) {
     saveImage<kGlobalParaSize>(
-        images, ParaTable, flash::kGlobalPara,
-        {"Save Global para to flash :", {nullptr, "=== Save Global para to flash failed! ret = "}});
+        store, ParaTable, flash::kGlobalPara,
+        {"Save Global para to flash :", "=== Save Global para to flash failed! ret = "});
   }
   if (newTag) writeFlash(flash::kFormatTag, Data_Global::IsNewFlashTag, kCaller);
-  savePortTables(images);
-  if (mayBeSaved(failures.number, "the number table")) {
+  savePortTables(store);
+  if (mayBeSaved(states.number.failed(), "the number table")) {
     saveImage<VsPartPara.size()>(
-        images, VsPartPara, flash::kNumberTable,
-        {"Save number para to flash :", {nullptr, "=== Save number para to flash failed! ret = "}});
+        store, VsPartPara, flash::kNumberTable,
+        {"Save number para to flash :", "=== Save number para to flash failed! ret = "});
   }
   DriverUtil::getInstance()->runCommand("sync");
 }
@@ -140,10 +137,12 @@ void Data_Global::SaveParaToFlash(int type, const FeatureDraft& decided) {
   PARLEND_TRACE(kInfo) << "@@@@@@@@@@@@@@@@@@@@@@@@@@@ ModeChange Close Bypass, dvi wide:"
                        << SendParameterReg[fpga::kOutputWidth] << " "
                        << SendParameterReg[fpga::kOutputHeight];
-  PARLEND_TRACE(kInfo) << "======================Save para to flash, the type = " << type;
+  const LogSection section(
+      {"======================Save para to flash, the type = ",
+       "=========================== Finish save para to flash ==========================="},
+      static_cast<unsigned>(type));
   if (type == 0) saveBasicHardware(*Data_Preset::getInstance());
   if (type == 1) saveParameters(*this, decided);
-  PARLEND_TRACE(kInfo) << "=========================== Finish save para to flash ===========================";
 }
 
 }  // namespace ORVE_MCUC

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "mcucdatablock.h"
+#include "proto/store/loadstate.h"
 #include "waitable.h"
 
 namespace ORVE_MCUC {
 
 struct DeviceState {
   RelaxedByte PbufMorSMode;         // 0 master, 1 slave
+  LoadState roleLoad;               // of the byte before
   RelaxedByte FpgaOnlineFlag;       // 1: the device has loaded the FPGA; set by the flag and status thread
   WaitableByte RWFPGATestflag;      // 1: the report thread tests FPGA tables
   RelaxedByte _gCorroentHighSpeed;  // 1: correction data go to the cards with short pauses

@@ -17,7 +17,7 @@ template <std::size_t N>
 class FpgaImage : public ByteImage<N> {
  public:
   // What somebody decided.
-  [[nodiscard]] bool decide(std::span<const uint8_t> bytes, std::size_t at) {
+  bool decide(std::span<const uint8_t> bytes, std::size_t at) {
     if (!this->copyFrom(bytes, at)) return false;
     for (std::size_t i = at; i < at + bytes.size(); ++i) decided_[i] = true;
     return true;
@@ -30,7 +30,7 @@ class FpgaImage : public ByteImage<N> {
   }
   bool isAhead(std::size_t at) const { return at < N && ahead_[at]; }
   // What the FPGA holds.
-  [[nodiscard]] bool refresh(std::span<const uint8_t> bytes, std::size_t at) {
+  bool refresh(std::span<const uint8_t> bytes, std::size_t at) {
     if (!fits(N, at, bytes.size())) return false;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       if (!ahead_[at + i]) (*this)[at + i] = bytes[i];
@@ -38,7 +38,7 @@ class FpgaImage : public ByteImage<N> {
     return true;
   }
   // What flash holds; late, after loads that failed, all but what was decided meanwhile.
-  [[nodiscard]] bool load(std::span<const uint8_t> bytes, std::size_t at, bool late) {
+  bool load(std::span<const uint8_t> bytes, std::size_t at, bool late) {
     if (!fits(N, at, bytes.size())) return false;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       if (!late || !decided_[at + i]) (*this)[at + i] = bytes[i];

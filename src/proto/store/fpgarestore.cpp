@@ -5,6 +5,7 @@
 #include "maps/fpgamap.h"
 #include "mcuctrace.h"
 #include "proto/store/data_common.h"
+#include "proto/store/imageload.h"
 #include "proto/store/mappingsteps.h"
 #include "proto/store/porttables.h"
 #include "proto/store/screenoffset.h"
@@ -15,7 +16,26 @@ namespace {
 constexpr char kCaller[] = "RestoreFPGA";
 constexpr uint8_t kOutputModes[] = {0x20, 0x21, 0x10};  // the first one is used in place of any other
 
-void mendImage(RegisterImages& images) {
+// An output that was closed, or opened since, stays so, and the status stays today's.
+void loadFeatureLate(RegisterImages& images, bool online) {
+  const uint8_t output = images.SendParameterReg[fpga::kOutputEnable];
+  if (loadFeature(images) != 0 || !online) return;
+  // For the FPGA, and once more for the image: its mark of an output that was closed is mended to 0.
+  images.SendParameterReg[fpga::kOutputEnable] = output;
+  mendFeature(images);
+  restoreFeature(images);
+  images.SendParameterReg[fpga::kOutputEnable] = output;
+  readHardwareStatus(images);
+}
+
+}  // namespace
+
+bool isOnline(const DeviceState& device) {
+  return device.FpgaOnlineFlag == 1;
+}
+
+void mendFeature(RegisterImages& images) {
+  if (images.loadStates.feature.failed()) return;  // a mended value would stand in a late load's way
   FeatureDraft mended;
   const uint8_t mode = images.SendParameterReg[fpga::kOutputMode];
   if (std::find(std::begin(kOutputModes), std::end(kOutputModes), mode) == std::end(kOutputModes))
@@ -25,31 +45,23 @@ void mendImage(RegisterImages& images) {
   putFeature(images, mended);
 }
 
-}  // namespace
-
-bool isOnline(const Data_Global& store) {
-  return store.FpgaOnlineFlag == 1;
-}
-
-bool restoreFeature(Data_Global& store) {
-  if (store.loadFailures.feature) return false;
-  mendImage(store);
-  if (!isOnline(store)) return false;
-  const int ret = putFeature(store, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
+void restoreFeature(RegisterImages& images) {
+  if (images.loadStates.feature.failed()) return;
+  const int ret = putFeature(images, {}, fpga::kFeatureFirst, fpga::kFeatureRestoreLength, kCaller);
+  images.restoredParts.feature = ret == 0;
   PARLEND_TRACE(kInfo) << "Restore Feature FPGA Space ok !";
-  applyScreenOffset(store);
-  return ret == 0;
+  applyScreenOffset(images);
 }
 
-bool restorePortTable(Data_Global& store, unsigned port) {
-  if (!isOnline(store) || store.loadFailures.portTables.at(port)) return false;
-  const int written = rewritePortTable(store, port);
+void restorePortTable(RegisterImages& images, unsigned port) {
+  if (images.loadStates.portTables.at(port).failed()) return;
+  const int written = rewritePortTable(images, port);
+  images.restoredParts.portTables.at(port) = written == 0;
   PARLEND_TRACE(kInfo) << "Write to FPGA, the ret = " << written;
-  return written == 0;
 }
 
-bool restoreNumberTable(Data_Global& store) {
-  if (!isOnline(store) || store.loadFailures.number) return false;
+void restoreNumberTable(RegisterImages& images) {
+  if (images.loadStates.number.failed()) return;
   struct Step {
     NumberPart part;
     const char* written;
@@ -62,25 +74,39 @@ bool restoreNumberTable(Data_Global& store) {
   };
   bool whole = true;
   for (const auto& [part, written] : kSteps) {
-    const int ret = writeImage(store, VsPartPara, part.at, part.length, part.fpga);
+    const int ret = writeImage(images, VsPartPara, part.at, part.length, part.fpga);
     PARLEND_TRACE(kInfo) << written << ret;
     whole = whole && ret == 0;
   }
+  images.restoredParts.number = whole;
   PARLEND_TRACE(kInfo) << "SM2W_tmp Write to FPGA ,SPI_Receive_Buf[0x109]  = " << VsPartPara[kBitDepthMarkAt];
-  return whole;
 }
 
 // The flash holds these registers as they were in the last run.
-void readHardwareStatus(Data_Global& store) {
-  if (!isOnline(store)) return;
+void readHardwareStatus(RegisterImages& images) {
   for (const fpga::Run& run : fpga::kHardwareStatus) {
     std::array<uint8_t, 2> bytes{};
-    const int ret =
-        readThrough(store, store.SendParameterReg, run.first, run.first, std::span(bytes).first(run.length));
+    const int ret = readThrough(images, images.SendParameterReg, run.first, run.first,
+                                std::span(bytes).first(run.length));
     if (ret != 0)
       PARLEND_TRACE(kError) << "=== RestoreFPGA ===the status at " << CTrace::hex << run.first
                             << " cannot be read. ret = " << ret;
   }
+}
+
+void loadWhatIsMissing(Data_Global& store) {
+  const LoadStates& states = store.loadStates;
+  const bool online = isOnline(store);
+  if (states.feature.failed()) loadFeatureLate(store, online);
+  if (states.global.failed()) loadGlobal(store);
+  for (unsigned port = 0; port < kMappedPorts; ++port) {
+    if (states.portTables[port].failed() && loadPortTable(store, port) == 0 && online)
+      restorePortTable(store, port);
+  }
+  if (states.number.failed() && loadNumberTable(store) == 0 && online) restoreNumberTable(store);
+  if (states.screen.failed()) loadScreenPara(store);
+  if (store.roleLoad.failed()) loadRole(store);
+  if (store.restoredParts.all()) store.FpgaParaLoadFinish = true;
 }
 
 }  // namespace ORVE_MCUC

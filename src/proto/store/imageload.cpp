@@ -3,16 +3,15 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "proto/store/data_common.h"
-#include "proto/store/fpgarestore.h"
 #include "proto/store/porttables.h"
 
 namespace ORVE_MCUC {
 namespace {
 
 template <std::size_t Length, std::size_t N>
-int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image) {
+int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image, FailureWords words) {
   std::array<uint8_t, Length> bytes{};
-  const int ret = readFlash(address, bytes);
+  const int ret = readFlash(address, bytes, words);
   if (ret == 0) putBytes(images, image, 0, bytes);
   return ret;
 }
@@ -20,80 +19,58 @@ int load(const RegisterImages& images, uint32_t address, ByteImage<N>& image) {
 // What was decided while flash could not be read is not taken back by the old values that it holds.
 template <std::size_t Length, std::size_t N>
 int load(const RegisterImages& images, uint32_t address, FpgaImage<N>& image, std::size_t at,
-         LoadFailure& failure) {
+         LoadState& state, FailureWords words = {}) {
   std::array<uint8_t, Length> bytes{};
-  const int ret = readFlash(address, bytes);
+  const int ret = readFlash(address, bytes, words);
   if (ret == 0) {
     CMutexGuardT<CMutexThread> guard(images.imageLock);
-    static_cast<void>(image.load(bytes, at, failure));
+    image.load(bytes, at, state.failed());
   }
-  return failure.note(ret);
-}
-
-// An output that was closed, or opened since, stays so, and the status stays today's.
-void loadFeatureLate(Data_Global& store) {
-  const uint8_t output = store.SendParameterReg[fpga::kOutputEnable];
-  if (loadFeature(store) != 0 || !isOnline(store)) return;
-  store.SendParameterReg[fpga::kOutputEnable] = output;
-  restoreFeature(store);
-  store.SendParameterReg[fpga::kOutputEnable] = output;
-  readHardwareStatus(store);
+  return state.note(ret);
 }
 
 }  // namespace
 
 int loadFeature(RegisterImages& images) {
-  std::array<uint8_t, 512> bytes{};
+  FeatureBytes bytes{};
   const int ret = Data_Global::RestoreDataFromFlash(1, bytes);
   if (ret == 0) {
     CMutexGuardT<CMutexThread> guard(images.imageLock);
-    FpgaImage<512>& image = images.SendParameterReg;
-    static_cast<void>(image.load(bytes, 0, images.loadFailures.feature));
+    FeatureImage& image = images.SendParameterReg;
+    image.load(bytes, 0, images.loadStates.feature.failed());
     // What the FPGA says of itself was never decided.
     image.written(0, fpga::kFeatureFirst, 0);
     for (const fpga::Run& run : fpga::kHardwareStatus) image.written(run.first, run.length, 0);
   }
-  return images.loadFailures.feature.note(ret);
+  return images.loadStates.feature.note(ret);
 }
 
-int loadGlobal(RegisterImages& images) {
-  LoadFailure& failure = images.loadFailures.global;
-  if (failure.loaded()) return 0;
-  return failure.note(load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable));
+int loadGlobal(RegisterImages& images, FailureWords words) {
+  LoadState& state = images.loadStates.global;
+  if (state.loaded()) return 0;
+  return state.note(load<kGlobalParaSize>(images, flash::kGlobalPara, ParaTable, words));
 }
 
 int loadPortTable(RegisterImages& images, unsigned port) {
   const std::size_t at = portTableAt(port);
   return load<kPortTableSize>(images, flash::kPositionTables + static_cast<uint32_t>(at), PortsTopoPara, at,
-                              images.loadFailures.portTables.at(port));
+                              images.loadStates.portTables.at(port));
 }
 
-int loadNumberTable(RegisterImages& images) {
-  return load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0, images.loadFailures.number);
+int loadNumberTable(RegisterImages& images, FailureWords words) {
+  return load<VsPartPara.size()>(images, flash::kNumberTable, VsPartPara, 0, images.loadStates.number, words);
 }
 
-int loadScreenPara(RegisterImages& images) {
-  return images.loadFailures.screen.note(
-      load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg));
+int loadScreenPara(RegisterImages& images, FailureWords words) {
+  return images.loadStates.screen.note(
+      load<screenpara::kStored>(images, flash::kScreenPara, images.ScreenParaReg, words));
 }
 
-int loadRole(Data_Global& store) {
+int loadRole(DeviceState& device, FailureWords words) {
   uint8_t role = 0;
-  const int ret = store.loadFailures.role.note(readFlash(flash::kRole, {&role, 1}));
-  if (ret == 0) store.PbufMorSMode = role;
+  const int ret = device.roleLoad.note(readFlash(flash::kRole, {&role, 1}, words));
+  if (ret == 0) device.PbufMorSMode = role;
   return ret;
-}
-
-void loadWhatIsMissing(Data_Global& store) {
-  const LoadFailures& failed = store.loadFailures;
-  if (failed.feature) loadFeatureLate(store);
-  if (failed.global) loadGlobal(store);
-  for (unsigned port = 0; port < kMappedPorts; ++port) {
-    if (failed.portTables[port] && loadPortTable(store, port) == 0) restorePortTable(store, port);
-  }
-  if (failed.number && loadNumberTable(store) == 0) restoreNumberTable(store);
-  if (failed.screen) loadScreenPara(store);
-  if (failed.role) loadRole(store);
 }
 
 }  // namespace ORVE_MCUC

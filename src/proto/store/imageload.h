@@ -6,18 +6,14 @@
 
 namespace ORVE_MCUC {
 
-class Data_Global;
+struct DeviceState;
 
-// DriverUtil's results.
+// DriverUtil's results. A failure is logged with the words that are given, if any.
 int loadFeature(RegisterImages& images);
-int loadGlobal(RegisterImages& images);  // once; 0 from then on
+int loadGlobal(RegisterImages& images, FailureWords words = {});  // once; 0 from then on
 int loadPortTable(RegisterImages& images, unsigned port);
-int loadNumberTable(RegisterImages& images);
-int loadScreenPara(RegisterImages& images);  // bytes 0..14
-int loadRole(Data_Global& store);            // PbufMorSMode
-
-// Tries once more what could not be loaded, and brings it to an FPGA that is there: a restore has left it
-// out. Before an image is changed or saved: what is put into it must not be lost to a read that comes later.
-void loadWhatIsMissing(Data_Global& store);
+int loadNumberTable(RegisterImages& images, FailureWords words = {});
+int loadScreenPara(RegisterImages& images, FailureWords words = {});  // bytes 0..14
+int loadRole(DeviceState& device, FailureWords words = {});           // PbufMorSMode
 
 }  // namespace ORVE_MCUC

@@ -89,12 +89,12 @@ void logScreenChangeCounter(uint8_t counter) {
 
 bool storeScreenPara(RegisterImages& images, CardSize card, std::span<const uint8_t, 5> layout,
                      const char* caller) {
-  std::array<uint8_t, screenpara::kStored> bytes{1, 0x55};
+  std::array<uint8_t, screenpara::kStored> bytes{1, screenpara::kConfigured};
   putLe16(bytes, screenpara::kCardSizeAt, card.width);
   putLe16(bytes, screenpara::kCardSizeAt + 2, card.height);
   std::copy(layout.begin(), layout.end(), bytes.begin() + screenpara::kLayoutAt);
   putBytes(images, images.ScreenParaReg, 0, bytes);
-  images.loadFailures.screen.note(0);  // nothing of them is left to be loaded
+  images.loadStates.screen.settle();
   return writeFlash(flash::kScreenPara, bytes, {caller, "write 02100001 to flash failed. driverRet = "}) == 0;
 }
 
@@ -104,8 +104,8 @@ void logPortLoad(const SmartScreen& screen, const PortSplit& split) {
                        << split.RowOrColInOnePort << " CardNumofOneCable = " << split.CardNumofOneCable;
 }
 
-bool roleIsKnown(const RegisterImages& images, const char* caller) {
-  if (!images.loadFailures.role) return true;
+bool roleIsKnown(const DeviceState& device, const char* caller) {
+  if (!device.roleLoad.failed()) return true;
   PARLEND_TRACE(kError) << "=== " << caller << " ===the device's role cannot be read, the ports keep theirs.";
   return false;
 }

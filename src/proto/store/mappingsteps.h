@@ -48,7 +48,7 @@ void logPortLoad(const SmartScreen& screen, const PortSplit& split);
 
 // Whether the device is known to be a master or a slave; logged when it is not: without its role a
 // calculation leaves those of the ports as they are.
-bool roleIsKnown(const RegisterImages& images, const char* caller);
+bool roleIsKnown(const DeviceState& device, const char* caller);
 
 // Card counts of ports 0..9, byte by byte to the image of the number table and to the FPGA.
 void writeCardCounts(const RegisterImages& images, const std::array<uint32_t, kMappedPorts>& counts,

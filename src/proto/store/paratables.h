@@ -57,6 +57,7 @@ inline constexpr std::size_t kTempRoleAt = 2;
 // Screen parameters that are kept in flash.
 namespace screenpara {
 inline constexpr std::size_t kStored = 15;
+inline constexpr uint8_t kConfigured = 0x55;   // byte 1: a configuration has set the screen
 inline constexpr std::size_t kCardSizeAt = 6;  // width u16, height u16, in pixels
 inline constexpr std::size_t kLayoutAt = 10;   // rows, columns, connection mode, cards per port u16
 }  // namespace screenpara

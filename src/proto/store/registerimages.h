@@ -3,9 +3,11 @@
 // under the image lock, which is held for one bus access and never over flash, shell, cards, sends or pauses.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "maps/cardgeometry.h"
@@ -13,42 +15,37 @@
 #include "mcucmutex.h"
 #include "proto/store/deviceaccess.h"
 #include "proto/store/fpgaimage.h"
+#include "proto/store/loadstate.h"
 
 namespace ORVE_MCUC {
 
-// Whether flash has failed to give something. What was loaded once, or set as a whole, no later failure makes
-// unknown again.
-class LoadFailure {
- public:
-  operator bool() const { return state_ == State::Failed; }
-  bool loaded() const { return state_ == State::Loaded; }
-  // Remembers the result of a load and passes it on.
-  int note(int result) {
-    if (result == 0) state_ = State::Loaded;
-    if (result != 0 && !loaded()) state_ = State::Failed;
-    return result;
-  }
-
- private:
-  enum class State : uint8_t { Due, Failed, Loaded };
-  RelaxedValue<State> state_;
-};
+inline constexpr std::size_t kFeatureSize = 512;
+using FeatureImage = FpgaImage<kFeatureSize>;
+using FeatureBytes = std::array<uint8_t, kFeatureSize>;  // the image at one moment
 
 // What flash could not give is neither saved nor brought to the FPGA.
-struct LoadFailures {
-  LoadFailure feature;
-  LoadFailure global;
-  LoadFailure number;
-  LoadFailure screen;
-  LoadFailure role;  // master or slave
-  std::array<LoadFailure, kMappedPorts> portTables;
+struct LoadStates {
+  LoadState feature;
+  LoadState global;
+  LoadState number;
+  LoadState screen;
+  std::array<LoadState, kMappedPorts> portTables;
+};
+
+// What a restore has written to the FPGA, every byte of it.
+struct RestoredParts {
+  bool feature = false;
+  bool number = false;
+  std::array<bool, kMappedPorts> portTables{};
+  bool all() const { return feature && number && std::ranges::all_of(portTables, std::identity{}); }
 };
 
 struct RegisterImages {
-  FpgaImage<512> SendParameterReg;      // feature parameters: FPGA registers 0x000..0x1FF
+  FeatureImage SendParameterReg;        // feature parameters: FPGA registers 0x000..0x1FF
   ByteImage<392> ScreenParaReg;         // screen information
   FpgaImage<512> HardwareScreenGenReg;  // test-pattern generator
-  LoadFailures loadFailures;            // under the configuration lock
+  LoadStates loadStates;                // under the configuration lock, as what follows
+  RestoredParts restoredParts;
   // Also for the images beside the store: PortsTopoPara, VsPartPara, ParaTable.
   mutable CMutexThread imageLock;
 };
@@ -70,12 +67,12 @@ class FeatureDraft {
   // What another draft holds, over what was put before.
   void put(const FeatureDraft& later);
   // Only what was put; the rest stays.
-  void applyTo(std::span<uint8_t, 512> image) const;
-  void applyTo(FpgaImage<512>& image) const;  // which decides them
+  void applyTo(std::span<uint8_t, kFeatureSize> image) const;
+  void applyTo(FeatureImage& image) const;  // which decides them
 
  private:
-  std::array<uint8_t, 512> bytes_{};
-  std::bitset<512> taken_;
+  FeatureBytes bytes_{};
+  std::bitset<kFeatureSize> taken_;
 };
 
 // A draft into the image; with a block, that block of the image to the FPGA as well.
@@ -83,12 +80,14 @@ void putFeature(RegisterImages& images, const FeatureDraft& draft);
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words);
 
-// Changes bytes of the feature image that depend on each other, at one moment. change(image) waits for
-// nothing.
-template <class Change>
-void changeFeature(RegisterImages& images, Change change) {
+// The image at one moment, with a draft laid over it.
+FeatureBytes featureBytes(const RegisterImages& images, const FeatureDraft& over = {});
+
+// Changes bytes of an image that depend on each other, at one moment. change(image) waits for nothing.
+template <class Image, class Change>
+void changeImage(const RegisterImages& images, Image& image, Change change) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  change(images.SendParameterReg);
+  change(image);
 }
 
 // The three that follow log a failure of the FPGA with the words that they are given, if any.

@@ -9,11 +9,11 @@ namespace {
 
 constexpr char kCaller[] = "RestoreFPGA";
 
-int32_t signedOffset(const ByteImage<512>& image, std::size_t at) {
+int32_t signedOffset(const FeatureImage& image, std::size_t at) {
   return static_cast<int32_t>(image.le16(at) | static_cast<uint32_t>(image.le16(at + 2)) << 16);
 }
 
-void applySignedOffsets(const ByteImage<512>& image) {
+void applySignedOffsets(const FeatureImage& image) {
   PARLEND_TRACE(kInfo) << "###################### LSD Para Back SendParameterReg";
   const int32_t x = signedOffset(image, fpga::kSignedOffsetX);
   const int32_t y = signedOffset(image, fpga::kSignedOffsetY);
@@ -29,7 +29,7 @@ void applySignedOffsets(const ByteImage<512>& image) {
 }  // namespace
 
 void applyScreenOffset(RegisterImages& images) {
-  const ByteImage<512>& image = images.SendParameterReg;
+  const FeatureImage& image = images.SendParameterReg;
   const uint8_t mode = image[fpga::kOffsetMode];
   PARLEND_TRACE(kInfo) << "###################### ModePara Anly SendParameterReg[208]" << mode;
   if (mode == kByLsd) {

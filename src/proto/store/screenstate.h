@@ -21,9 +21,16 @@ struct ConfigurationLock {
 struct ScreenState {
   RelaxedByte NormalBackupStatus;                  // 0: a peer has marked backup ports
   RelaxedByte LEDConfigStatus;                     // what configured the screen last
-  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated; any thread adds
+  RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
+  uint32_t submissionsSeen = 0;                    // of them, at the tick before; only under the lock
   ByteImage<32> TmpCalcScreenPara;                 // the record as it was written last
   ByteImage<2> CfgScreenStatus;                    // kept under the system's name; nothing reads it
+
+  // What was submitted is calculated, or replaced: what is submitted next has to rest as long.
+  void forgetSubmissions() {
+    CalculateParaHandlerCnt = 0;
+    submissionsSeen = 0;
+  }
 };
 
 // Owner: whoever measures, on any thread; no lock.

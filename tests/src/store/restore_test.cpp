@@ -5,7 +5,7 @@
 #include "platform/sysconf.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/porttables.h"
 #include "store_fixture.h"
 
@@ -29,6 +29,10 @@ constexpr Area kTable9{"table of port 9", flash::kPositionTables + 0x9000, 0x100
 constexpr Area kNumber{"number", flash::kNumberTable, 768};
 constexpr Area kScreen{"screen", flash::kScreenPara, 2};
 constexpr Area kAreas[] = {kFeature, kGlobal, kTable0, kTable9, kNumber, kScreen};
+
+auto EachHasFailed(bool failed) {
+  return testing::Each(testing::Property(&LoadState::failed, failed));
+}
 
 class RestoreTest : public StoreFixture {
  protected:
@@ -84,19 +88,22 @@ TEST_F(RestoreTest, AReadThatFailedOnceIsMadeUpForBeforeAnythingIsPutIntoTheImag
   EXPECT_EQ(board.flash(kTable9.first + 4, 2), (Bytes{0x80, 0})) << "calculated";
   EXPECT_EQ(board.flash(kTable9.first + 0xFFC, 4), Bytes(4, kPattern)) << "behind the last repetition";
   EXPECT_EQ(stored(kGlobal), Bytes(512, kPattern));
-  EXPECT_THAT(store().loadFailures.portTables, testing::Each(false));
+  EXPECT_THAT(store().loadStates.portTables, EachHasFailed(false));
 }
 
 TEST_F(RestoreTest, WhatIsMissingIsLoadedOnceItCanBeRead) {
   board.fault(Fault::FlashRead, {TestBoard::kEveryCall});
   daemon.restart();
   board.clearFaults();
-  const LoadFailures& failures = store().loadFailures;
-  EXPECT_TRUE(failures.feature && failures.global && failures.number && failures.screen);
-  EXPECT_THAT(failures.portTables, testing::Each(true));
+  const LoadStates& states = store().loadStates;
+  const auto expectFailed = [&](bool failed) {
+    for (const LoadState* state : {&states.feature, &states.global, &states.number, &states.screen})
+      EXPECT_EQ(state->failed(), failed);
+    EXPECT_THAT(states.portTables, EachHasFailed(failed));
+  };
+  expectFailed(true);
   loadWhatIsMissing(store());
-  EXPECT_FALSE(failures.feature || failures.global || failures.number || failures.screen);
-  EXPECT_THAT(failures.portTables, testing::Each(false));
+  expectFailed(false);
   for (const uint8_t loaded : {store().SendParameterReg[0x21], ParaTable[0], VsPartPara[0],
                                store().ScreenParaReg[0], PortsTopoPara[0]})
     EXPECT_EQ(loaded, kPattern);
@@ -157,6 +164,7 @@ TEST_F(RestoreTest, WhatWasNotLoadedIsWrittenToTheFpgaOnceItCanBeRead) {
     store().SaveParaToFlash(1);
     EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern});
     EXPECT_EQ(stored(area)[at == 0x20 ? 0x20 : 0], kPattern);
+    EXPECT_TRUE(store().FpgaParaLoadFinish);
     EXPECT_EQ(store().SendParameterReg[0x1E], 0x67) << "the hardware's own, of today";
     EXPECT_EQ(store().SendParameterReg[fpga::kOutputEnable], 0x5A) << "closed by the restore";
     EXPECT_EQ(board.fpga(fpga::kOutputEnable, 1), Bytes{0});
@@ -226,6 +234,7 @@ TEST_F(RestoreTest, TheFpgaIsLoadedWhenAllOfItWasWritten) {
   for (const uint32_t at : {0x20U, portTableOnFpga(0), portTableOnFpga(9) + 0xC00, kNumberCommon.fpga}) {
     board.fault(Fault::FpgaWrite, {TestBoard::kEveryCall, 0, at, at});
     daemon.bringUp();
+    store().SaveParaToFlash(1);
     EXPECT_FALSE(store().FpgaParaLoadFinish) << at;
     board.clearFaults();
     daemon.bringUp();

@@ -216,6 +216,17 @@ TEST_F(ScreenRoad, TheLaterOfTwoConfigurationsStaysThoughTheEarlierOneWaitsForIt
   submit(smart);
   ASSERT_TRUE(mapped(7, 0xA8));
   EXPECT_EQ(fpga(countAt(0), 2), (Bytes{2, 0}));
+  // What is submitted after the other kind rests as long as what was submitted before it.
+  submit(smart);
+  daemon.workOff();
+  daemon.tick();
+  write(kConfig, {0xB9});
+  submit(smart);
+  daemon.workOff();
+  daemon.tick();
+  EXPECT_EQ(fpga(countAt(0), 2), (Bytes{1, 0}));
+  daemon.tick();
+  EXPECT_EQ(fpga(countAt(0), 2), (Bytes{2, 0}));
 }
 
 TEST_F(ScreenRoad, PortsThatCannotBeReadLeaveTheEarlierConfigurationWaitingForItsTick) {

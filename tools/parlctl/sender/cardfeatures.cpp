@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 
+#include "calc/bypass.h"
 #include "clocktext.h"
 #include "commandline.h"
 #include "maps/fpgamap.h"
@@ -55,9 +56,12 @@ struct ValueWord {
   std::string_view word;
 };
 constexpr std::array kWords{
-    ValueWord{fpga::kBackupMark, 0xA5, "slave"}, ValueWord{fpga::kBackupMark, 0, "master"},
-    ValueWord{fpga::kOffsetMode, 0, "normal"},   ValueWord{fpga::kOffsetMode, 0xA5, "bypass"},
-    ValueWord{fpga::kOffsetMode, 1, "bypass"},   ValueWord{fpga::kOffsetMode, 2, "bypass-signed"},
+    ValueWord{fpga::kBackupMark, fpga::kSlaveMark, "slave"},
+    ValueWord{fpga::kBackupMark, 0, "master"},
+    ValueWord{fpga::kOffsetMode, 0, "normal"},
+    ValueWord{fpga::kOffsetMode, kOpenBypass, "bypass"},
+    ValueWord{fpga::kOffsetMode, 1, "bypass"},
+    ValueWord{fpga::kOffsetMode, 2, "bypass-signed"},
 };
 
 // "links of ports 0-3" as one word: "links-of-ports-0-3".

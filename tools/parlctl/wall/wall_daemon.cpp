@@ -21,7 +21,6 @@ namespace shortcut = ORVE_MCUC::shortcut;
 
 constexpr std::size_t kWrittenEnd = shortcut::kCardsPerPortAt + 2;  // mode to cards per port go in one write
 constexpr std::size_t kBlockEnd = shortcut::kPortYAt + 2;           // of a port's block, mode to Y likewise
-constexpr uint8_t kSubmit = 0xB9;
 
 constexpr std::array<uint8_t, 4> kMark{0xFF, 0xFF, 0xFF, 0xFF};  // no card lies there
 
@@ -149,7 +148,7 @@ void submitAdvanced(peer::Peer& daemon, const WallRecord& record) {
                                        port * shortcut::kPortSize + shortcut::kPortModeAt),
                  Bytes(block.begin(), block.end()));
   }
-  daemon.write(reg::kShortcutConfigScreen, {kSubmit});
+  daemon.write(reg::kShortcutConfigScreen, {shortcut::kSubmitAdvanced});
 }
 
 uint16_t copperLinks(std::span<const uint8_t> registers) {

@@ -1,7 +1,7 @@
 // Runs the brightness schedule on a device: reads flash, clock and sensors for it, and sends what it decides.
 // The daemon gives it the board, the preview and the tests a board in virtual time.
 //
-// The message, work and flag threads share it. One lock guards schedule and mirror; it is never held while
+// The receive, work and flag threads share it. One lock guards schedule and mirror; it is never held while
 // the device is called.
 #pragma once
 

@@ -7,9 +7,10 @@
 
 namespace fuzz {
 
-// Options of a piece that is a request; its two lowest bits are the label's small half.
+// Options of a piece that is a request; its two lowest bits are the label's small half where it has no head.
 inline constexpr uint8_t kLeaveChecksum = 0x80;
 inline constexpr uint8_t kTickAfter = 0x40;
+inline constexpr uint8_t kBeginsWithHead = 0x20;
 
 /** Calls take(what, bytes) for each piece; the last one may be cut short. */
 template <class Take>

@@ -91,6 +91,27 @@ void addStrainedWrites(Seeds& seeds, const SpaceRow& space) {
   seeds.push_back(input);
 }
 
+// A request with every byte of its head strained; and with lengths that its frame cannot have.
+void addHeads(Seeds& seeds) {
+  constexpr uint32_t kConnected = 0x010A7000;
+  const Bytes frame = peer::encode(peer::Frame{.address = reg::kBackupInfo, .length = kSomeData});
+  peer::Head head{.taskId = kConnected, .labelCount = 1, .frameLength = peer::kFrameOverhead};
+  Bytes input;
+  const auto add = [&](const Bytes& bytes) {
+    Bytes message = bytes;
+    append(message, frame);
+    addPiece(input, kBeginsWithHead, message);
+  };
+  strain(peer::encode(head), 0, add);
+  seeds.push_back(std::exchange(input, {}));
+  constexpr uint32_t kLengths[] = {0, peer::kFrameOverhead - 1, peer::kMaxFrame + 1, UINT32_MAX};
+  for (const uint32_t length : kLengths) {
+    head.frameLength = length;
+    add(peer::encode(head));
+  }
+  seeds.push_back(input);
+}
+
 // Each space with the shortest and the longest data that it takes, with data across its end and with strained
 // data; each register with as many bytes as it has.
 Seeds requests() {
@@ -108,6 +129,7 @@ Seeds requests() {
   for (const auto& row : kRegisters) seeds.push_back(writing(row.address, ramp(row.length)));
   for (const auto& row : kPushedRegisters) seeds.push_back(writing(row.address, ramp(row.length)));
   for (const auto& row : kReadEffects) seeds.push_back(reading(row.address, row.length));
+  addHeads(seeds);
   return seeds;
 }
 

@@ -71,7 +71,13 @@ TEST_F(WholeDaemon, WhoIsConnectedIsToldAndNobodyElse) {
 }
 
 TEST_F(WholeDaemon, MessagesThatAreNotAnsweredStillReachIt) {
-  EXPECT_FALSE(daemon.exchange(peer::encode(peer::Frame{}), {.large = 0x1D}));
+  for (const peer::Head& head : {peer::Head{.large = 0x1D}, {.small = 2}, {.small = 3}})
+    EXPECT_FALSE(daemon.exchange(peer::encode(peer::Frame{}), head)) << head.small;
+  for (const std::size_t longer : {0U, 1U}) {
+    const Bytes longest = peer::encode(
+        peer::Frame{.code = peer::kWrite, .address = 0x02300000, .data = Bytes(peer::kMaxData + longer)});
+    EXPECT_EQ(daemon.exchange(longest).has_value(), longer == 0);
+  }
   setTraceLevel(0);
   Bytes frame = peer::encode(peer::Frame{.address = 0xF0000000, .length = 1});
   frame.back() ^= 1;

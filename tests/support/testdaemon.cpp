@@ -164,14 +164,18 @@ std::optional<peer::Message> TestDaemon::exchange(const Bytes& frame, peer::Head
   head.taskId = taskOf(service);
   head.labelCount = ++number_;
   head.frameLength = static_cast<uint32_t>(frame.size());
+  auto reply = arrive(head, frame);
+  if (reply && reply->head.labelCount != number_) throw std::logic_error("a reply to another request");
+  return reply;
+}
+
+std::optional<peer::Message> TestDaemon::arrive(const peer::Head& head, const Bytes& frame) {
   Bytes message = peer::encode(head);
   message.insert(message.end(), frame.begin(), frame.end());
   messagedesk::arrive(message);
   StubUtil::getInstance()->channel().takeMessage();
   sortSent();
-  auto reply = std::exchange(reply_, {});
-  if (reply && reply->head.labelCount != number_) throw std::logic_error("a reply to another request");
-  return reply;
+  return std::exchange(reply_, {});
 }
 
 peer::Frame TestDaemon::ask(const peer::Frame& frame) {

@@ -48,7 +48,10 @@ class TestDaemon {
   // Requests, answered at once; work that they queue waits. Nothing comes back for a message that is not
   // answered.
 
+  /** The head gets the service's task, a number of its own and the frame's length. */
   std::optional<peer::Message> exchange(const Bytes& frame, peer::Head head = {}, uint32_t service = kTool);
+  /** A head as it stands. A reply without a number is among the notifications. */
+  std::optional<peer::Message> arrive(const peer::Head& head, const Bytes& frame);
   /** Throws peer::Error (TimeOut) without a reply. */
   peer::Frame ask(const peer::Frame& frame);
   peer::Frame read(uint32_t address, uint16_t length) { return ask({.address = address, .length = length}); }

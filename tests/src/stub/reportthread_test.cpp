@@ -1,8 +1,12 @@
 // The report thread: its registers at start, and the table test while it is asked for.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <fstream>
 #include <future>
+#include <string>
 #include <thread>
 
 #include "../allocations.h"
@@ -18,9 +22,10 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 using Bytes = peer::Bytes;
+
+constexpr auto kPeriod = 1ms;
 
 class ReportThreadTest : public testing::Test {
  protected:
@@ -33,11 +38,13 @@ class ReportThreadTest : public testing::Test {
       if (lines[i].starts_with("fpga-write " + address)) found.push_back(lines[i]);
     return found;
   }
-  template <class Condition>
-  static bool becomes(Condition condition) {
+  // Whether a thread, which may have to begin, comes to wait for something.
+  static bool fallsAsleep(const std::atomic<pid_t>& thread) {
     const auto end = std::chrono::steady_clock::now() + 10s;
     while (std::chrono::steady_clock::now() < end) {
-      if (condition()) return true;
+      std::ifstream state("/proc/self/task/" + std::to_string(thread) + "/stat");
+      std::string line;
+      if (std::getline(state, line) && line.find(") S ") != line.npos) return true;
       std::this_thread::sleep_for(1ms);
     }
     return false;
@@ -78,7 +85,6 @@ TEST_F(ReportThreadTest, ARegisterThatRunsOutOfMemoryIsGivenUpAndTheNextIsProgra
 }
 
 TEST_F(ReportThreadTest, ATestThatRunsOutOfMemoryIsGivenUpAndTheNextIsWhole) {
-  constexpr auto kPeriod = 1ms;
   const Bytes last(1024, 0x55);
   setTraceLevel(0);
   const std::size_t before = allocations();
@@ -152,25 +158,33 @@ TEST_F(ReportThreadTest, WhatFailsOrDiffersIsLogged) {
 }
 
 TEST_F(ReportThreadTest, TheThreadTestsWhileItIsAskedToAndSleepsOtherwise) {
+  constexpr unsigned kAskedFor = 100;
   setTraceLevel(3);
   auto& flag = Data_Global::getInstance()->RWFPGATestflag;
-  std::thread body([this] { report.ActiveReport(); });
+  std::atomic<pid_t> thread{0};
+  std::thread body([&] {
+    thread = gettid();
+    report.ActiveReport();
+  });
   const auto tests = [this] { return writesTo("0x00500000 256 5555").size(); };
   for (const uint8_t other : {uint8_t{2}, uint8_t{0}}) {
     flag = other;
+    EXPECT_TRUE(fallsAsleep(thread));
     EXPECT_EQ(tests(), 0U);
   }
+  daemon.board.takeTime(kPeriod);  // from now on it is held behind each test
   flag = 1;
-  EXPECT_TRUE(becomes([&] { return tests() >= 100; }));
+  EXPECT_TRUE(daemon.board.awaitHeld(1));
+  for (unsigned test = 1; test < kAskedFor; ++test) {
+    daemon.board.advance(kPeriod);
+    EXPECT_TRUE(daemon.board.awaitHeld(1));
+  }
+  EXPECT_THAT(daemon.trace("Read_Write FPGA test : "), ElementsAre("Info Read_Write FPGA test : 100"));
   flag = 0;
-  EXPECT_TRUE(becomes([&] {
-    const auto now = tests();
-    std::this_thread::sleep_for(5ms);
-    return tests() == now;
-  }));
-  const auto counts = daemon.trace("Read_Write FPGA test : ");
-  ASSERT_THAT(counts, Not(IsEmpty()));
-  EXPECT_EQ(counts.front(), "Info Read_Write FPGA test : 100");
+  daemon.board.takeTime();
+  daemon.board.advance(1h);
+  EXPECT_TRUE(fallsAsleep(thread));
+  EXPECT_EQ(tests(), kAskedFor);
   report.Release();
   body.join();
   EXPECT_THAT(daemon.trace("exit."), ElementsAre("Info FpgaThread  exit.", "Info ActiveReport thread exit."));

@@ -45,7 +45,7 @@ class BrightnessControl {
  public:
   explicit BrightnessControl(BrightnessDevice& device) : device_(device) {}
 
-  // Message thread: bytes of the mirror; false when they do not lie inside of it, and before it is loaded.
+  // Receive thread: bytes of the mirror; false when they do not lie inside of it, and before it is loaded.
   bool readMirror(std::size_t offset, std::span<uint8_t> bytes) const;
 
   // Work thread: a write to the file at its offset.

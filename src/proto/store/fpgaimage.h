@@ -29,6 +29,7 @@ class FpgaImage : public ByteImage<N> {
     return result;
   }
   bool isAhead(std::size_t at) const { return at < N && ahead_[at]; }
+  bool isDecided(std::size_t at) const { return at < N && decided_[at]; }
   // What the FPGA holds.
   bool refresh(std::span<const uint8_t> bytes, std::size_t at) {
     if (!fits(N, at, bytes.size())) return false;

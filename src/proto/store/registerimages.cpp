@@ -17,6 +17,30 @@ void FeatureDraft::applyTo(FeatureImage& image) const {
   }
 }
 
+namespace {
+
+int writeRun(FeatureImage& image, std::size_t first, std::size_t length, FailureWords words) {
+  FeatureBytes room{};
+  const auto bytes = std::span(room).first(std::min(length, room.size()));
+  if (!image.copyTo(bytes, first)) return -1;
+  return image.written(first, length, writeFpga(static_cast<uint32_t>(first), bytes, words));
+}
+
+// While flash could not give the rest. The last failure.
+int writeDecided(FeatureImage& image, std::size_t first, std::size_t length, FailureWords words) {
+  int result = 0;
+  for (std::size_t at = first; at < first + length; ++at) {
+    std::size_t run = 0;
+    while (at + run < first + length && image.isDecided(at + run)) ++run;
+    if (run == 0) continue;
+    if (const int ret = writeRun(image, at, run, words)) result = ret;
+    at += run;
+  }
+  return result;
+}
+
+}  // namespace
+
 void putFeature(RegisterImages& images, const FeatureDraft& draft) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   draft.applyTo(images.SendParameterReg);
@@ -24,12 +48,11 @@ void putFeature(RegisterImages& images, const FeatureDraft& draft) {
 
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words) {
-  FeatureBytes block{};
-  const auto bytes = std::span(block).first(std::min(length, block.size()));
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  draft.applyTo(images.SendParameterReg);
-  if (!images.SendParameterReg.copyTo(bytes, first)) return -1;
-  return images.SendParameterReg.written(first, bytes.size(), writeFpga(first, bytes, words));
+  FeatureImage& image = images.SendParameterReg;
+  draft.applyTo(image);
+  const auto write = images.loadStates.feature.failed() ? &writeDecided : &writeRun;
+  return write(image, first, length, words);
 }
 
 FeatureBytes featureBytes(const RegisterImages& images, const FeatureDraft& over) {

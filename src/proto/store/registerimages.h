@@ -75,7 +75,8 @@ class FeatureDraft {
   std::bitset<kFeatureSize> taken_;
 };
 
-// A draft into the image; with a block, that block of the image to the FPGA as well.
+// A draft into the image; with a block, that block of the image to the FPGA as well: of an image that flash could
+// not give only what was decided.
 void putFeature(RegisterImages& images, const FeatureDraft& draft);
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words);

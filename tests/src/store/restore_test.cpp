@@ -208,6 +208,19 @@ TEST_F(RestoreTest, WhatPeersSetWhileFlashCouldNotBeReadStaysWhenItCan) {
   }
 }
 
+TEST_F(RestoreTest, OfAnImageThatCouldNotBeReadAMappingWritesOnlyWhatItDecides) {
+  failReads(kFeature);
+  daemon.restart();
+  daemon.bringUp();
+  for (const uint32_t at : {0x23U, 0x28U, 0x1C5U}) board.setFpga(at, {0x66});
+  ByteImage<1024> table;
+  for (const std::size_t at : {2U, 4U, 6U}) table.putLe16(at, 3);
+  store().CalculateParaOfSenderInMosaicMode(table, {});
+  EXPECT_EQ(board.fpga(fpga::kScreenWidth, 4), (Bytes{0x80, 1, 0x80, 1}));
+  EXPECT_EQ(board.fpga(fpga::portWindow(9), 2), (Bytes{0x80, 1}));
+  for (const uint32_t at : {0x23U, 0x28U, 0x1C5U}) EXPECT_EQ(board.fpga(at, 1), Bytes{0x66}) << at;
+}
+
 TEST_F(RestoreTest, WhatCouldNotBeWrittenToTheFpgaIsSavedThoughAPeerReadsOldBytesFromThere) {
   daemon.restart();
   daemon.bringUp();

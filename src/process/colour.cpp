@@ -86,18 +86,18 @@ Table calculateHlg() {
 void loadCurve(RegisterImages& images, const Table& curve) {
   for (uint32_t colour = 0; colour < 3; ++colour)
     writeFpga(fpga::kGammaTables + colour * fpga::kGammaTableStride, curve);
-  writeFpga(fpga::kBitDepthMark, {&kHdrMark, 1});
+  writePast(images, VsPartPara, kBitDepthMarkAt, fpga::kBitDepthMark, {&kHdrMark, 1});
   writeThrough(images, images.SendParameterReg, fpga::kHdrEnable, fpga::kHdrEnable, {&kHdrOn, 1});
   PARLEND_TRACE(kInfo) << "Finish HDR RGBGAMMA Sendto FPGA";
 }
 
 // The images are told only that HDR is on, as the devices in the field do it: what else these two registers
 // hold, the next read brings.
-void loadSdr() {
+void loadSdr(RegisterImages& images) {
   const uint8_t bitDepth = lowByte(para::PbufSendcardBitDepth);
   SendGammaToFpga(bitDepth);
-  writeFpga(fpga::kBitDepthMark, {&bitDepth, 1});
-  writeFpga(fpga::kHdrEnable, {&kHdrOff, 1});
+  writePast(images, VsPartPara, kBitDepthMarkAt, fpga::kBitDepthMark, {&bitDepth, 1});
+  writePast(images, images.SendParameterReg, fpga::kHdrEnable, fpga::kHdrEnable, {&kHdrOff, 1});
   PARLEND_TRACE(kInfo) << "Finish Deft RGBGAMMA Sendto FPGA,the SendcardBitDepth is  " << bitDepth;
 }
 
@@ -143,7 +143,7 @@ void SendCardHDRProcess(RegisterImages& images, uint8_t mode) {
     case kHlgMode:
       return loadCurve(images, calculateHlg());
     default:
-      return loadSdr();
+      return loadSdr(images);
   }
 }
 

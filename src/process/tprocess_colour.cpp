@@ -9,7 +9,7 @@
 #include "process/tprocess.h"
 #include "proto/store/data_common.h"
 #include "proto/store/deviceaccess.h"
-#include "proto/store/imageload.h"
+#include "proto/store/fpgarestore.h"
 #include "proto/store/paratables.h"
 
 namespace ORVE_MCUC {
@@ -32,7 +32,7 @@ struct Setting {
 // What is put into the table must not be lost to a later read of one that could not be loaded. A record and
 // what is calculated from it belong together: callers hold the configuration lock over both.
 void keep(std::initializer_list<Setting> settings) {
-  if (store().loadStates.global.failed()) loadGlobal(store());
+  loadWhatIsMissing(store());
   changeImage(store(), ParaTable, [&](auto& table) {
     for (const Setting& setting : settings) table.putLe16(setting.field, setting.value);
   });

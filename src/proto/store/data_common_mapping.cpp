@@ -135,9 +135,6 @@ void assignRoles(const Data_Global& store, FeatureDraft& draft, const PortSplit&
                          << int{backup != 0 ? fpga::kBackup : fpga::kMaster};
   }
   if (store.NormalBackupStatus != 0) {
-    // A peer's read brings back the mark that the submission has cleared: the FPGA is told only now.
-    const uint8_t mark = store.SendParameterReg[fpga::kBackupMark];
-    if (mark == fpga::kMasterMark || mark == fpga::kSlaveMark) draft.put(fpga::kBackupMark, fpga::kNoMark);
     const unsigned int linked = store.GigaPhyLinkSta;
     for (unsigned int port = split.UsedPortNum; port < kMappedPorts; ++port) {
       if ((linked >> port & 1) != 0) draft.put(fpga::portRole(port), fpga::kBackup);
@@ -197,6 +194,8 @@ void Data_Global::CalculateParaOfSenderInMosaicMode(const ByteImage<1024>& table
   SmartScreen screen = screenIn(table, chars);
   screen.card = ReceiveCardSize;
   FeatureDraft draft;
+  // The submission has cleared the mark; the FPGA, which a peer may have read since, is told only now.
+  if (CalculateParaHandlerCnt != 0 && NormalBackupStatus != 0) draft.put(fpga::kBackupMark, fpga::kNoMark);
   if (!isValid(screen)) {
     PARLEND_TRACE(kError) << "=== CalculateParaOfSenderInMosaicMode ===Invalid Parameter! ";
   } else if (!mapScreen(*this, draft, screen, chars[kTempRoleAt])) {

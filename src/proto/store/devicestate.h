@@ -10,7 +10,6 @@ namespace ORVE_MCUC {
 struct DeviceState {
   RelaxedByte PbufMorSMode;         // 0 master, 1 slave
   LoadState roleLoad;               // of the byte before
-  RelaxedByte FpgaOnlineFlag;       // 1: the device has loaded the FPGA; set by the flag and status thread
   WaitableByte RWFPGATestflag;      // 1: the report thread tests FPGA tables
   RelaxedByte _gCorroentHighSpeed;  // 1: correction data go to the cards with short pauses
   // Kept under the system's names; nothing reads them.

@@ -22,11 +22,20 @@ class FpgaImage : public ByteImage<N> {
     for (std::size_t i = at; i < at + bytes.size(); ++i) decided_[i] = true;
     return true;
   }
-  // The result of a write of these to the FPGA; passes it on.
-  int written(std::size_t at, std::size_t count, int result) {
+  // The result of a write of these to the FPGA, and whether the FPGA is loaded, before which it keeps
+  // nothing. Passes the result on.
+  int written(std::size_t at, std::size_t count, int result, bool loaded) {
     if (!fits(N, at, count)) return result;
-    for (std::size_t i = at; i < at + count; ++i) ahead_[i] = result != 0;
+    for (std::size_t i = at; i < at + count; ++i) ahead_[i] = (result != 0 || !loaded) && !follows_[i];
     return result;
+  }
+  // Here the FPGA tells and the image follows, whatever was put or loaded.
+  void follow(std::size_t at, std::size_t count) {
+    if (!fits(N, at, count)) return;
+    for (std::size_t i = at; i < at + count; ++i) {
+      follows_[i] = true;
+      ahead_[i] = false;
+    }
   }
   bool isAhead(std::size_t at) const { return at < N && ahead_[at]; }
   bool isDecided(std::size_t at) const { return at < N && decided_[at]; }
@@ -43,7 +52,7 @@ class FpgaImage : public ByteImage<N> {
     if (!fits(N, at, bytes.size())) return false;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       if (!late || !decided_[at + i]) (*this)[at + i] = bytes[i];
-      ahead_[at + i] = true;
+      ahead_[at + i] = !follows_[at + i];
       decided_[at + i] = false;
     }
     return true;
@@ -52,6 +61,7 @@ class FpgaImage : public ByteImage<N> {
  private:
   std::bitset<N> ahead_;
   std::bitset<N> decided_;
+  std::bitset<N> follows_;
 };
 
 }  // namespace ORVE_MCUC

@@ -30,10 +30,6 @@ void loadFeatureLate(RegisterImages& images, bool online) {
 
 }  // namespace
 
-bool isOnline(const DeviceState& device) {
-  return device.FpgaOnlineFlag == 1;
-}
-
 void mendFeature(RegisterImages& images) {
   if (images.loadStates.feature.failed()) return;  // a mended value would stand in a late load's way
   FeatureDraft mended;

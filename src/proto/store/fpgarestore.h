@@ -9,8 +9,6 @@ namespace ORVE_MCUC {
 class Data_Global;
 struct DeviceState;
 
-bool isOnline(const DeviceState& device);
-
 // Replaces values of the feature image that no output runs with: before it is restored.
 void mendFeature(RegisterImages& images);
 // The feature image and the screen offset.

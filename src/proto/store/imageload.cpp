@@ -22,10 +22,7 @@ int load(const RegisterImages& images, uint32_t address, FpgaImage<N>& image, st
          LoadState& state, FailureWords words = {}) {
   std::array<uint8_t, Length> bytes{};
   const int ret = readFlash(address, bytes, words);
-  if (ret == 0) {
-    CMutexGuardT<CMutexThread> guard(images.imageLock);
-    image.load(bytes, at, state.failed());
-  }
+  if (ret == 0) changeImage(images, image, [&](auto& whole) { whole.load(bytes, at, state.failed()); });
   return state.note(ret);
 }
 
@@ -34,14 +31,12 @@ int load(const RegisterImages& images, uint32_t address, FpgaImage<N>& image, st
 int loadFeature(RegisterImages& images) {
   FeatureBytes bytes{};
   const int ret = Data_Global::RestoreDataFromFlash(1, bytes);
-  if (ret == 0) {
-    CMutexGuardT<CMutexThread> guard(images.imageLock);
-    FeatureImage& image = images.SendParameterReg;
-    image.load(bytes, 0, images.loadStates.feature.failed());
-    // What the FPGA says of itself was never decided.
-    image.written(0, fpga::kFeatureFirst, 0);
-    for (const fpga::Run& run : fpga::kHardwareStatus) image.written(run.first, run.length, 0);
-  }
+  changeImage(images, images.SendParameterReg, [&](FeatureImage& image) {
+    // What the FPGA says of itself.
+    image.follow(0, fpga::kFeatureFirst);
+    for (const fpga::Run& run : fpga::kHardwareStatus) image.follow(run.first, run.length);
+    if (ret == 0) image.load(bytes, 0, images.loadStates.feature.failed());
+  });
   return images.loadStates.feature.note(ret);
 }
 

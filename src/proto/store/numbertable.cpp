@@ -13,7 +13,7 @@ int writeNumberPart(const RegisterImages& images, const NumberPart& part, std::s
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (first < end && !VsPartPara.decide(bytes.subspan(first - at, end - first), first)) return -1;
   if (!VsPartPara.copyTo(whole, part.at)) return -1;
-  return VsPartPara.written(part.at, whole.size(), writeFpga(part.fpga, whole, words));
+  return VsPartPara.written(part.at, whole.size(), writeFpga(part.fpga, whole, words), isOnline(images));
 }
 
 }  // namespace ORVE_MCUC

@@ -19,21 +19,24 @@ void FeatureDraft::applyTo(FeatureImage& image) const {
 
 namespace {
 
-int writeRun(FeatureImage& image, std::size_t first, std::size_t length, FailureWords words) {
+int writeRun(RegisterImages& images, std::size_t first, std::size_t length, FailureWords words) {
+  FeatureImage& image = images.SendParameterReg;
   FeatureBytes room{};
   const auto bytes = std::span(room).first(std::min(length, room.size()));
   if (!image.copyTo(bytes, first)) return -1;
-  return image.written(first, length, writeFpga(static_cast<uint32_t>(first), bytes, words));
+  return image.written(first, length, writeFpga(static_cast<uint32_t>(first), bytes, words),
+                       isOnline(images));
 }
 
 // While flash could not give the rest. The last failure.
-int writeDecided(FeatureImage& image, std::size_t first, std::size_t length, FailureWords words) {
+int writeDecided(RegisterImages& images, std::size_t first, std::size_t length, FailureWords words) {
+  const FeatureImage& image = images.SendParameterReg;
   int result = 0;
   for (std::size_t at = first; at < first + length; ++at) {
     std::size_t run = 0;
     while (at + run < first + length && image.isDecided(at + run)) ++run;
     if (run == 0) continue;
-    if (const int ret = writeRun(image, at, run, words)) result = ret;
+    if (const int ret = writeRun(images, at, run, words)) result = ret;
     at += run;
   }
   return result;
@@ -49,10 +52,9 @@ void putFeature(RegisterImages& images, const FeatureDraft& draft) {
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
-  FeatureImage& image = images.SendParameterReg;
-  draft.applyTo(image);
+  draft.applyTo(images.SendParameterReg);
   const auto write = images.loadStates.feature.failed() ? &writeDecided : &writeRun;
-  return write(image, first, length, words);
+  return write(images, first, length, words);
 }
 
 FeatureBytes featureBytes(const RegisterImages& images, const FeatureDraft& over) {

@@ -46,9 +46,14 @@ struct RegisterImages {
   FpgaImage<512> HardwareScreenGenReg;  // test-pattern generator
   LoadStates loadStates;                // under the configuration lock, as what follows
   RestoredParts restoredParts;
+  RelaxedByte FpgaOnlineFlag;  // 1: the device has loaded the FPGA; set by the flag and status thread
   // Also for the images beside the store: PortsTopoPara, VsPartPara, ParaTable.
   mutable CMutexThread imageLock;
 };
+
+inline bool isOnline(const RegisterImages& images) {
+  return images.FpgaOnlineFlag == 1;
+}
 
 // New values of the feature image, composed aside and put in at once.
 class FeatureDraft {
@@ -75,8 +80,8 @@ class FeatureDraft {
   std::bitset<kFeatureSize> taken_;
 };
 
-// A draft into the image; with a block, that block of the image to the FPGA as well: of an image that flash could
-// not give only what was decided.
+// A draft into the image; with a block, that block of the image to the FPGA as well: of an image that flash
+// could not give only what was decided.
 void putFeature(RegisterImages& images, const FeatureDraft& draft);
 int putFeature(RegisterImages& images, const FeatureDraft& draft, uint32_t first, std::size_t length,
                FailureWords words);
@@ -100,7 +105,16 @@ int writeThrough(const RegisterImages& images, FpgaImage<N>& image, std::size_t 
                  std::span<const uint8_t> bytes, FailureWords words = {}) {
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (!image.decide(bytes, at)) return -1;
-  return image.written(at, bytes.size(), writeFpga(fpgaRegister, bytes, words));
+  return image.written(at, bytes.size(), writeFpga(fpgaRegister, bytes, words), isOnline(images));
+}
+
+// Bytes to the FPGA past an image, which follows with the next read. The same results.
+template <std::size_t N>
+int writePast(const RegisterImages& images, FpgaImage<N>& image, std::size_t at, uint32_t fpgaRegister,
+              std::span<const uint8_t> bytes, FailureWords words = {}) {
+  CMutexGuardT<CMutexThread> guard(images.imageLock);
+  const int ret = writeFpga(fpgaRegister, bytes, words);
+  return ret == 0 ? image.written(at, bytes.size(), ret, isOnline(images)) : ret;
 }
 
 // A part of an image to the FPGA, as it is; at most 1024 bytes. The same results.
@@ -112,7 +126,7 @@ int writeImage(const RegisterImages& images, FpgaImage<N>& image, std::size_t at
   const auto bytes = std::span(room).first(length);
   CMutexGuardT<CMutexThread> guard(images.imageLock);
   if (!image.copyTo(bytes, at)) return -1;
-  return image.written(at, length, writeFpga(fpgaRegister, bytes, words));
+  return image.written(at, length, writeFpga(fpgaRegister, bytes, words), isOnline(images));
 }
 
 // Registers of the FPGA into an image, which keeps what the FPGA was not told yet, and all of its bytes when

@@ -183,7 +183,16 @@ TEST_F(RestoreTest, NoReadOfAnFpgaThatIsNotLoadedTakesAnythingFromWhatFlashHolds
   for (const Area& area : {kTable0, kTable9, kNumber})
     EXPECT_EQ(stored(area), Bytes(area.length, kPattern)) << area.name;
   EXPECT_EQ(board.flash(flash::ofFeature(0x20), 0x7E), Bytes(0x7E, kPattern)) << "between status registers";
+  // It answers writes, too, and holds nothing of them.
+  daemon.write(reg::ofFeature(0x52), {7});
+  daemon.write(reg::kFunCardPortNumber + 0x10, {8});
+  daemon.workOff();
+  board.setFpga(0x52, {0});
+  board.setFpga(kNumberPorts0To3.fpga, Bytes(0x80));
   readAll();
+  store().SaveParaToFlash(1);
+  EXPECT_EQ(board.flash(flash::ofFeature(0x51), 3), (Bytes{kPattern, 7, kPattern}));
+  EXPECT_EQ(board.flash(kNumber.first + 0xF, 3), (Bytes{kPattern, 8, kPattern}));
   daemon.bringUp();
   for (const uint32_t at : {0x51U, portTableOnFpga(9) + 0xFFF, kNumberPorts8To11.fpga})
     EXPECT_EQ(board.fpga(at, 1), Bytes{kPattern}) << at;
@@ -249,6 +258,9 @@ TEST_F(RestoreTest, TheFpgaIsLoadedWhenAllOfItWasWritten) {
     daemon.bringUp();
     store().SaveParaToFlash(1);
     EXPECT_FALSE(store().FpgaParaLoadFinish) << at;
+    board.setFpga(0x1F, {static_cast<uint8_t>(at >> 12 | 5)});
+    daemon.read(reg::kFeature, 512);
+    EXPECT_EQ(store().SendParameterReg[0x1F], board.fpga(0x1F, 1)[0]) << "of today's hardware";
     board.clearFaults();
     daemon.bringUp();
     EXPECT_TRUE(store().FpgaParaLoadFinish) << at;

@@ -16,7 +16,6 @@ namespace {
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using Bytes = peer::Bytes;
 using Fault = TestBoard::Fault;

@@ -35,8 +35,8 @@ inline constexpr NumberPart kNumberCommon{0x100, 0x100, fpga::kNumberCommon};
 inline constexpr NumberPart kNumberPorts8To11{0x200, 0x80, fpga::kNumberPorts8To11};
 inline constexpr NumberPart kNumberPorts12To15{0x280, 0x80, fpga::kNumberPorts12To15};
 // All of VsPartPara, in the order of the bus accesses of its register space. Calculation and restore leave
-// the last part alone: no screen is cut between its ports, and what flash holds of it stays there until a peer
-// writes it.
+// the last part alone: no screen is cut between its ports, and what flash holds of it stays there until a
+// peer writes it.
 inline constexpr std::array kNumberParts{kNumberPorts0To3, kNumberPorts4To7, kNumberCommon, kNumberPorts8To11,
                                          kNumberPorts12To15};
 // The parts that hold card counts, four ports each.

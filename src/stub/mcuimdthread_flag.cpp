@@ -102,13 +102,14 @@ void McuIMDThread::LsdApipcConnHandler() {
 
 void McuIMDThread::CalculateSenderParaHandler() {
   Data_Global& store = *Data_Global::getInstance();
-  if (store.CalculateParaHandlerCnt == 0) return;
-  // Who holds the lock may submit another one, or an advanced configuration in its place.
-  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
   const uint32_t count = store.CalculateParaHandlerCnt;
-  const bool rested = count != 0 && count == store.submissionsSeen;
-  store.submissionsSeen = count;
-  if (!rested) return;
+  if (count == 0 || count != store.submissionsSeen) {
+    store.submissionsSeen = count;
+    return;
+  }
+  // Who held the lock may have submitted another one, or an advanced configuration in its place.
+  CMutexGuardT<CMutexThreadRecursive> guard(store.m_mutex);
+  if (store.CalculateParaHandlerCnt != count || store.submissionsSeen != count) return;
   Tprocess::CalculateParaOfSenderHandler();
   store.forgetSubmissions();
 }

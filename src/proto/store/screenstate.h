@@ -22,7 +22,7 @@ struct ScreenState {
   RelaxedByte NormalBackupStatus;                  // 0: a peer has marked backup ports
   RelaxedByte LEDConfigStatus;                     // what configured the screen last
   RelaxedValue<uint32_t> CalculateParaHandlerCnt;  // submissions not yet calculated
-  uint32_t submissionsSeen = 0;                    // of them, at the tick before; only under the lock
+  RelaxedValue<uint32_t> submissionsSeen;          // of them, at the tick before
   ByteImage<32> TmpCalcScreenPara;                 // the record as it was written last
   ByteImage<2> CfgScreenStatus;                    // kept under the system's name; nothing reads it
 

@@ -101,8 +101,9 @@ TEST_F(LocksTest, CalculationsSavesAndRestoresWaitForOneAnotherBeforeTheyTouchAn
 
 TEST_F(LocksTest, WhatTheTickTellsWaitsForNoConfiguration) {
   daemon.connect();
+  store().CalculateParaHandlerCnt = 1;  // which has not rested yet
   EXPECT_FALSE(waitsFor(
-      store().m_mutex, [this] { daemon.tick(5); }, [] {}));
+      store().m_mutex, [this] { daemon.tick(); }, [] {}));
   EXPECT_EQ(store().GigaPhyLinkSta, 0x000F);
   EXPECT_THAT(daemon.pushes(), testing::SizeIs(testing::Ge(4U)));
 }

@@ -29,13 +29,10 @@ class FpgaImage : public ByteImage<N> {
     for (std::size_t i = at; i < at + count; ++i) ahead_[i] = (result != 0 || !loaded) && !follows_[i];
     return result;
   }
-  // Here the FPGA tells and the image follows, whatever was put or loaded.
+  // Here the FPGA tells and the image follows, whatever is put or loaded from now on.
   void follow(std::size_t at, std::size_t count) {
     if (!fits(N, at, count)) return;
-    for (std::size_t i = at; i < at + count; ++i) {
-      follows_[i] = true;
-      ahead_[i] = false;
-    }
+    for (std::size_t i = at; i < at + count; ++i) follows_[i] = true;
   }
   bool isAhead(std::size_t at) const { return at < N && ahead_[at]; }
   bool isDecided(std::size_t at) const { return at < N && decided_[at]; }

@@ -3,6 +3,7 @@
 #include "maps/flashmap.h"
 #include "maps/fpgamap.h"
 #include "platform/sysconf.h"
+#include "process/colour.h"
 #include "process/tprocess.h"
 #include "proto/store/deviceaccess.h"
 #include "proto/store/fpgarestore.h"
@@ -265,6 +266,17 @@ TEST_F(RestoreTest, TheFpgaIsLoadedWhenAllOfItWasWritten) {
     daemon.bringUp();
     EXPECT_TRUE(store().FpgaParaLoadFinish) << at;
   }
+}
+
+TEST_F(RestoreTest, WhatIsWrittenPastAnImageIsBroughtThereByTheNextRead) {
+  daemon.restart();
+  store().FpgaOnlineFlag = 1;
+  SendCardHDRProcess(store(), 0);
+  daemon.read(reg::kFeature, 512);
+  daemon.read(reg::kFunCardPortNumber, 768);
+  EXPECT_EQ(store().SendParameterReg[fpga::kHdrEnable], 0xFF) << "no HDR";
+  EXPECT_EQ(VsPartPara[kBitDepthMarkAt], board.fpga(fpga::kBitDepthMark, 1)[0]);
+  EXPECT_EQ(VsPartPara[kBitDepthMarkAt + 1], kPattern) << "not told yet";
 }
 
 TEST_F(RestoreTest, EveryPortTableGoesBackToTheFpga) {
